@@ -1,0 +1,10 @@
+# What every target of the project is built with.
+add_library(vantro_build_options INTERFACE)
+target_compile_options(vantro_build_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+
+if(VANTRO_SANITIZE)
+    target_compile_options(vantro_build_options INTERFACE
+        -fsanitize=${VANTRO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(vantro_build_options INTERFACE -fsanitize=${VANTRO_SANITIZE})
+endif()

@@ -1,0 +1,67 @@
+#include "LoggerManager/Logger.h"
+
+#include <spdlog/spdlog.h>
+#include <utility>
+
+namespace vantro {
+namespace {
+
+void write(spdlog::logger& sink, spdlog::level::level_enum level, const std::string& file, std::string_view message,
+           std::string_view function, const std::source_location& place)
+{
+    sink.log(level, spdlog::string_view_t(file + ":" + std::to_string(place.line()) + " " + std::string(function) +
+                                          " " + escapedForLog(message)));
+}
+
+} // namespace
+
+std::string escapedForLog(std::string_view text)
+{
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '\\')
+            escaped += "\\\\";
+        else if (character == '\n')
+            escaped += "\\n";
+        else if (character == '\t')
+            escaped += "\\t";
+        else if (byte < 0x20 || byte == 0x7f)
+            escaped += fmt::format("\\x{:02x}", byte);
+        else
+            escaped += character;
+    }
+    return escaped;
+}
+
+Logger::Logger(std::shared_ptr<spdlog::logger> sink, std::string file) : sink_(std::move(sink)), file_(std::move(file))
+{
+}
+
+Logger Logger::inFile(std::string_view file) const
+{
+    return {sink_, std::string(file)};
+}
+
+void Logger::info(std::string_view message, std::string_view function, std::source_location place) const
+{
+    write(*sink_, spdlog::level::info, file_, message, function, place);
+}
+
+void Logger::warning(std::string_view message, std::string_view function, std::source_location place) const
+{
+    write(*sink_, spdlog::level::warn, file_, message, function, place);
+}
+
+void Logger::error(std::string_view message, std::string_view function, std::source_location place) const
+{
+    write(*sink_, spdlog::level::err, file_, message, function, place);
+}
+
+void Logger::flush() const
+{
+    sink_->flush();
+}
+
+} // namespace vantro

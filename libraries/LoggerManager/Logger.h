@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <source_location>
+#include <string>
+#include <string_view>
+
+namespace spdlog {
+class logger;
+}
+
+namespace vantro {
+
+/// Writes log records, one line each: TIME LEVEL FILE:LINE FUNCTION MESSAGE, separated by single spaces, the time in
+/// UTC with milliseconds. Control characters in a message are escaped, so a message never breaks its line. A cheap
+/// handle; copies write to the same log. Any thread. Every record is handed to the operating system before the call
+/// returns.
+class Logger
+{
+  public:
+    /// A logger that names `file` as the source of its records: the path relative to the source root of its room,
+    /// without extension.
+    [[nodiscard]] Logger inFile(std::string_view file) const;
+
+    /// `function` is the name of the operation that logs, with its argument labels.
+    void info(std::string_view message, std::string_view function,
+              std::source_location place = std::source_location::current()) const;
+    void warning(std::string_view message, std::string_view function,
+                 std::source_location place = std::source_location::current()) const;
+    void error(std::string_view message, std::string_view function,
+               std::source_location place = std::source_location::current()) const;
+
+    void flush() const;
+
+  private:
+    friend class LoggerManager;
+    Logger(std::shared_ptr<spdlog::logger> sink, std::string file);
+
+    std::shared_ptr<spdlog::logger> sink_;
+    std::string file_;
+};
+
+/// The text with every control character written as an escape (\n, \t, \x1b) and every backslash doubled.
+[[nodiscard]] std::string escapedForLog(std::string_view text);
+
+} // namespace vantro

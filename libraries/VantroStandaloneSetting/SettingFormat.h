@@ -1,0 +1,21 @@
+#pragma once
+
+/// The element and attribute names of the settings document's file.
+namespace vantro::setting_format {
+inline constexpr const char* root = "VantroStandaloneSetting";
+inline constexpr const char* version = "version";
+inline constexpr const char* switchSetting = "SwitchSetting";
+inline constexpr const char* secureMode = "SecureMode";
+inline constexpr const char* screenLock = "ScreenLock";
+inline constexpr const char* users = "Users";
+inline constexpr const char* userSetting = "UserSetting";
+inline constexpr const char* account = "Account";
+inline constexpr const char* keys = "Keys";
+inline constexpr const char* masterKeySetting = "MasterKeySetting";
+inline constexpr const char* masterKeys = "MasterKeys";
+inline constexpr const char* adminSetting = "AdminSetting";
+inline constexpr const char* toolLoginAuth = "ToolLoginAuth";
+inline constexpr const char* adminKeys = "AdminKeys";
+inline constexpr const char* yubiKey = "YubiKey";
+inline constexpr const char* serial = "Serial";
+} // namespace vantro::setting_format

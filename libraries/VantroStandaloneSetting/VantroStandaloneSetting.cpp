@@ -1,0 +1,95 @@
+#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "LoggerManager/LoggerManager.h"
+#include "foundation/Bundle.h"
+#include "foundation/DurableFile.h"
+#include "foundation/FileDescriptor.h"
+
+namespace vantro {
+namespace {
+
+constexpr std::size_t documentSizeLimit = std::size_t{256} * 1024 * 1024;
+constexpr mode_t newDocumentMode = 0660;
+constexpr int asideNamesTried = 1000;
+
+Logger settingLogger()
+{
+    return LoggerManager::logger("VantroStandalone").inFile("VantroStandaloneSetting/VantroStandaloneSetting");
+}
+
+/// Moves the file to the first free name beside it. Never replaces anything.
+std::error_code keepAside(const std::filesystem::path& file)
+{
+    for (int number = 0; number < asideNamesTried; ++number) {
+        std::filesystem::path aside = file;
+        aside += number == 0 ? ".unreadable" : ".unreadable-" + std::to_string(number);
+        if (::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0) {
+            settingLogger().warning("The settings document can't be read and was kept as " + aside.string() + ".",
+                                    "write()");
+            return {};
+        }
+        if (errno != EEXIST)
+            break;
+    }
+    return {errno, std::generic_category()};
+}
+
+bool canBeRead(const std::filesystem::path& file, const struct stat& status)
+{
+    return S_ISREG(status.st_mode) && FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+}
+
+} // namespace
+
+bool VantroStandaloneSetting::isAllocatedKey() const
+{
+    return !masterKeySetting.masterKeys.empty() ||
+           std::any_of(users.begin(), users.end(), [](const UserSetting& user) { return !user.keys.empty(); });
+}
+
+const std::filesystem::path& VantroStandaloneSetting::url()
+{
+    static const auto path =
+        std::filesystem::path(Bundle::main().string(bundle_key::settingsFolder)) / "VantroStandaloneSetting.xml";
+    return path;
+}
+
+void VantroStandaloneSetting::write() const
+{
+    struct stat status = {};
+    ReplacementOptions options;
+    options.mode = newDocumentMode;
+    std::error_code error;
+    if (::stat(url().c_str(), &status) == 0) {
+        options.mode = status.st_mode & 07777;
+        if (!canBeRead(url(), status))
+            error = keepAside(url());
+    } else if (errno != ENOENT) {
+        error = {errno, std::generic_category()};
+    }
+    if (!error)
+        error = replaceFile(url(), serialised(*this), options);
+    if (error)
+        settingLogger().error("The settings document can't be written to " + url().string() + ": " + error.message() +
+                                  ". The file is left as it was.",
+                              "write()");
+}
+
+std::optional<std::string> readXML(const std::filesystem::path& url)
+{
+    std::error_code error;
+    auto bytes = readFile(url, documentSizeLimit, error);
+    if (error && error != std::errc::no_such_file_or_directory)
+        settingLogger().warning(
+            "The settings document can't be read from " + url.string() + ": " + error.message() + ".", "readXML(url:)");
+    return bytes;
+}
+
+} // namespace vantro

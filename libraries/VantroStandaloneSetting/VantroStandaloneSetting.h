@@ -1,0 +1,118 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "foundation/XML.h"
+
+namespace vantro {
+
+/// What an element of the file holds beyond what this version knows: elements and comments of another program or a
+/// hand. Kept, and written back behind the known content of the element. Null where there is none. Where a list of keys
+/// is an element of its own, foreignKeys is what that list holds.
+using ForeignNodes = std::shared_ptr<const pugi::xml_document>;
+
+/// One token.
+struct YubiKey
+{
+    explicit YubiKey(std::uint64_t number) : serial(number) {}
+
+    /// Never 0 in a valid document.
+    std::uint64_t serial;
+    ForeignNodes foreign;
+};
+
+/// A local account and its tokens.
+struct UserSetting
+{
+    explicit UserSetting(std::string name) : account(std::move(name)) {}
+
+    /// The login name.
+    std::string account;
+    std::vector<YubiKey> keys;
+    ForeignNodes foreign;
+    ForeignNodes foreignKeys;
+};
+
+/// The two switches of the sign-in.
+struct SwitchSetting
+{
+    /// Forced token logon: a token is mandatory at sign-in and unlock.
+    bool secureMode = false;
+    bool screenLock = false;
+    ForeignNodes foreign;
+};
+
+struct MasterKeySetting
+{
+    /// The tokens that open any account.
+    std::vector<YubiKey> masterKeys;
+    ForeignNodes foreign;
+    ForeignNodes foreignKeys;
+};
+
+struct AdminSetting
+{
+    /// The tool asks for an administrator token at its start.
+    bool toolLoginAuth = false;
+    std::vector<YubiKey> adminKeys;
+    ForeignNodes foreign;
+    ForeignNodes foreignKeys;
+};
+
+/// The settings document: the whole configuration of the add-on. The constructors read, write() stores; in between it
+/// is plain data. Used on the main thread only.
+class VantroStandaloneSetting
+{
+  public:
+    /// A new document: no keys, every switch off.
+    VantroStandaloneSetting() = default;
+
+    /// The document of a parsed file. What can't be read is left at its default and makes isValid() false.
+    explicit VantroStandaloneSetting(const XMLAccessor& accessor);
+
+    SwitchSetting switchSetting;
+    std::vector<UserSetting> users;
+    MasterKeySetting masterKeySetting;
+    AdminSetting adminSetting;
+
+    /// False only where the document as read would misrepresent the file: not well-formed, another root element or a
+    /// newer format version, a section missing or twice, a switch that is neither true nor false, a serial that is no
+    /// unsigned 64-bit number or 0, an account name that is empty or holds control characters.
+    [[nodiscard]] bool isValid() const { return isValid_; }
+
+    /// Whether some token opens an account: a key of any user, or a master key.
+    [[nodiscard]] bool isAllocatedKey() const;
+
+    /// The document's file: VantroStandaloneSetting.xml in the settings folder of the information dictionary.
+    static const std::filesystem::path& url();
+
+    /// Replaces the file whole and durably and keeps its mode. A file that is there and can't be read is first kept
+    /// aside, under the name with ".unreadable" appended (or the first free "…-1" and so on behind it); where that
+    /// can't be done it is left alone and nothing is written. A failure is logged and leaves the old file.
+    void write() const;
+
+  private:
+    friend class SettingReader;
+    bool isValid_ = true;
+    ForeignNodes foreign_;
+    ForeignNodes foreignUsers_;
+    friend std::string serialised(const VantroStandaloneSetting& setting);
+};
+
+/// The document's file as text: one element a key, serials in plain decimal.
+[[nodiscard]] std::string serialised(const VantroStandaloneSetting& setting);
+
+/// The bytes of the document's file; nothing when it is missing or can't be read, or is larger than 256 MiB.
+[[nodiscard]] std::optional<std::string> readXML(const std::filesystem::path& url);
+
+/// The newest format version that this program reads, and the one that it writes.
+inline constexpr unsigned int settingFormatVersion = 1;
+
+} // namespace vantro

@@ -1,0 +1,101 @@
+#include "foundation/Identity.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <memory>
+#include <pwd.h>
+#include <sstream>
+#include <unistd.h>
+#include <unordered_set>
+
+#include "foundation/DurableFile.h"
+
+namespace vantro {
+namespace {
+
+std::string fullNameOf(const passwd& record)
+{
+    const std::string_view gecos = record.pw_gecos != nullptr ? record.pw_gecos : "";
+    std::string fullName;
+    for (const char character : gecos.substr(0, gecos.find(','))) {
+        if (character != '&') {
+            fullName += character;
+            continue;
+        }
+        std::string login = record.pw_name;
+        if (!login.empty())
+            login.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(login.front())));
+        fullName += login;
+    }
+    return fullName;
+}
+
+struct OwnRecord
+{
+    std::string loginName;
+    std::string fullName;
+};
+
+OwnRecord lookUpOwnRecord()
+{
+    passwd record = {};
+    passwd* found = nullptr;
+    std::vector<char> buffer(1024);
+    int status = 0;
+    while ((status = ::getpwuid_r(::geteuid(), &record, buffer.data(), buffer.size(), &found)) == ERANGE)
+        buffer.resize(buffer.size() * 2);
+    if (found == nullptr)
+        return {std::to_string(::geteuid()), {}};
+    return {record.pw_name, fullNameOf(record)};
+}
+
+} // namespace
+
+UserIdRange userIdRange(std::string_view loginDefs)
+{
+    UserIdRange range;
+    std::istringstream lines{std::string(loginDefs)};
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string name;
+        std::uint32_t value = 0;
+        if (!(words >> name >> value))
+            continue;
+        if (name == "UID_MIN")
+            range.first = value;
+        else if (name == "UID_MAX")
+            range.last = value;
+    }
+    return range;
+}
+
+std::vector<Identity> queryUserIdentities()
+{
+    constexpr std::size_t loginDefsLimit = 1024 * 1024;
+    std::error_code error;
+    const UserIdRange range = userIdRange(readFile("/etc/login.defs", loginDefsLimit, error).value_or(""));
+
+    std::vector<Identity> identities;
+    std::unordered_set<std::string> names;
+    ::setpwent();
+    while (const passwd* const record = ::getpwent()) {
+        if (record->pw_uid < range.first || record->pw_uid > range.last || !names.insert(record->pw_name).second)
+            continue;
+        identities.push_back({fullNameOf(*record), record->pw_name, record->pw_dir != nullptr ? record->pw_dir : ""});
+    }
+    ::endpwent();
+    return identities;
+}
+
+std::string NSUserName()
+{
+    return lookUpOwnRecord().loginName;
+}
+
+std::string NSFullUserName()
+{
+    return lookUpOwnRecord().fullName;
+}
+
+} // namespace vantro

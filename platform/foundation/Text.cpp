@@ -1,0 +1,91 @@
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
+#include <unicode/utf8.h>
+
+namespace vantro {
+namespace {
+
+/// Calls `visit` with every code point of the text, a negative one where the bytes are no UTF-8, until it answers
+/// false.
+template <class Visit>
+void visitCodePoints(std::string_view text, Visit visit)
+{
+    const auto length = static_cast<std::int32_t>(text.size());
+    std::int32_t position = 0;
+    while (position < length) {
+        UChar32 codePoint = 0;
+// The library's macro narrows on purpose.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"
+        U8_NEXT(text.data(), position, length, codePoint);
+#pragma GCC diagnostic pop
+        if (!visit(codePoint))
+            return;
+    }
+}
+
+} // namespace
+
+bool isValidUTF8(std::string_view text)
+{
+    bool isValid = true;
+    visitCodePoints(text, [&](UChar32 codePoint) { return isValid = codePoint >= 0; });
+    return isValid;
+}
+
+bool hasControlCharacters(std::string_view text)
+{
+    bool hasControl = false;
+    visitCodePoints(text, [&](UChar32 codePoint) {
+        hasControl = (codePoint >= 0 && codePoint < 0x20) || (codePoint >= 0x7f && codePoint < 0xa0);
+        return !hasControl;
+    });
+    return hasControl;
+}
+
+std::string canonicallyNormalised(std::string_view text)
+{
+    // Most names are plain ASCII, which is its own normal form.
+    if (std::all_of(text.begin(), text.end(), [](unsigned char byte) { return byte < 0x80; }) || !isValidUTF8(text))
+        return std::string(text);
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* const normalizer = icu::Normalizer2::getNFCInstance(status);
+    if (U_FAILURE(status))
+        return std::string(text);
+    const auto source =
+        icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+    std::string normalised;
+    normalizer->normalize(source, status).toUTF8String(normalised);
+    return U_FAILURE(status) ? std::string(text) : normalised;
+}
+
+bool isCanonicallyEqual(std::string_view left, std::string_view right)
+{
+    return left == right || canonicallyNormalised(left) == canonicallyNormalised(right);
+}
+
+std::strong_ordering compareCanonically(std::string_view left, std::string_view right)
+{
+    // The order of UTF-8 bytes is the order of the code points, as long as the bytes count as unsigned.
+    const int order = canonicallyNormalised(left).compare(canonicallyNormalised(right));
+    return order <=> 0;
+}
+
+std::optional<std::uint64_t> parseUInt64(std::string_view text)
+{
+    if (text.starts_with('+'))
+        text.remove_prefix(1);
+    std::uint64_t value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [position, error] = std::from_chars(text.data(), end, value);
+    if (text.empty() || error != std::errc() || position != end)
+        return std::nullopt;
+    return value;
+}
+
+} // namespace vantro

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "foundation/FileDescriptor.h"
+#include "foundation/NotificationCenter.h"
+
+namespace vantro {
+
+/// One line of a monitor's filter.
+struct HIDMonitorData
+{
+    std::uint16_t vendorId = 0;
+    std::uint16_t productId = 0;
+};
+
+/// One matched HID interface.
+struct HIDDevice
+{
+    /// Identifies the interface for as long as it is plugged in.
+    std::string id;
+    std::uint16_t vendorId = 0;
+    std::uint16_t productId = 0;
+    /// The largest input report in bytes.
+    std::size_t reportSize = 0;
+    /// The device node.
+    std::string device;
+    std::string name;
+};
+
+/// Posted by a monitor for each matching interface that came; the object is an HIDDevice.
+inline const NotificationName HIDDeviceConnected = "HIDDeviceConnected";
+/// Posted by a monitor for each matching interface that went; the object is an HIDDevice.
+inline const NotificationName HIDDeviceDisconnected = "HIDDeviceDisconnected";
+
+/// Watches the HID interfaces of the devices of a filter, whatever their report size, and posts their coming and going
+/// on the default notification centre. Interfaces that are there before the start come first.
+class HIDDeviceMonitor
+{
+  public:
+    /// `reportSize` in bytes is what the observers are interested in; it filters nothing.
+    HIDDeviceMonitor(std::vector<HIDMonitorData> filter, std::size_t reportSize);
+
+    /// Runs the monitoring loop on the calling thread, where it posts from, until stop(). A machine without udev is
+    /// logged once and ends the loop.
+    void start();
+
+    /// Ends the loop after the post that is under way. Any thread; start() afterwards returns at once.
+    void stop();
+
+    [[nodiscard]] std::size_t reportSize() const { return reportSize_; }
+
+  private:
+    [[nodiscard]] bool isMatching(std::uint16_t vendorId, std::uint16_t productId) const;
+
+    std::vector<HIDMonitorData> filter_;
+    std::size_t reportSize_;
+    FileDescriptor stopEvent_;
+};
+
+} // namespace vantro
