@@ -2,8 +2,7 @@
 
 #include <utility>
 
-namespace vantro
-{
+namespace vantro {
 
 ServiceProxy::ServiceProxy(std::shared_ptr<NSXPCConnection> connection, NSXPCConnection::ErrorHandler onError)
     : connection_(std::move(connection)), onError_(std::move(onError))

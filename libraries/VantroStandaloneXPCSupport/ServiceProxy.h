@@ -5,8 +5,7 @@
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "xpc/NSXPCConnection.h"
 
-namespace vantro
-{
+namespace vantro {
 
 /// The remote object proxy of a connection, as the service protocol. Keeps the connection alive. An error runs the
 /// proxy's error handler and drops the reply block. Any thread.

@@ -1,9 +1,7 @@
 #include "foundation/Identity.h"
 
-#include <algorithm>
 #include <cctype>
-#include <charconv>
-#include <memory>
+#include <cerrno>
 #include <pwd.h>
 #include <sstream>
 #include <unistd.h>
@@ -31,23 +29,22 @@ std::string fullNameOf(const passwd& record)
     return fullName;
 }
 
-struct OwnRecord
+struct PersonNames
 {
     std::string loginName;
     std::string fullName;
 };
 
-OwnRecord lookUpOwnRecord()
+std::optional<PersonNames> lookUp(uid_t user)
 {
     passwd record = {};
     passwd* found = nullptr;
     std::vector<char> buffer(1024);
-    int status = 0;
-    while ((status = ::getpwuid_r(::geteuid(), &record, buffer.data(), buffer.size(), &found)) == ERANGE)
+    while (::getpwuid_r(user, &record, buffer.data(), buffer.size(), &found) == ERANGE)
         buffer.resize(buffer.size() * 2);
     if (found == nullptr)
-        return {std::to_string(::geteuid()), {}};
-    return {record.pw_name, fullNameOf(record)};
+        return std::nullopt;
+    return PersonNames{record.pw_name, fullNameOf(record)};
 }
 
 } // namespace
@@ -88,14 +85,20 @@ std::vector<Identity> queryUserIdentities()
     return identities;
 }
 
+std::optional<std::string> loginName(uid_t user)
+{
+    const auto names = lookUp(user);
+    return names ? std::optional(names->loginName) : std::nullopt;
+}
+
 std::string NSUserName()
 {
-    return lookUpOwnRecord().loginName;
+    return loginName(::geteuid()).value_or(std::to_string(::geteuid()));
 }
 
 std::string NSFullUserName()
 {
-    return lookUpOwnRecord().fullName;
+    return lookUp(::geteuid()).value_or(PersonNames{}).fullName;
 }
 
 } // namespace vantro

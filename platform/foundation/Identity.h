@@ -2,9 +2,12 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <sys/types.h>
 
 namespace vantro {
 
@@ -33,6 +36,9 @@ struct UserIdRange
 /// the directory's order. A second record of a name can't be looked up by that name and is left out. getpwent has one
 /// cursor a process: one thread at a time.
 [[nodiscard]] std::vector<Identity> queryUserIdentities();
+
+/// Login name of a user id; nothing where the directory does not know it. Any thread.
+[[nodiscard]] std::optional<std::string> loginName(uid_t user);
 
 /// Login name of the process's user; the decimal user id where the directory does not know it.
 [[nodiscard]] std::string NSUserName();

@@ -29,6 +29,12 @@ void visitCodePoints(std::string_view text, Visit visit)
     }
 }
 
+/// Plain ASCII, as most names are, is its own normal form.
+bool isASCII(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](unsigned char byte) { return byte < 0x80; });
+}
+
 } // namespace
 
 bool isValidUTF8(std::string_view text)
@@ -50,8 +56,7 @@ bool hasControlCharacters(std::string_view text)
 
 std::string canonicallyNormalised(std::string_view text)
 {
-    // Most names are plain ASCII, which is its own normal form.
-    if (std::all_of(text.begin(), text.end(), [](unsigned char byte) { return byte < 0x80; }) || !isValidUTF8(text))
+    if (isASCII(text) || !isValidUTF8(text))
         return std::string(text);
     UErrorCode status = U_ZERO_ERROR;
     const icu::Normalizer2* const normalizer = icu::Normalizer2::getNFCInstance(status);
@@ -66,13 +71,15 @@ std::string canonicallyNormalised(std::string_view text)
 
 bool isCanonicallyEqual(std::string_view left, std::string_view right)
 {
-    return left == right || canonicallyNormalised(left) == canonicallyNormalised(right);
+    return compareCanonically(left, right) == 0;
 }
 
 std::strong_ordering compareCanonically(std::string_view left, std::string_view right)
 {
     // The order of UTF-8 bytes is the order of the code points, as long as the bytes count as unsigned.
-    const int order = canonicallyNormalised(left).compare(canonicallyNormalised(right));
+    const int order = isASCII(left) && isASCII(right)
+                          ? left.compare(right)
+                          : canonicallyNormalised(left).compare(canonicallyNormalised(right));
     return order <=> 0;
 }
 

@@ -13,10 +13,8 @@
 
 #include "foundation/FileDescriptor.h"
 
-namespace vantro
-{
-namespace
-{
+namespace vantro {
+namespace {
 
 struct Message
 {
@@ -43,8 +41,7 @@ void append(sdbus::MethodCall& call, const XPCArgument& argument)
 /// Throws sdbus::Error when the reply holds something else.
 XPCValue readValue(sdbus::MethodReply& reply, XPCReplyType type)
 {
-    if (type == XPCReplyType::Boolean)
-    {
+    if (type == XPCReplyType::Boolean) {
         bool value = false;
         reply >> value;
         return value;
@@ -57,18 +54,14 @@ XPCValue readValue(sdbus::MethodReply& reply, XPCReplyType type)
 void deliver(const Message& message, sdbus::MethodReply& reply, const sdbus::Error* error)
 {
     NSError failure;
-    try
-    {
-        if (error == nullptr)
-        {
+    try {
+        if (error == nullptr) {
             const XPCValue value = readValue(reply, message.type);
             message.reply(value);
             return;
         }
         failure = asNSError(*error);
-    }
-    catch (const sdbus::Error& exception)
-    {
+    } catch (const sdbus::Error& exception) {
         failure = asNSError(exception);
     }
     message.onError(failure);
@@ -134,8 +127,7 @@ class NSXPCConnection::Worker
     void run()
     {
         static_cast<void>(open());
-        while (waitForWork())
-        {
+        while (waitForWork()) {
             for (auto message = takeMessage(); message; message = takeMessage())
                 sendNow(std::move(*message));
             processBus();
@@ -148,19 +140,17 @@ class NSXPCConnection::Worker
     /// Opens the bus; the error where it can't be done.
     NSError open()
     {
-        try
-        {
+        try {
             auto connection = sdbus::createSystemBusConnection();
-            match_ = connection->addMatch("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                                          "member='NameOwnerChanged',arg0='" +
-                                              serviceName_ + "'",
-                                          [this](sdbus::Message& signal) { onNameOwnerChanged(signal); });
+            match_ =
+                connection->addMatch("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                                     "member='NameOwnerChanged',arg0='" +
+                                         serviceName_ + "'",
+                                     [this](sdbus::Message& signal) { onNameOwnerChanged(signal); });
             proxy_ = sdbus::createProxy(*connection, serviceName_, objectPath_);
             connection_ = std::move(connection);
             return {};
-        }
-        catch (const sdbus::Error& error)
-        {
+        } catch (const sdbus::Error& error) {
             match_.reset();
             return asNSError(error);
         }
@@ -201,8 +191,7 @@ class NSXPCConnection::Worker
     {
         pollfd polled[2] = {{wakeEvent_.get(), POLLIN, 0}, {-1, 0, 0}};
         int timeout = -1;
-        if (connection_)
-        {
+        if (connection_) {
             const auto data = connection_->getEventLoopPollData();
             polled[1] = {data.fd, data.events, 0};
             timeout = data.getPollTimeout();
@@ -218,13 +207,10 @@ class NSXPCConnection::Worker
     {
         if (!connection_)
             return;
-        try
-        {
+        try {
             while (connection_->processPendingRequest())
                 continue;
-        }
-        catch (const sdbus::Error&)
-        {
+        } catch (const sdbus::Error&) {
             invalidate();
         }
     }
@@ -250,21 +236,17 @@ class NSXPCConnection::Worker
     void sendNow(Message taken)
     {
         const auto message = std::make_shared<const Message>(std::move(taken));
-        if (isInvalid_)
-        {
+        if (isInvalid_) {
             message->onError(invalidError());
             return;
         }
-        if (!connection_)
-        {
-            if (const NSError error = open(); !connection_)
-            {
+        if (!connection_) {
+            if (const NSError error = open(); !connection_) {
                 message->onError(error);
                 return;
             }
         }
-        try
-        {
+        try {
             auto methodCall = proxy_->createMethodCall(serviceName_, message->method);
             append(methodCall, message->argument);
             underWay_.push_back(message);
@@ -272,9 +254,7 @@ class NSXPCConnection::Worker
                 std::erase(underWay_, message);
                 deliver(*message, reply, error);
             });
-        }
-        catch (const sdbus::Error& error)
-        {
+        } catch (const sdbus::Error& error) {
             std::erase(underWay_, message);
             message->onError(asNSError(error));
         }

@@ -7,8 +7,7 @@
 #include <variant>
 #include <vector>
 
-namespace vantro
-{
+namespace vantro {
 
 /// Why a message failed.
 struct NSError

@@ -1,0 +1,25 @@
+#include "ApplicationVersion.h"
+
+#include "foundation/Bundle.h"
+#include "foundation/OperatingSystem.h"
+
+namespace vantro {
+
+const std::string& APP_VERSION()
+{
+    static const std::string version = Bundle::main().string(bundle_key::shortVersion);
+    return version;
+}
+
+const std::string& OS_VERSION()
+{
+    static const std::string version = ProcessInfo::operatingSystemVersionString();
+    return version;
+}
+
+QString windowTitleWithVersion()
+{
+    return QStringLiteral("Vantro Standalone (Version %1)").arg(QString::fromStdString(APP_VERSION()));
+}
+
+} // namespace vantro

@@ -1,0 +1,497 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en">
+<context>
+    <name>CommonMessage</name>
+    <message>
+        <source>ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>caution</source>
+        <translation>Caution</translation>
+    </message>
+    <message>
+        <source>warning</source>
+        <translation>Warning</translation>
+    </message>
+    <message>
+        <source>close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>no_registration_yubiKey</source>
+        <translation>These are the last tokens that open an account. After this deletion no token is registered, and forced token logon will be switched off.</translation>
+    </message>
+    <message>
+        <source>cr_failure_alert</source>
+        <translation>The token's challenge-response slot is not set up, the token was pulled out, or the privileged service does not answer. Nothing was registered.
+
+Check that the token is plugged in and that one of its slots is programmed for challenge-response (HMAC-SHA1), then try again. If it still fails, check that the Vantro Standalone service is installed.</translation>
+    </message>
+    <message>
+        <source>unexpected_change_setting</source>
+        <translation>The settings could not be read, because the settings document was changed or damaged outside this tool. They were reset: no token is registered any more, and forced token logon is off. The damaged document was kept beside the new one, with ".invalid" at the end of its name.</translation>
+    </message>
+    <message>
+        <source>install_after_alert_message</source>
+        <translation>Before you begin</translation>
+    </message>
+    <message>
+        <source>install_after_alert_info</source>
+        <translation>This tool changes how people sign in to this computer. It works only for administrators:
+
+• Your account must be a member of the administrators' group. If it is not, run "adduser NAME sudo" as root, with your account's name, and sign in again.
+• The Vantro Standalone service must be installed.
+
+On its very first start the tool closes when you close this message. Start it again then.</translation>
+    </message>
+    <message>
+        <source>do_not_display</source>
+        <translation>Do not show this message again</translation>
+    </message>
+</context>
+<context>
+    <name>UserViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>No token is connected. Plug in the YubiKey that you want to register.</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>This token is already assigned to the chosen account.</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>No user key is selected. Close this dialog and select the keys that you want to delete in the list.</translation>
+    </message>
+</context>
+<context>
+    <name>MasterKeyViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>No token is connected. Plug in the YubiKey that you want to make a master key.</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>This token is already a master key.</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>No master key is selected. Close this dialog and select the keys that you want to delete in the list.</translation>
+    </message>
+</context>
+<context>
+    <name>AdminViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>No token is connected. Plug in the YubiKey that you want to make an administrator key.</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>This token is already an administrator key.</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>No administrator key is selected. Close this dialog and select the keys that you want to delete in the list.</translation>
+    </message>
+    <message>
+        <source>no_registration_admin_yubiKey</source>
+        <translation>These are the last administrator keys. After this deletion the tool no longer asks for a token when it starts, and anyone who can start it can change its settings.</translation>
+    </message>
+</context>
+<context>
+    <name>LoginAuthAlertMessage</name>
+    <message>
+        <source>not_connected_yubikey</source>
+        <translation>No token is connected. Plug in an administrator key and try again.</translation>
+    </message>
+    <message>
+        <source>not_admin_key</source>
+        <translation>This token is not an administrator key. Plug in an administrator key and try again.</translation>
+    </message>
+    <message>
+        <source>auth_failure</source>
+        <translation>The token could not be checked. Plug in one administrator key and no other token, touch it if it blinks, and try again.</translation>
+    </message>
+</context>
+<context>
+    <name>TabView</name>
+    <message>
+        <source>tab_settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>tab_user_keys</source>
+        <translation>User Keys</translation>
+    </message>
+    <message>
+        <source>tab_master_keys</source>
+        <translation>Master Keys</translation>
+    </message>
+    <message>
+        <source>tab_admin_keys</source>
+        <translation>Admin Keys</translation>
+    </message>
+</context>
+<context>
+    <name>UserView</name>
+    <message>
+        <source>introduction</source>
+        <translation>Tokens that open one account each:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>User keys</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>No token is assigned to an account yet. Plug in a YubiKey and choose Register…</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Register…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>Register a user key</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Delete…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>Delete user keys</translation>
+    </message>
+    <message>
+        <source>column_account</source>
+        <translation>Account</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>Token serial</translation>
+    </message>
+</context>
+<context>
+    <name>MasterKeyView</name>
+    <message>
+        <source>introduction</source>
+        <translation>Tokens that open every account:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>Master keys</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>There is no master key yet. Plug in a YubiKey and choose Register…</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Register…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>Register a master key</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Delete…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>Delete master keys</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>Token serial</translation>
+    </message>
+</context>
+<context>
+    <name>AdminView</name>
+    <message>
+        <source>introduction</source>
+        <translation>Tokens that open this tool:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>Administrator keys</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>There is no administrator key yet. Plug in a YubiKey and choose Register…</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Register…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>Register an administrator key</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Delete…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>Delete administrator keys</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>Token serial</translation>
+    </message>
+    <message>
+        <source>tool_login_auth</source>
+        <translation>&amp;Ask for an administrator key when this tool starts</translation>
+    </message>
+    <message>
+        <source>tool_login_auth_hint</source>
+        <translation>To switch this on, register an administrator key first.</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationUserKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Register a token for an account</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>Token:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>Token serial</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>Touch the token if it blinks after you choose Register.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Register</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+    <message>
+        <source>account_label</source>
+        <translation>&amp;Account:</translation>
+    </message>
+    <message>
+        <source>account_name</source>
+        <translation>Account</translation>
+    </message>
+    <message>
+        <source>full_name_description</source>
+        <translation>Full name of the account</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationMasterKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Register a master key</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>Token:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>Token serial</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>Touch the token if it blinks after you choose Register.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Register</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationAdminKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Register an administrator key</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>Token:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>Token serial</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>Touch the token if it blinks after you choose Register.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Register</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionUserKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Delete user keys</translation>
+    </message>
+    <message>
+        <source>confirmation</source>
+        <translation>Take these tokens away from their accounts?</translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>Keys to delete</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Delete</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionMasterKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Delete master keys</translation>
+    </message>
+    <message>
+        <source>confirmation</source>
+        <translation>Should these tokens no longer open every account?</translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>Keys to delete</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Delete</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionAdminKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Delete administrator keys</translation>
+    </message>
+    <message>
+        <source>confirmation</source>
+        <translation>Should these tokens no longer open this tool?</translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>Keys to delete</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Delete</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>SettingView</name>
+    <message>
+        <source>forced_yubikey_logon</source>
+        <translation>&amp;Demand a token at sign-in and unlock</translation>
+    </message>
+    <message>
+        <source>forced_yubikey_logon_hint</source>
+        <translation>Nobody signs in to this computer without a registered token while this is on.</translation>
+    </message>
+    <message>
+        <source>forced_yubikey_logon_warning</source>
+        <translation>To switch this on, register a user key or a master key first. Without one nobody could sign in.</translation>
+    </message>
+    <message>
+        <source>screen_lock</source>
+        <translation>Screen &amp;lock</translation>
+    </message>
+    <message>
+        <source>screen_lock_hint</source>
+        <translation>The login add-on takes part in locking and unlocking the screen.</translation>
+    </message>
+    <message>
+        <source>status_description</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>update_failed</source>
+        <translation>The change was not made: the entries for signing in could not be written. Check that the Vantro Standalone service is installed and that you are an administrator, then try again.</translation>
+    </message>
+    <message>
+        <source>reset_failed</source>
+        <translation>The last token was deleted, but forced token logon could not be switched off. Register a token again, or check that the Vantro Standalone service is installed and that you are an administrator.</translation>
+    </message>
+</context>
+<context>
+    <name>LoginAuthAlertView</name>
+    <message>
+        <source>heading</source>
+        <translation>Sign in to Vantro Standalone</translation>
+    </message>
+    <message>
+        <source>introduction</source>
+        <translation>Plug in an administrator key and choose Sign In.</translation>
+    </message>
+    <message>
+        <source>error_description</source>
+        <translation>Result of the sign-in</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>Touch the token if it blinks.</translation>
+    </message>
+    <message>
+        <source>asking</source>
+        <translation>Asking the token. Touch it if it blinks…</translation>
+    </message>
+    <message>
+        <source>authenticate_button</source>
+        <translation>&amp;Sign In</translation>
+    </message>
+    <message>
+        <source>quit_button</source>
+        <translation>&amp;Quit</translation>
+    </message>
+</context>
+<context>
+    <name>MultipleConnectionsAlertView</name>
+    <message>
+        <source>heading</source>
+        <translation>Several tokens are plugged in</translation>
+    </message>
+    <message>
+        <source>message</source>
+        <translation>Vantro Standalone works with one token at a time. Unplug all tokens to go on; this message then closes by itself.</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "VantroStandaloneSetting/PamSetting.h"
+
+namespace vantro {
+
+/// How long a request to the privileged service may take before its caller takes silence for failure. Set by tests
+/// alone, before any request.
+extern std::chrono::milliseconds serviceReplyLimit;
+
+/// Has the privileged service write the add-on's entry into the PAM service `fileName`. Blocks the calling thread; true
+/// only when the service replies true within serviceReplyLimit. Main thread.
+[[nodiscard]] bool updatePamSetting(const std::string& fileName, ControlFlag controlFlag);
+
+/// Has the privileged service write the challenge-response setting file of the plugged-in token with the serial. Blocks
+/// the calling thread; true only when the service replies true within serviceReplyLimit. Main thread.
+[[nodiscard]] bool createCRSettingFile(std::uint64_t serial);
+
+/// The answers to a full update of the add-on's entries, one for each PAM service.
+struct PamUpdateResults
+{
+    bool authorization = false;
+    bool screensaver = false;
+    bool screensaverNew = false;
+
+    /// By the rule of the running operating system: from version 14 on all three count, before that the last does not.
+    [[nodiscard]] bool isSuccess() const;
+
+    /// The record that callers write about an update.
+    [[nodiscard]] std::string logText() const;
+};
+
+/// Updates "authorization", "screensaver" and "screensaver_new" with one control flag, in this order, one after the
+/// other and all three whatever the answers. What was written stays when another fails. Main thread.
+PamUpdateResults updateAllPamSettings(ControlFlag controlFlag);
+
+} // namespace vantro

@@ -1,0 +1,98 @@
+#include "ViewController/Alert/LoginAuthAlertViewController.h"
+
+#include <QDialogButtonBox>
+
+#include "AppDataSet.h"
+#include "ApplicationVersion.h"
+#include "LoginAuthAlertMessage.h"
+#include "appkit/NSApplication.h"
+#include "ui_LoginAuthAlertView.h"
+
+namespace vantro {
+namespace {
+
+QString errorText(LoginAuthentication::AuthResult result)
+{
+    using AuthResult = LoginAuthentication::AuthResult;
+    switch (result) {
+    case AuthResult::Success:
+        return {};
+    case AuthResult::NotConnected:
+        return LoginAuthAlertMessage::notConnectedYubiKey();
+    case AuthResult::NotAdminYubiKey:
+        return LoginAuthAlertMessage::notAdminKey();
+    case AuthResult::CRFailure:
+    case AuthResult::MultipleConnected:
+    case AuthResult::SerialAcquisitionError:
+        break;
+    }
+    return LoginAuthAlertMessage::authFailure();
+}
+
+} // namespace
+
+LoginAuthAlertViewController::LoginAuthAlertViewController()
+    : logger(AppDataSet::shared().logger.inFile("ViewController/Alert/LoginAuthAlertViewController"))
+{
+}
+
+std::unique_ptr<QWidget> LoginAuthAlertViewController::loadView()
+{
+    auto view = std::make_unique<QWidget>();
+    Ui::LoginAuthAlertView outlets;
+    outlets.setupUi(view.get());
+    authenticateButton = outlets.buttonBox->addButton(localizedString("LoginAuthAlertView", "authenticate_button"),
+                                                      QDialogButtonBox::AcceptRole);
+    QPushButton* const quitButton = outlets.buttonBox->addButton(localizedString("LoginAuthAlertView", "quit_button"),
+                                                                 QDialogButtonBox::RejectRole);
+    quitButton->setAutoDefault(false);
+    authenticateButton->setDefault(true);
+    errorMessageLabelModel.bindTo(outlets.errorMessageLabel);
+    connect(authenticateButton, &QPushButton::clicked, this, [this] { onClickAuthenticate(authenticateButton); });
+    connect(quitButton, &QPushButton::clicked, this, [this] { dismissController(); });
+    return view;
+}
+
+void LoginAuthAlertViewController::viewDidLoad()
+{
+    constexpr auto function = "viewDidLoad()";
+    logger.info("Start viewDidLoad.", function);
+    errorMessageLabelModel.setTextColor(NSColor::Red);
+    logger.info("Finished viewDidLoad.", function);
+}
+
+void LoginAuthAlertViewController::viewWillAppear()
+{
+    constexpr auto function = "viewWillAppear()";
+    if (window() == nullptr)
+        return;
+    logger.info("Start viewWillAppear.", function);
+    window()->setWindowTitle(windowTitleWithVersion());
+    setWindowButtons(WindowButtons::Close);
+    logger.info("Finished viewWillAppear.", function);
+}
+
+void LoginAuthAlertViewController::onClickAuthenticate(QObject* /*sender*/)
+{
+    // Seen at once, and further clicks are not taken while the token is asked.
+    authenticateButton->setEnabled(false);
+    errorMessageLabelModel.setTextColor(NSColor::LabelColor);
+    errorMessageLabelModel.setText(localizedString("LoginAuthAlertView", "asking"));
+    result = LoginAuthentication::authenticate();
+    errorMessageLabelModel.setTextColor(NSColor::Red);
+    errorMessageLabelModel.setText(errorText(result));
+    authenticateButton->setEnabled(true);
+    authenticateButton->setFocus();
+    if (result == LoginAuthentication::AuthResult::Success)
+        dismissController();
+}
+
+void LoginAuthAlertViewController::viewDidDisappear()
+{
+    if (result == LoginAuthentication::AuthResult::Success)
+        return;
+    logger.info("Close application.", "viewDidDisappear()");
+    NSApplication::terminate();
+}
+
+} // namespace vantro

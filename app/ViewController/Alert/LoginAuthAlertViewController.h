@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+
+#include <QPointer>
+#include <QPushButton>
+
+#include "LoggerManager/Logger.h"
+#include "LoginAuthentication.h"
+#include "Model/LabelModel.h"
+#include "appkit/NSViewController.h"
+
+namespace vantro {
+
+/// The tool's sign-in: asks for an administrator key, as often as the user likes. A dialog that disappears in any way
+/// but a success ends the process. Main thread.
+class LoginAuthAlertViewController : public NSViewController
+{
+    Q_OBJECT
+
+  public:
+    LoginAuthAlertViewController();
+
+    void viewDidLoad() override;
+    void viewWillAppear() override;
+    void viewDidDisappear() override;
+
+    /// Action of the sign-in button; `sender` is not used.
+    void onClickAuthenticate(QObject* sender);
+
+    QPointer<QPushButton> authenticateButton;
+    LabelModel errorMessageLabelModel{QString(), NSColor::LabelColor, false};
+
+  protected:
+    std::unique_ptr<QWidget> loadView() override;
+
+  private:
+    const Logger logger;
+    LoginAuthentication::AuthResult result = LoginAuthentication::AuthResult::CRFailure;
+};
+
+} // namespace vantro

@@ -1,0 +1,60 @@
+#include "ViewController/Main/Admin/RegistrationAdminKeyViewController.h"
+
+#include <string>
+#include <utility>
+
+#include "AdminViewMessage.h"
+#include "AppDataSet.h"
+#include "Model/KeySorting.h"
+#include "ViewController/Main/Admin/AdminViewContorller.h"
+#include "ui_RegistrationAdminKeyView.h"
+
+namespace vantro {
+namespace {
+
+std::vector<YubiKey>& adminKeys()
+{
+    return AppDataSet::shared().vantroStandaloneSetting.adminSetting.adminKeys;
+}
+
+} // namespace
+
+RegistrationAdminKeyViewController::RegistrationAdminKeyViewController()
+    : RegistrationKeyViewController("ViewController/Main/Admin/RegistrationAdminKeyViewController",
+                                    {AdminViewMessage::yubiKeyIsNotConnected, AdminViewMessage::alreadyAllocatedKey},
+                                    AfterRefusal::Close)
+{
+}
+
+std::unique_ptr<QWidget> RegistrationAdminKeyViewController::loadView()
+{
+    Ui::RegistrationAdminKeyView outlets;
+    return loadForm(outlets, "RegistrationAdminKeyView");
+}
+
+bool RegistrationAdminKeyViewController::isPresentedByList() const
+{
+    return qobject_cast<AdminViewContorller*>(presentingViewController()) != nullptr;
+}
+
+bool RegistrationAdminKeyViewController::isAllocated(std::uint64_t serial) const
+{
+    return containsSerial(adminKeys(), serial);
+}
+
+void RegistrationAdminKeyViewController::addToSetting(std::uint64_t serial)
+{
+    adminKeys().emplace_back(serial);
+    sortBySerial(adminKeys());
+    AppDataSet::shared().vantroStandaloneSetting.write();
+}
+
+void RegistrationAdminKeyViewController::addToList(std::uint64_t serial)
+{
+    auto* const list = qobject_cast<AdminViewContorller*>(presentingViewController());
+    appendSorted(list->adminModel.adminKeyModels, AdminKeyModel(serial));
+    list->clearTableSelection();
+    list->adminModel.authCheckButtonModel.setIsEnabled(true);
+}
+
+} // namespace vantro

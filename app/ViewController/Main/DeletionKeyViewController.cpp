@@ -1,0 +1,109 @@
+#include "ViewController/Main/DeletionKeyViewController.h"
+
+#include <utility>
+
+#include "AppDataSet.h"
+#include "ApplicationVersion.h"
+#include "CommonMessage.h"
+#include "Model/PamUpdateStatus.h"
+#include "ServiceRequests.h"
+
+namespace vantro {
+namespace {
+constexpr auto onClickOKFunction = "onClickOK(_:)";
+}
+
+DeletionKeyViewController::DeletionKeyViewController(const char* sourceFile, Texts texts)
+    : DialogViewController(sourceFile), texts_(std::move(texts))
+{
+}
+
+void DeletionKeyViewController::viewDidLoad()
+{
+    constexpr auto function = "viewDidLoad()";
+    if (logsLoading())
+        logger.info("Start viewDidLoad.", function);
+    hasController_ = takeController();
+    if (!hasController_) {
+        logger.info("Failed to get presenting view controller.", function);
+        return;
+    }
+    const QStringList lines = selectedLines();
+    if (lines.isEmpty()) {
+        if (logsLoading())
+            logger.info("Not selected for deletion YubiKey.", function);
+        showNothingSelected();
+    } else {
+        labelModel.setText(lines.join(QLatin1Char('\n')));
+    }
+    if (logsLoading())
+        logger.info("Finished viewDidLoad.", function);
+}
+
+void DeletionKeyViewController::showNothingSelected()
+{
+    labelModel.setText(texts_.isNothingSelected());
+    OKButton->setEnabled(false);
+    // A hidden label takes no room in its layout.
+    confirmationLabel->hide();
+}
+
+NSAlert DeletionKeyViewController::createAlert() const
+{
+    NSAlert alert;
+    alert.windowTitle = windowTitleWithVersion();
+    alert.alertStyle = NSAlert::Style::Warning;
+    alert.messageText = CommonMessage::caution();
+    alert.informativeText = texts_.isLastKey();
+    alert.addButton(CommonMessage::ok());
+    alert.addButton(CommonMessage::cancel());
+    // Enter never destroys.
+    alert.defaultButton = NSAlert::secondButtonReturn;
+    return alert;
+}
+
+void DeletionKeyViewController::onClickOK(QObject* /*sender*/)
+{
+    logger.info("Called onClickOK.", onClickOKFunction);
+    // A dialog without its list has nothing to delete from and only closes.
+    if (hasController_)
+        deleteKeys();
+    dismissController();
+}
+
+void DeletionKeyViewController::deleteKeys()
+{
+    if (!hasSelectedRows()) {
+        logger.info("selectedRowIndexes is empty.", onClickOKFunction);
+        return;
+    }
+    if (isLastKeyDeletion() && createAlert().runModal() == NSAlert::secondButtonReturn) {
+        logger.info("Cancel alert.", onClickOKFunction);
+        return;
+    }
+    removeFromSetting();
+    removeFromList();
+    finishRemoval();
+}
+
+void releaseForcedLogonWithoutKeys(const Logger& logger)
+{
+    auto& setting = AppDataSet::shared().vantroStandaloneSetting;
+    if (setting.isAllocatedKey())
+        return;
+    logger.info("No YubiKey is assigned.", onClickOKFunction);
+    logger.info("Start update PAM setting.", onClickOKFunction);
+    const PamUpdateResults results = updateAllPamSettings(ControlFlag::Optional);
+    logger.info(results.logText(), onClickOKFunction);
+    if (!results.isSuccess()) {
+        logger.warning("Failed update PAM setting.", onClickOKFunction);
+        PamUpdateStatus::shared().set(PamUpdateStatus::Outcome::ResetFailed);
+        return;
+    }
+    setting.switchSetting.secureMode = false;
+    logger.info("Update setting. [Forced YubiKey Logon: false]", onClickOKFunction);
+    setting.write();
+    PamUpdateStatus::shared().set(PamUpdateStatus::Outcome::Fine);
+}
+
+} // namespace vantro

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QLabel>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+
+#include "Model/LabelModel.h"
+#include "ViewController/DialogViewController.h"
+#include "appkit/NSAlert.h"
+#include "appkit/StringTable.h"
+
+namespace vantro {
+
+/// What the three deletion dialogs have in common: they show what is selected in the presenting list, ask once more
+/// before the last keys go while something depends on them, take the keys out of the document and the list, write, and
+/// close. The tokens' challenge-response files stay. Main thread.
+class DeletionKeyViewController : public DialogViewController
+{
+    Q_OBJECT
+
+  public:
+    void viewDidLoad() override;
+    void onClickOK(QObject* sender) override;
+
+    QPointer<QLabel> confirmationLabel;
+    LabelModel labelModel{QString(), NSColor::LabelColor, false};
+
+  protected:
+    struct Texts
+    {
+        std::function<QString()> isNothingSelected;
+        /// What the warning before the last keys go says.
+        std::function<QString()> isLastKey;
+    };
+
+    DeletionKeyViewController(const char* sourceFile, Texts texts);
+
+    /// Makes the view of a dialog's form and connects the outlets that all three have. `stringTable` has the titles of
+    /// the buttons.
+    template <class Form>
+    std::unique_ptr<QWidget> loadForm(Form& outlets, const char* stringTable)
+    {
+        auto view = std::make_unique<QWidget>();
+        outlets.setupUi(view.get());
+        confirmationLabel = outlets.confirmationLabel;
+        labelModel.bindTo(outlets.keysLabel);
+        // Enter never destroys.
+        addButtons(outlets.buttonBox, localizedString(stringTable, "delete_button"),
+                   localizedString(stringTable, "cancel_button"), DefaultButton::Cancel);
+        return view;
+    }
+
+    /// Takes the presenting list when it is the dialog's own; false when it is not.
+    virtual bool takeController() = 0;
+
+    /// One line for each selected row, in the list's order.
+    [[nodiscard]] virtual QStringList selectedLines() = 0;
+
+    /// Whether any row of the list's table is selected.
+    [[nodiscard]] virtual bool hasSelectedRows() = 0;
+
+    /// Whether this deletion needs the warning: something depends on the keys that are left, and none would be.
+    [[nodiscard]] virtual bool isLastKeyDeletion() = 0;
+
+    /// Takes the selected keys out of the document, writes it and logs.
+    virtual void removeFromSetting() = 0;
+
+    /// Takes the selected rows out of the list and clears the list's selection.
+    virtual void removeFromList() = 0;
+
+    /// Called when document and list are done; for what must follow when no key is left.
+    virtual void finishRemoval() = 0;
+
+    /// Whether the dialog writes the usual records about its loading.
+    [[nodiscard]] virtual bool logsLoading() const { return true; }
+
+  private:
+    [[nodiscard]] NSAlert createAlert() const;
+    void showNothingSelected();
+    void deleteKeys();
+
+    const Texts texts_;
+    bool hasController_ = false;
+};
+
+/// What a user or master key deletion has to do when it has left no token that opens an account: makes the add-on's
+/// PAM entries no longer demand one and, when that succeeded, switches forced token logon off and writes the document
+/// once more. Does nothing while such a token is left.
+void releaseForcedLogonWithoutKeys(const Logger& logger);
+
+} // namespace vantro

@@ -1,0 +1,110 @@
+#include "ViewController/Main/RegistrationKeyViewController.h"
+
+#include <string>
+#include <utility>
+
+#include "Alerts.h"
+#include "AppDataSet.h"
+#include "CommonMessage.h"
+#include "ServiceRequests.h"
+#include "foundation/Text.h"
+
+namespace vantro {
+
+RegistrationKeyViewController::RegistrationKeyViewController(const char* sourceFile, Texts texts,
+                                                             AfterRefusal afterRefusal)
+    : DialogViewController(sourceFile), texts_(std::move(texts)), afterRefusal_(afterRefusal)
+{
+}
+
+void RegistrationKeyViewController::viewDidLoad()
+{
+    constexpr auto function = "viewDidLoad()";
+    logger.info("Start viewDidLoad.", function);
+    prepareDisplay();
+    updateDisplay();
+    const auto displayed = AppDataSet::shared().connectedYubiKeySerial();
+    observeTokens();
+    // A token that was plugged in between the two was announced to nobody.
+    if (AppDataSet::shared().connectedYubiKeySerial() != displayed)
+        updateDisplay();
+    logger.info("Finished viewDidLoad.", function);
+}
+
+void RegistrationKeyViewController::viewWillAppear()
+{
+    logger.info("viewWillAppear", "viewWillAppear()");
+}
+
+void RegistrationKeyViewController::observeTokens()
+{
+    // Both handlers run on the monitor's thread and own what they use.
+    observe(ConnectedYubiKey, [log = logger, update = onMainQueue([this] { updateDisplay(); })](const Notification&) {
+        log.info("YubiKey connected.", "onDeviceConnected()");
+        DispatchQueue::main().sync(update);
+    });
+    observe(DisconnectedYubiKey,
+            [log = logger, update = onMainQueue([this] { showNotConnected(); })](const Notification&) {
+                log.info("YubiKey disconnected.", "onDeviceDisconnected()");
+                DispatchQueue::main().async(update);
+            });
+}
+
+void RegistrationKeyViewController::showNotConnected()
+{
+    serialLabelModel.setText(texts_.isNotConnected());
+    OKButton->setEnabled(false);
+}
+
+void RegistrationKeyViewController::updateDisplay()
+{
+    constexpr auto function = "updateDisplay()";
+    const auto serial = AppDataSet::shared().connectedYubiKeySerial();
+    if (!serial) {
+        logger.info("YubiKey is not connected.", function);
+        showNotConnected();
+        return;
+    }
+    logger.info("YubiKey connected. [Serial: " + std::to_string(*serial) + "]", function);
+    const bool isAlreadyAllocated = isAllocated(*serial);
+    QString text = QString::number(*serial);
+    if (isAlreadyAllocated) {
+        logger.info("The settings are already assigned.", function);
+        text += QLatin1Char('\n') + texts_.isAlreadyAllocated();
+    }
+    serialLabelModel.setText(text);
+    OKButton->setEnabled(!isAlreadyAllocated);
+}
+
+void RegistrationKeyViewController::onClickOK(QObject* /*sender*/)
+{
+    logger.info("Called onClickOK.", "onClickOK(_:)");
+    if (registerToken() || afterRefusal_ == AfterRefusal::Close)
+        dismissController();
+}
+
+bool RegistrationKeyViewController::registerToken()
+{
+    constexpr auto function = "onClickOK(_:)";
+    const auto serial = parseUInt64(serialLabelModel.text().toStdString());
+    if (!isPresentedByList() || !serial) {
+        logger.info("Return onClickOK.", function);
+        return false;
+    }
+    logRequest(*serial);
+    if (!createCRSettingFile(*serial)) {
+        logger.info("Failed to update the CR setting file.", function);
+        createOKButtonOnlyAlert(NSAlert::Style::Warning, CommonMessage::warning(), CommonMessage::CRFailureAlert())
+            .runModal();
+        return false;
+    }
+    if (isAllocatedMeanwhile(*serial)) {
+        logger.info("This YubiKey is already assigned. [Serial: " + std::to_string(*serial) + "]", function);
+        return false;
+    }
+    addToSetting(*serial);
+    addToList(*serial);
+    return true;
+}
+
+} // namespace vantro

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "Model/LabelModel.h"
+#include "ViewController/DialogViewController.h"
+#include "appkit/StringTable.h"
+
+namespace vantro {
+
+/// What the three registration dialogs have in common: they show the serial of the token that is plugged in, or why it
+/// can't be registered, follow tokens coming and going, and on OK have the token's challenge-response file written
+/// before anything else changes. The serial that is registered is the text of the label, which holds a bare number
+/// exactly while OK is enabled. Main thread.
+class RegistrationKeyViewController : public DialogViewController
+{
+    Q_OBJECT
+
+  public:
+    void viewDidLoad() override;
+    void viewWillAppear() override;
+    void onClickOK(QObject* sender) override;
+
+    LabelModel serialLabelModel{QString(), NSColor::LabelColor, false};
+
+  protected:
+    /// What becomes of the dialog when OK did not register anything.
+    enum class AfterRefusal
+    {
+        StayOpen,
+        Close
+    };
+
+    /// The texts of the serial label.
+    struct Texts
+    {
+        std::function<QString()> isNotConnected;
+        std::function<QString()> isAlreadyAllocated;
+    };
+
+    RegistrationKeyViewController(const char* sourceFile, Texts texts, AfterRefusal afterRefusal);
+
+    /// Makes the view of a dialog's form and connects the outlets that all three have. `stringTable` has the titles of
+    /// the buttons.
+    template <class Form>
+    std::unique_ptr<QWidget> loadForm(Form& outlets, const char* stringTable)
+    {
+        auto view = std::make_unique<QWidget>();
+        outlets.setupUi(view.get());
+        serialLabelModel.bindTo(outlets.serialLabel);
+        addButtons(outlets.buttonBox, localizedString(stringTable, "register_button"),
+                   localizedString(stringTable, "cancel_button"), DefaultButton::OK);
+        return view;
+    }
+
+    /// Brings label and OK button up to date with the token that is plugged in.
+    void updateDisplay();
+
+    /// Called before the first display; for what a dialog has beside the serial.
+    virtual void prepareDisplay() {}
+
+    /// Whether the dialog was presented by the list that it belongs to.
+    [[nodiscard]] virtual bool isPresentedByList() const = 0;
+
+    /// Whether the token can't be registered (again), by what the dialog shows.
+    [[nodiscard]] virtual bool isAllocated(std::uint64_t serial) const = 0;
+
+    /// Whether the token was registered in the meantime; asked when its file has been written.
+    [[nodiscard]] virtual bool isAllocatedMeanwhile(std::uint64_t serial) const { return isAllocated(serial); }
+
+    /// Called right before the request for the token's file.
+    virtual void logRequest(std::uint64_t /*serial*/) const {}
+
+    /// Adds the token to the document, in order, and writes it.
+    virtual void addToSetting(std::uint64_t serial) = 0;
+
+    /// Adds the token's row to the presenting list, in order, and clears the list's selection.
+    virtual void addToList(std::uint64_t serial) = 0;
+
+  private:
+    void observeTokens();
+    void showNotConnected();
+    [[nodiscard]] bool registerToken();
+
+    const Texts texts_;
+    const AfterRefusal afterRefusal_;
+};
+
+} // namespace vantro

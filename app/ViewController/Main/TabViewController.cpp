@@ -1,0 +1,185 @@
+#include "ViewController/Main/TabViewController.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <system_error>
+
+#include <QUrl>
+
+#include "Alerts.h"
+#include "AppDataSet.h"
+#include "ApplicationVersion.h"
+#include "CommonMessage.h"
+#include "Resources/Storyboards.h"
+#include "ServiceRequests.h"
+#include "ViewController/Alert/LoginAuthAlertViewController.h"
+#include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
+#include "appkit/NSApplication.h"
+#include "appkit/NSWorkspace.h"
+#include "appkit/UserDefaults.h"
+
+namespace vantro {
+namespace {
+
+constexpr QSize pageSize{420, 340};
+constexpr std::array tabViewItemTypes = {"Setting", "UserKey", "MasterKey", "Admin"};
+const QString suppressionKey = QStringLiteral("suppression");
+const QString firstStartKey = QStringLiteral("isFirstStart");
+
+bool isKnownTabViewItemType(const QString& identifier)
+{
+    return std::find(tabViewItemTypes.begin(), tabViewItemTypes.end(), identifier) != tabViewItemTypes.end();
+}
+
+} // namespace
+
+TabViewController::TabViewController()
+    : logger(AppDataSet::shared().logger.inFile("ViewController/Main/TabViewController"))
+{
+    setTitle(windowTitleWithVersion());
+}
+
+void TabViewController::viewDidLoad()
+{
+    constexpr auto function = "viewDidLoad()";
+    NSTabViewController::viewDidLoad();
+    logger.info("Start viewDidLoad.", function);
+    observe(MultipleConnectedYubiKey, [this](const Notification&) { onMultipleConnectedYubiKey(); });
+    if (AppDataSet::shared().vantroStandaloneSetting.adminSetting.toolLoginAuth)
+        presentAsModalWindowAndWait(
+            alertStoryboard().instantiateController<LoginAuthAlertViewController>("LoginAuthAlertViewController"));
+    logger.info("Finished viewDidLoad.", function);
+}
+
+void TabViewController::onMultipleConnectedYubiKey()
+{
+    // On the monitor's thread. This controller is the main window's and lives as long as the process does.
+    constexpr auto function = "onMultipleConnectedYubiKey()";
+    if (isDisplayingMultipleConnectionsAlert) {
+        logger.info("An alert has already been displayed.", function);
+        return;
+    }
+    isDisplayingMultipleConnectionsAlert = true;
+    DispatchQueue::main().async([this] {
+        logger.info("Displays alerts.", function);
+        presentAsModalWindow(alertStoryboard().instantiateController<MultipleConnectionsAlertViewController>(
+            "MultipleConnectionsAlertViewController"));
+    });
+}
+
+void TabViewController::viewWillAppear()
+{
+    constexpr auto function = "viewWillAppear()";
+    NSTabViewController::viewWillAppear();
+    logger.info("Start viewWillAppear.", function);
+    if (didAppear)
+        return;
+    systemSettingAlert();
+    if (isFirstStart()) {
+        logger.info("Close the application for the first time.", function);
+        NSApplication::terminate();
+    }
+    if (!AppDataSet::shared().vantroStandaloneSetting.isValid()) {
+        logger.info("Setting file is invalid.", function);
+        recoverSetting();
+    }
+    logger.info("Finished viewWillAppear.", function);
+}
+
+void TabViewController::recoverSetting()
+{
+    const auto& file = VantroStandaloneSetting::url();
+    std::filesystem::path copy = file;
+    copy += ".invalid";
+    std::error_code ignored;
+    std::filesystem::remove(copy, ignored);
+    std::filesystem::copy_file(file, copy, ignored);
+
+    auto& setting = AppDataSet::shared().vantroStandaloneSetting;
+    setting = VantroStandaloneSetting();
+    setting.write();
+    static_cast<void>(updateAllPamSettings(ControlFlag::Optional));
+    createOKButtonOnlyAlert(NSAlert::Style::Warning, CommonMessage::warning(), CommonMessage::unexpectedChangeSetting())
+        .runModal();
+}
+
+void TabViewController::viewDidAppear()
+{
+    constexpr auto function = "viewDidAppear()";
+    NSTabViewController::viewDidAppear();
+    logger.info("Start viewDidAppear.", function);
+    didAppear = true;
+    if (window() != nullptr)
+        window()->setWindowTitle(windowTitleWithVersion());
+    resizeWindowToFit(selectedTabViewItem());
+    logger.info("Finished viewDidAppear.", function);
+}
+
+void TabViewController::tabViewWillSelect(const NSTabViewItem* item)
+{
+    NSTabViewController::tabViewWillSelect(item);
+    if (item == nullptr)
+        return;
+    logger.info("tabView willSelect", "tabView(_:willSelect:)");
+    if (isKnownTabViewItemType(item->identifier()))
+        tabViewSizes[item] = pageSize;
+    else
+        tabViewSizes.erase(item);
+}
+
+void TabViewController::tabViewDidSelect(const NSTabViewItem* item)
+{
+    NSTabViewController::tabViewDidSelect(item);
+    if (item == nullptr)
+        return;
+    logger.info("tabView didSelect.", "tabView(_:didSelect:)");
+    if (window() != nullptr)
+        window()->setWindowTitle(item->label());
+    resizeWindowToFit(item);
+}
+
+void TabViewController::resizeWindowToFit(const NSTabViewItem* tabViewItem)
+{
+    const auto size = tabViewSizes.find(tabViewItem);
+    auto* const shownWindow = qobject_cast<NSWindow*>(window());
+    if (size != tabViewSizes.end() && shownWindow != nullptr)
+        shownWindow->setContentSize(size->second);
+}
+
+void TabViewController::systemSettingAlert()
+{
+    constexpr auto function = "systemSettingAlert()";
+    auto& defaults = UserDefaults::standard();
+    if (defaults.boolean(suppressionKey)) {
+        logger.info("Do not display alerts.", function);
+        return;
+    }
+    const QUrl privacySettings(
+        QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles"));
+    if (privacySettings.isValid()) {
+        logger.info("Open setting panel.", function);
+        NSWorkspace::shared().open(privacySettings);
+    }
+    logger.info("Display Alert.", function);
+    NSAlert alert;
+    alert.windowTitle = windowTitleWithVersion();
+    alert.alertStyle = NSAlert::Style::Informational;
+    alert.messageText = CommonMessage::installAfterAlertMessage();
+    alert.addButton(CommonMessage::close());
+    alert.suppressionTitle = CommonMessage::doNotDisplay();
+    alert.accessoryText = CommonMessage::installAfterAlertInfo();
+    NSApplication::activateIgnoringOtherApps();
+    alert.runModal();
+    defaults.set(suppressionKey, alert.isSuppressed);
+}
+
+bool TabViewController::isFirstStart()
+{
+    auto& defaults = UserDefaults::standard();
+    const bool isFirst = !defaults.object(firstStartKey).has_value();
+    defaults.set(firstStartKey, false);
+    return isFirst;
+}
+
+} // namespace vantro

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <memory>
+
+#include <QSize>
+
+#include "LoggerManager/Logger.h"
+#include "appkit/NSTabViewController.h"
+
+namespace vantro {
+
+/// The main window's content: the four pages as tabs. Decides what happens at the tool's start: the sign-in before
+/// anything else, the access prompt, the exit of the very first start, the recovery of a broken document. Main thread.
+class TabViewController : public NSTabViewController
+{
+    Q_OBJECT
+
+  public:
+    TabViewController();
+
+    void viewDidLoad() override;
+    void viewWillAppear() override;
+    void viewDidAppear() override;
+
+    /// Set from the moment when a multiple-connections alert is asked for until it has closed. Any thread.
+    std::atomic<bool> isDisplayingMultipleConnectionsAlert = false;
+
+  protected:
+    void tabViewWillSelect(const NSTabViewItem* item) override;
+    void tabViewDidSelect(const NSTabViewItem* item) override;
+
+  private:
+    void onMultipleConnectedYubiKey();
+    void systemSettingAlert();
+    [[nodiscard]] bool isFirstStart();
+    void recoverSetting();
+    void resizeWindowToFit(const NSTabViewItem* tabViewItem);
+
+    std::map<const NSTabViewItem*, QSize> tabViewSizes;
+    const Logger logger;
+    bool didAppear = false;
+};
+
+} // namespace vantro

@@ -1,0 +1,80 @@
+#include "ViewController/Main/User/DeletionUserKeyViewController.h"
+
+#include <cstddef>
+#include <numeric>
+#include <vector>
+
+#include "AppDataSet.h"
+#include "CommonMessage.h"
+#include "Model/KeySorting.h"
+#include "UserViewMessage.h"
+#include "ViewController/Main/User/UserViewController.h"
+#include "ui_DeletionUserKeyView.h"
+
+namespace vantro {
+
+DeletionUserKeyViewController::DeletionUserKeyViewController()
+    : DeletionKeyViewController("ViewController/Main/User/DeletionUserKeyViewController",
+                                {UserViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
+{
+}
+
+std::unique_ptr<QWidget> DeletionUserKeyViewController::loadView()
+{
+    Ui::DeletionUserKeyView outlets;
+    return loadForm(outlets, "DeletionUserKeyView");
+}
+
+bool DeletionUserKeyViewController::takeController()
+{
+    controller = qobject_cast<UserViewController*>(presentingViewController());
+    return controller != nullptr;
+}
+
+QStringList DeletionUserKeyViewController::selectedLines()
+{
+    QStringList lines;
+    for (const UserKeyModel& row : controller->allocatedKeysArrayController->selectedObjects())
+        lines += QString::fromStdString(row.account() + " : " + row.serial());
+    return lines;
+}
+
+bool DeletionUserKeyViewController::hasSelectedRows()
+{
+    return !controller->allocatedKeysArrayController->selectionIndexes().empty();
+}
+
+bool DeletionUserKeyViewController::isLastKeyDeletion()
+{
+    const auto& setting = AppDataSet::shared().vantroStandaloneSetting;
+    const std::size_t keyCount =
+        std::accumulate(setting.users.begin(), setting.users.end(), std::size_t{0},
+                        [](std::size_t count, const UserSetting& user) { return count + user.keys.size(); });
+    return setting.switchSetting.secureMode && setting.masterKeySetting.masterKeys.empty() &&
+           controller->allocatedKeysArrayController->selectedObjects().size() == keyCount;
+}
+
+void DeletionUserKeyViewController::removeFromSetting()
+{
+    constexpr auto function = "onClickOK(_:)";
+    auto& setting = AppDataSet::shared().vantroStandaloneSetting;
+    logger.info("Update setting.", function);
+    for (const UserKeyModel& row : controller->allocatedKeysArrayController->selectedObjects()) {
+        logger.info("Remove allocated key. [Account: " + row.account() + ", Serial: " + row.serial() + "]", function);
+        UserSetting* const user = firstUser(setting.users, row.account());
+        // A row whose account has no entry any more has nothing to remove.
+        if (user != nullptr)
+            removeSerial(user->keys, row.serialUInt());
+    }
+    std::erase_if(setting.users, [](const UserSetting& user) { return user.keys.empty(); });
+    setting.write();
+}
+
+void DeletionUserKeyViewController::removeFromList()
+{
+    auto& rows = *controller->allocatedKeysArrayController;
+    rows.removeAtArrangedObjectIndexes(rows.selectionIndexes());
+    controller->clearTableSelection();
+}
+
+} // namespace vantro

@@ -1,0 +1,45 @@
+#include "ViewController/Main/User/UserViewController.h"
+
+#include <utility>
+
+#include "AppDataSet.h"
+#include "ui_UserView.h"
+
+namespace vantro {
+
+UserViewController::UserViewController()
+    : KeyListViewController({.sourceFile = "ViewController/Main/User/UserViewController",
+                             .finishedViewDidLoad = "Finished viewDidLoad.",
+                             .startViewWillAppear = "Start viewWillAppear",
+                             .registrationDialog = "RegistrationUserKeyViewController",
+                             .deletionDialog = "DeletionUserKeyViewController"})
+{
+}
+
+std::unique_ptr<QWidget> UserViewController::loadView()
+{
+    auto view = std::make_unique<QWidget>();
+    Ui::UserView outlets;
+    outlets.setupUi(view.get());
+    allocatedKeyTable = outlets.allocatedKeyTable;
+    using Column = NSArrayController<UserKeyModel>::Column;
+    allocatedKeysArrayController = std::make_unique<NSArrayController<UserKeyModel>>(
+        userKeyModels,
+        std::vector<Column>{{localizedString("UserView", "column_account"),
+                             [](const UserKeyModel& row) { return QString::fromStdString(row.account()); }},
+                            {localizedString("UserView", "column_serial"),
+                             [](const UserKeyModel& row) { return QString::fromStdString(row.serial()); }}});
+    connectOutlets({allocatedKeyTable, allocatedKeysArrayController.get(), outlets.emptyLabel, outlets.registerButton,
+                    outlets.deleteButton});
+    return view;
+}
+
+void UserViewController::rebuildRows()
+{
+    userKeyModels.set({});
+    for (const UserSetting& user : AppDataSet::shared().vantroStandaloneSetting.users)
+        for (const YubiKey& key : user.keys)
+            userKeyModels.append(UserKeyModel(user.account, key.serial));
+}
+
+} // namespace vantro

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+
+#include "Model/KeyModels.h"
+#include "ViewController/Main/KeyListViewController.h"
+
+namespace vantro {
+
+/// The user key page: one row for each token of each account. Main thread.
+class UserViewController : public KeyListViewController
+{
+    Q_OBJECT
+
+  public:
+    UserViewController();
+
+    QPointer<QTableView> allocatedKeyTable;
+    KeyValueArray<UserKeyModel> userKeyModels;
+    std::unique_ptr<NSArrayController<UserKeyModel>> allocatedKeysArrayController;
+
+  protected:
+    std::unique_ptr<QWidget> loadView() override;
+    void rebuildRows() override;
+};
+
+} // namespace vantro

@@ -1,0 +1,7 @@
+#include "Resources/Storyboards.h"
+#include "appkit/NSApplication.h"
+
+int main(int argc, char** argv)
+{
+    return vantro::NSApplicationMain(argc, argv, vantro::applicationStoryboard());
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDialog>
+
+namespace vantro {
+
+class NSViewController;
+
+/// The window of a presented controller. Sizes itself to its content and hands every wish to close it to the
+/// controller. Main thread.
+class ModalWindow : public QDialog
+{
+    Q_OBJECT
+
+  public:
+    /// `parent` is the window to stay in front of; null for none. Takes the controller's view in, without owning it.
+    ModalWindow(NSViewController* controller, QWidget* parent);
+
+    /// Lets the view go, which its controller owns.
+    void releaseView();
+
+    void reject() override;
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    NSViewController* controller_;
+};
+
+} // namespace vantro

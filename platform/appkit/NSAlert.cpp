@@ -1,0 +1,81 @@
+#include "appkit/NSAlert.h"
+
+#include <utility>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QStringList>
+
+namespace vantro {
+namespace {
+
+NSAlert::Presenter& ownPresenter()
+{
+    static NSAlert::Presenter presenter;
+    return presenter;
+}
+
+QMessageBox::Icon icon(NSAlert::Style style)
+{
+    switch (style) {
+    case NSAlert::Style::Warning:
+        return QMessageBox::Warning;
+    case NSAlert::Style::Informational:
+        return QMessageBox::Information;
+    case NSAlert::Style::Critical:
+        return QMessageBox::Critical;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QString plainParagraphs(const QStringList& texts)
+{
+    QStringList shown;
+    for (const QString& text : texts)
+        if (!text.isEmpty())
+            shown += text;
+    return shown.join(QStringLiteral("\n\n"));
+}
+
+int presentWindow(NSAlert& alert)
+{
+    QWidget* front = QApplication::activeModalWidget();
+    if (front == nullptr)
+        front = QApplication::activeWindow();
+    QMessageBox box(icon(alert.alertStyle), alert.windowTitle, alert.messageText, QMessageBox::NoButton, front);
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(plainParagraphs({alert.informativeText, alert.accessoryText}));
+
+    std::vector<QPushButton*> buttons;
+    for (const QString& title : alert.buttons())
+        buttons.push_back(box.addButton(title, buttons.empty() ? QMessageBox::AcceptRole : QMessageBox::RejectRole));
+    const auto defaultIndex = static_cast<std::size_t>(alert.defaultButton - NSAlert::firstButtonReturn);
+    box.setDefaultButton(buttons.at(defaultIndex));
+    box.setEscapeButton(buttons.back());
+    if (alert.suppressionTitle) {
+        box.setCheckBox(std::make_unique<QCheckBox>(*alert.suppressionTitle).release());
+        box.checkBox()->setChecked(alert.isSuppressed);
+    }
+
+    box.exec();
+    if (alert.suppressionTitle)
+        alert.isSuppressed = box.checkBox()->isChecked();
+    const auto clicked = std::find(buttons.begin(), buttons.end(), box.clickedButton());
+    return NSAlert::firstButtonReturn + static_cast<int>(clicked - buttons.begin());
+}
+
+} // namespace
+
+int NSAlert::runModal()
+{
+    return ownPresenter() ? ownPresenter()(*this) : presentWindow(*this);
+}
+
+void NSAlert::setPresenter(Presenter presenter)
+{
+    ownPresenter() = std::move(presenter);
+}
+
+} // namespace vantro

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QWidget>
+
+#include "appkit/NSViewController.h"
+
+namespace vantro {
+
+/// What the application tells its delegate. Main thread.
+class NSApplicationDelegate
+{
+  public:
+    virtual ~NSApplicationDelegate() = default;
+
+    /// The application is ready to show windows.
+    virtual void applicationDidFinishLaunching() = 0;
+
+    /// The last window has been closed; true ends the process.
+    virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
+};
+
+/// What the program's main storyboard makes at start, in this order.
+struct MainStoryboard
+{
+    std::function<std::unique_ptr<NSApplicationDelegate>()> makeDelegate;
+    std::function<std::unique_ptr<NSViewController>()> makeInitialController;
+    /// The resource folder of the string tables.
+    QString stringTables;
+};
+
+/// A window that shows the view of a controller and takes the controller along the view's life cycle. Main thread.
+class NSWindow : public QWidget
+{
+    Q_OBJECT
+
+  public:
+    /// Owns the controller.
+    explicit NSWindow(std::unique_ptr<NSViewController> contentViewController);
+    ~NSWindow() override;
+
+    /// Makes the view and shows the window in front.
+    void makeKeyAndOrderFront();
+
+    [[nodiscard]] NSViewController* contentViewController() const { return controller_.get(); }
+
+    /// Gives the content a new size. The top left corner stays where it is.
+    void setContentSize(const QSize& size);
+
+  private:
+    std::unique_ptr<NSViewController> controller_;
+};
+
+/// The application as a whole. Main thread.
+class NSApplication
+{
+  public:
+    /// Makes the calling thread the main thread and its queue the toolkit's: what is handed to DispatchQueue::main()
+    /// runs in the toolkit's event loop, nested ones included. Once, when the toolkit's application object is there;
+    /// the connection belongs to that.
+    static void attachMainQueue();
+
+    /// Brings the application's front window before all others, as far as the desktop lets it.
+    static void activateIgnoringOtherApps();
+
+    /// Ends the process at once, from anywhere, after flushing its output streams.
+    [[noreturn]] static void terminate();
+};
+
+/// Runs the application: makes what the main storyboard names, shows the initial window, and handles events until the
+/// process ends. Does not return in normal operation.
+int NSApplicationMain(int argc, char** argv, const MainStoryboard& storyboard);
+
+} // namespace vantro

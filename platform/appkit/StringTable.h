@@ -1,0 +1,35 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include <QString>
+
+namespace vantro {
+
+/// The text of `key` in the string table `table` for the user's language; in English where that language lacks it, and
+/// the key itself where the table lacks it altogether. Any thread, once the tables are installed.
+[[nodiscard]] QString localizedString(const char* table, const char* key);
+
+/// Installs the string tables that the program carries in its resources below `folder`: English as the base, and above
+/// it the first language of the user's that is there. Main thread, once, after the application was made.
+void installStringTables(const QString& folder);
+
+/// A text as a template argument.
+template <std::size_t Size>
+struct FixedText
+{
+    // NOLINTNEXTLINE(google-explicit-constructor): a literal is the argument.
+    constexpr FixedText(const char (&literal)[Size]) { std::copy_n(literal, Size, text); }
+    char text[Size] = {};
+};
+
+/// A localised string that is looked up once, on first use, and kept. Any thread.
+template <FixedText Table, FixedText Key>
+const QString& message()
+{
+    static const QString text = localizedString(Table.text, Key.text);
+    return text;
+}
+
+} // namespace vantro

@@ -1,0 +1,33 @@
+#include "appkit/UserDefaults.h"
+
+#include <QStandardPaths>
+
+namespace vantro {
+
+UserDefaults& UserDefaults::standard()
+{
+    static UserDefaults defaults;
+    return defaults;
+}
+
+UserDefaults::UserDefaults()
+    : settings_(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                    QStringLiteral("/vantro-standalone/defaults.ini"),
+                QSettings::IniFormat)
+{
+}
+
+std::optional<bool> UserDefaults::object(const QString& key) const
+{
+    if (!settings_.contains(key))
+        return std::nullopt;
+    return settings_.value(key).toBool();
+}
+
+void UserDefaults::set(const QString& key, bool value)
+{
+    settings_.setValue(key, value);
+    settings_.sync();
+}
+
+} // namespace vantro
