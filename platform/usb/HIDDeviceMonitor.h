@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "foundation/FileDescriptor.h"
@@ -41,12 +42,13 @@ inline const NotificationName HIDDeviceDisconnected = "HIDDeviceDisconnected";
 class HIDDeviceMonitor
 {
   public:
-    /// `reportSize` in bytes is what the observers are interested in; it filters nothing.
+    /// `reportSize` in bytes is what the observers are interested in; it filters nothing. Throws std::system_error when
+    /// the process has no file descriptors left.
     HIDDeviceMonitor(std::vector<HIDMonitorData> filter, std::size_t reportSize);
 
-    /// Runs the monitoring loop on the calling thread, where it posts from, until stop(). A machine without udev is
-    /// logged once and ends the loop.
-    void start();
+    /// Runs the monitoring loop on the calling thread, where it posts from, until stop(). Answers no error then, and
+    /// what ended the loop otherwise (a machine without udev), for the caller to log.
+    std::error_code start();
 
     /// Ends the loop after the post that is under way. Any thread; start() afterwards returns at once.
     void stop();
@@ -54,6 +56,7 @@ class HIDDeviceMonitor
     [[nodiscard]] std::size_t reportSize() const { return reportSize_; }
 
   private:
+    [[nodiscard]] bool isStopped() const;
     [[nodiscard]] bool isMatching(std::uint16_t vendorId, std::uint16_t productId) const;
 
     std::vector<HIDMonitorData> filter_;

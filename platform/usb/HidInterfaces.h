@@ -1,11 +1,11 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace vantro {
 
@@ -35,8 +35,8 @@ struct HidInterface
 
 /// Watches the HID interfaces of the machine: which are there, which came, which went. Subscribes before it
 /// enumerates, so that nothing is missed in between. Each interface comes exactly once and goes exactly once, also when
-/// the socket's buffer ran full and its events are lost (then it enumerates again and reports the differences).
-/// One thread uses it.
+/// the socket's buffer ran full and its events are lost (then it enumerates again and reports the differences). An
+/// interface that is gone before its description could be read neither comes nor goes. One thread uses it.
 class HidInterfaceWatcher
 {
   public:
@@ -48,13 +48,15 @@ class HidInterfaceWatcher
     HidInterfaceWatcher(const HidInterfaceWatcher&) = delete;
     HidInterfaceWatcher& operator=(const HidInterfaceWatcher&) = delete;
 
-    /// Reports the interfaces that are there, the longest there first.
+    /// Reports how what is there differs from what was reported before: first those that went, then those that came,
+    /// the longest there first.
     void enumerate();
 
     /// Readable when there are events.
     [[nodiscard]] int fileDescriptor() const;
 
-    /// Reads the events that are there and reports them; does not block.
+    /// Empties the socket, so that a handler that takes its time holds up no event, and then reports what it said. Does
+    /// not wait for events.
     void processEvents();
 
   private:

@@ -1,0 +1,285 @@
+#include "usb/HidInterfaces.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <libudev.h>
+
+#include "foundation/DurableFile.h"
+#include "usb/ReportDescriptor.h"
+
+namespace vantro {
+namespace {
+
+constexpr const char* hidrawSubsystem = "hidraw";
+constexpr std::size_t descriptorSizeLimit = 4096;
+constexpr unsigned int usbBus = 3;
+
+template <auto release>
+struct Releaser
+{
+    template <class Object>
+    void operator()(Object* object) const
+    {
+        release(object);
+    }
+};
+using UdevPointer = std::unique_ptr<udev, Releaser<udev_unref>>;
+using MonitorPointer = std::unique_ptr<udev_monitor, Releaser<udev_monitor_unref>>;
+using EnumeratePointer = std::unique_ptr<udev_enumerate, Releaser<udev_enumerate_unref>>;
+using DevicePointer = std::unique_ptr<udev_device, Releaser<udev_device_unref>>;
+
+[[noreturn]] void throwLastError(const char* what)
+{
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+std::string_view textOrEmpty(const char* text)
+{
+    return text != nullptr ? std::string_view(text) : std::string_view();
+}
+
+template <class Number>
+std::optional<Number> number(std::string_view digits, int base)
+{
+    Number value = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, value, base);
+    if (digits.empty() || error != std::errc() || stop != end)
+        return std::nullopt;
+    return value;
+}
+
+/// Fills in vendor and product from a HID_ID property, BUS:VENDOR:PRODUCT in hexadecimal. False for another bus.
+bool readHidId(std::string_view property, HidInterface& interface)
+{
+    const auto first = property.find(':');
+    const auto second = property.find(':', first + 1);
+    if (first == std::string_view::npos || second == std::string_view::npos)
+        return false;
+    const auto bus = number<unsigned int>(property.substr(0, first), 16);
+    const auto vendor = number<std::uint16_t>(property.substr(first + 1, second - first - 1), 16);
+    const auto product = number<std::uint16_t>(property.substr(second + 1), 16);
+    if (bus != usbBus || !vendor || !product)
+        return false;
+    interface.vendorId = *vendor;
+    interface.productId = *product;
+    return true;
+}
+
+void readDescriptor(const std::string& hidPath, HidInterface& interface)
+{
+    // libudev's own call for an attribute stops at the first zero byte.
+    std::error_code error;
+    const auto bytes = readFile(hidPath + "/report_descriptor", descriptorSizeLimit, error);
+    const auto descriptor = bytes ? parseReportDescriptor(*bytes) : std::nullopt;
+    if (!descriptor)
+        return;
+    interface.usagePage = descriptor->usagePage;
+    interface.usage = descriptor->usage;
+    interface.maximumInputReportSize = descriptor->maximumInputReportSize;
+}
+
+/// Nothing for a device that is no USB HID interface or is gone already.
+std::optional<HidInterface> describe(udev_device* device)
+{
+    udev_device* const hid = udev_device_get_parent_with_subsystem_devtype(device, "hid", nullptr);
+    if (hid == nullptr || udev_device_get_devnode(device) == nullptr)
+        return std::nullopt;
+    HidInterface interface;
+    if (!readHidId(textOrEmpty(udev_device_get_property_value(hid, "HID_ID")), interface))
+        return std::nullopt;
+    interface.sysPath = textOrEmpty(udev_device_get_syspath(device));
+    interface.deviceNode = textOrEmpty(udev_device_get_devnode(device));
+    interface.name = textOrEmpty(udev_device_get_property_value(hid, "HID_NAME"));
+    const std::string hidPath(textOrEmpty(udev_device_get_syspath(hid)));
+    readDescriptor(hidPath, interface);
+    const auto initialised = textOrEmpty(udev_device_get_property_value(device, "USEC_INITIALIZED"));
+    interface.initialised = std::chrono::microseconds(number<std::int64_t>(initialised, 10).value_or(0));
+
+    udev_device* const usb = udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device");
+    interface.usbDevicePath = usb != nullptr ? textOrEmpty(udev_device_get_syspath(usb)) : hidPath;
+    if (usb != nullptr) {
+        const auto deviceNumber = textOrEmpty(udev_device_get_sysattr_value(usb, "devnum"));
+        interface.usbDeviceNumber = number<unsigned int>(deviceNumber, 10).value_or(0);
+    }
+    return interface;
+}
+
+/// Whether two descriptions under one syspath are of two plugs. What one of them does not know tells nothing.
+bool isAnotherPlug(const HidInterface& known, const HidInterface& found)
+{
+    const auto differ = [](auto left, auto right) { return left != 0 && right != 0 && left != right; };
+    return differ(known.usbDeviceNumber, found.usbDeviceNumber) ||
+           differ(known.initialised.count(), found.initialised.count()) || differ(known.vendorId, found.vendorId) ||
+           differ(known.productId, found.productId);
+}
+
+void sortLongestThereFirst(std::vector<HidInterface>& interfaces)
+{
+    const bool allTimesKnown = std::all_of(interfaces.begin(), interfaces.end(),
+                                           [](const auto& interface) { return interface.initialised.count() != 0; });
+    std::sort(interfaces.begin(), interfaces.end(), [allTimesKnown](const auto& left, const auto& right) {
+        if (allTimesKnown && left.initialised != right.initialised)
+            return left.initialised < right.initialised;
+        if (left.usbDeviceNumber != right.usbDeviceNumber)
+            return left.usbDeviceNumber < right.usbDeviceNumber;
+        return left.sysPath < right.sysPath;
+    });
+}
+
+} // namespace
+
+class HidInterfaceWatcher::Udev
+{
+  public:
+    Udev(Handler onCame, Handler onWent) : onCame_(std::move(onCame)), onWent_(std::move(onWent)), udev_(udev_new())
+    {
+        if (!udev_)
+            throwLastError("udev_new");
+        monitor_.reset(udev_monitor_new_from_netlink(udev_.get(), "udev"));
+        if (!monitor_)
+            throwLastError("udev_monitor_new_from_netlink");
+        if (udev_monitor_filter_add_match_subsystem_devtype(monitor_.get(), hidrawSubsystem, nullptr) < 0 ||
+            udev_monitor_enable_receiving(monitor_.get()) < 0)
+            throwLastError("udev_monitor_enable_receiving");
+    }
+
+    [[nodiscard]] int fileDescriptor() const { return udev_monitor_get_fd(monitor_.get()); }
+
+    void queueDifferences()
+    {
+        auto present = findPresent();
+        if (!present)
+            return;
+        std::map<std::string, HidInterface, std::less<>> found;
+        for (auto& interface : *present)
+            found.emplace(interface.sysPath, std::move(interface));
+
+        for (auto known = known_.begin(); known != known_.end();) {
+            const auto same = found.find(known->first);
+            const bool isThere = same != found.end() && !isAnotherPlug(known->second, same->second);
+            if (isThere)
+                found.erase(same);
+            else
+                queue_.push_back({onWent_, known->second});
+            known = isThere ? std::next(known) : known_.erase(known);
+        }
+        std::vector<HidInterface> come;
+        for (auto& [path, interface] : found)
+            come.push_back(std::move(interface));
+        sortLongestThereFirst(come);
+        for (auto& interface : come)
+            queueCame(std::move(interface));
+    }
+
+    void queueEvents()
+    {
+        bool hasLostEvents = false;
+        while (true) {
+            errno = 0;
+            const DevicePointer device(udev_monitor_receive_device(monitor_.get()));
+            if (device)
+                take(device.get());
+            else if (errno == ENOBUFS)
+                hasLostEvents = true;
+            else if (errno != EINTR)
+                break;
+        }
+        if (hasLostEvents)
+            queueDifferences();
+    }
+
+    void report()
+    {
+        while (!queue_.empty()) {
+            const Report next = std::move(queue_.front());
+            queue_.pop_front();
+            next.handler(next.interface);
+        }
+    }
+
+  private:
+    struct Report
+    {
+        const Handler& handler;
+        HidInterface interface;
+    };
+
+    std::optional<std::vector<HidInterface>> findPresent()
+    {
+        const EnumeratePointer enumeration(udev_enumerate_new(udev_.get()));
+        if (!enumeration || udev_enumerate_add_match_subsystem(enumeration.get(), hidrawSubsystem) < 0 ||
+            udev_enumerate_scan_devices(enumeration.get()) < 0)
+            return std::nullopt;
+        std::vector<HidInterface> interfaces;
+        udev_list_entry* entry = nullptr;
+        udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumeration.get()))
+        {
+            const DevicePointer device(udev_device_new_from_syspath(udev_.get(), udev_list_entry_get_name(entry)));
+            if (auto interface = device ? describe(device.get()) : std::nullopt)
+                interfaces.push_back(std::move(*interface));
+        }
+        return interfaces;
+    }
+
+    void take(udev_device* device)
+    {
+        const auto action = textOrEmpty(udev_device_get_action(device));
+        const auto known = known_.find(textOrEmpty(udev_device_get_syspath(device)));
+        if (action == "add" && known == known_.end()) {
+            if (auto interface = describe(device))
+                queueCame(std::move(*interface));
+        } else if (action == "remove" && known != known_.end()) {
+            queue_.push_back({onWent_, std::move(known->second)});
+            known_.erase(known);
+        }
+    }
+
+    void queueCame(HidInterface interface)
+    {
+        queue_.push_back({onCame_, interface});
+        known_.insert_or_assign(interface.sysPath, std::move(interface));
+    }
+
+    const Handler onCame_;
+    const Handler onWent_;
+    UdevPointer udev_;
+    MonitorPointer monitor_;
+    std::map<std::string, HidInterface, std::less<>> known_;
+    std::deque<Report> queue_;
+};
+
+HidInterfaceWatcher::HidInterfaceWatcher(Handler onCame, Handler onWent)
+    : udev_(std::make_unique<Udev>(std::move(onCame), std::move(onWent)))
+{
+}
+
+HidInterfaceWatcher::~HidInterfaceWatcher() = default;
+
+void HidInterfaceWatcher::enumerate()
+{
+    udev_->queueDifferences();
+    udev_->report();
+}
+
+int HidInterfaceWatcher::fileDescriptor() const
+{
+    return udev_->fileDescriptor();
+}
+
+void HidInterfaceWatcher::processEvents()
+{
+    udev_->queueEvents();
+    udev_->report();
+}
+
+} // namespace vantro
