@@ -1,0 +1,88 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tokens/HidNode.h"
+#include "tokens/OtpApplication.h"
+#include "tokens/TokenBed.h"
+
+namespace vantro::lab {
+
+/// The HID interfaces of a token.
+enum class TokenInterface
+{
+    keyboard,
+    fido
+};
+
+/// What a virtual token is like. With another vendor, product or report size it is a foreign device.
+struct TokenSpecification
+{
+    /// Serial number, slots and the time to an answer.
+    OtpSpecification otp;
+    std::uint16_t vendorId = 0x1050;
+    std::uint16_t productId = 0x0407;
+    /// The FIDO interface's input report in bytes.
+    std::uint16_t fidoReportSize = 64;
+    /// The interfaces that plugIn() brings, in this order; a hidraw node gets its number when it comes.
+    std::vector<TokenInterface> interfaces{TokenInterface::keyboard, TokenInterface::fido};
+    /// How long each transfer of a feature report takes: a slow bus, where OtpSpecification::replyDelay is a slow
+    /// token.
+    std::chrono::milliseconds transferTime{0};
+};
+
+/// A token that can be plugged into a bed, touched and pulled out, as often as wanted. Any thread. The bed must outlive
+/// it; destroying it pulls it out.
+class VirtualToken
+{
+  public:
+    VirtualToken(TokenBed& bed, TokenSpecification specification);
+    ~VirtualToken();
+    VirtualToken(const VirtualToken&) = delete;
+    VirtualToken& operator=(const VirtualToken&) = delete;
+
+    /// Plugs in every interface of the specification that is not there yet. When it returns, their events are sent.
+    void plugIn();
+
+    /// Plugs in one interface alone, for an interface that comes later than another.
+    void plugIn(TokenInterface interface);
+
+    /// Pulls the token out, in the middle of an exchange too: its open nodes answer ENODEV from now on.
+    void unplug();
+
+    [[nodiscard]] bool isPluggedIn() const;
+
+    /// A finger on the token.
+    void touch();
+
+    /// Whether the token blinks.
+    [[nodiscard]] bool isWaitingForTouch() const;
+
+    /// The device node of an interface, for example /dev/hidraw0; empty while the interface is not there.
+    [[nodiscard]] std::string deviceNode(TokenInterface interface) const;
+
+    [[nodiscard]] const TokenSpecification& specification() const { return specification_; }
+
+  private:
+    void plugInDevice();
+    [[nodiscard]] bool exchange(bool isWrite, std::span<std::uint8_t> report);
+
+    TokenBed& bed_;
+    const TokenSpecification specification_;
+    /// Held while plugging in and out; the emulation's thread never takes it.
+    mutable std::mutex plugMutex_;
+    std::string usbName_;
+    std::string usbPath_;
+    std::unique_ptr<HidNode> keyboard_;
+    std::unique_ptr<HidNode> fido_;
+    mutable std::mutex otpMutex_;
+    OtpApplication otp_;
+};
+
+} // namespace vantro::lab
