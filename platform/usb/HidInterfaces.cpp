@@ -155,27 +155,27 @@ class HidInterfaceWatcher::Udev
 
     [[nodiscard]] int fileDescriptor() const { return udev_monitor_get_fd(monitor_.get()); }
 
-    void queueDifferences()
+    /// Interfaces that are known already are only looked at again when events were lost: another one may have come
+    /// under the same path.
+    void queueDifferences(bool hasLostEvents)
     {
-        auto present = findPresent();
+        auto present = findPresent(hasLostEvents);
         if (!present)
             return;
-        std::map<std::string, HidInterface, std::less<>> found;
-        for (auto& interface : *present)
-            found.emplace(interface.sysPath, std::move(interface));
-
         for (auto known = known_.begin(); known != known_.end();) {
-            const auto same = found.find(known->first);
-            const bool isThere = same != found.end() && !isAnotherPlug(known->second, same->second);
+            const auto same = present->find(known->first);
+            const bool isThere =
+                same != present->end() && (!same->second || !isAnotherPlug(known->second, *same->second));
             if (isThere)
-                found.erase(same);
+                present->erase(same);
             else
                 queue_.push_back({onWent_, known->second});
             known = isThere ? std::next(known) : known_.erase(known);
         }
         std::vector<HidInterface> come;
-        for (auto& [path, interface] : found)
-            come.push_back(std::move(interface));
+        for (auto& [path, interface] : *present)
+            if (interface)
+                come.push_back(std::move(*interface));
         sortLongestThereFirst(come);
         for (auto& interface : come)
             queueCame(std::move(interface));
@@ -195,7 +195,7 @@ class HidInterfaceWatcher::Udev
                 break;
         }
         if (hasLostEvents)
-            queueDifferences();
+            queueDifferences(true);
     }
 
     void report()
@@ -214,21 +214,28 @@ class HidInterfaceWatcher::Udev
         HidInterface interface;
     };
 
-    std::optional<std::vector<HidInterface>> findPresent()
+    using Present = std::map<std::string, std::optional<HidInterface>, std::less<>>;
+
+    /// The paths that are there and what is there; without a description for those that need none or have none.
+    std::optional<Present> findPresent(bool describesKnown)
     {
         const EnumeratePointer enumeration(udev_enumerate_new(udev_.get()));
         if (!enumeration || udev_enumerate_add_match_subsystem(enumeration.get(), hidrawSubsystem) < 0 ||
             udev_enumerate_scan_devices(enumeration.get()) < 0)
             return std::nullopt;
-        std::vector<HidInterface> interfaces;
+        Present present;
         udev_list_entry* entry = nullptr;
         udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumeration.get()))
         {
-            const DevicePointer device(udev_device_new_from_syspath(udev_.get(), udev_list_entry_get_name(entry)));
-            if (auto interface = device ? describe(device.get()) : std::nullopt)
-                interfaces.push_back(std::move(*interface));
+            const char* const path = udev_list_entry_get_name(entry);
+            auto& interface = present[path];
+            if (!describesKnown && known_.contains(path))
+                continue;
+            const DevicePointer device(udev_device_new_from_syspath(udev_.get(), path));
+            if (device)
+                interface = describe(device.get());
         }
-        return interfaces;
+        return present;
     }
 
     void take(udev_device* device)
@@ -267,7 +274,7 @@ HidInterfaceWatcher::~HidInterfaceWatcher() = default;
 
 void HidInterfaceWatcher::enumerate()
 {
-    udev_->queueDifferences();
+    udev_->queueDifferences(false);
     udev_->report();
 }
 

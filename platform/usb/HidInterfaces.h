@@ -49,7 +49,7 @@ class HidInterfaceWatcher
     HidInterfaceWatcher& operator=(const HidInterfaceWatcher&) = delete;
 
     /// Reports how what is there differs from what was reported before: first those that went, then those that came,
-    /// the longest there first.
+    /// the longest there first. Needs no events, and none that is still to be read is reported twice.
     void enumerate();
 
     /// Readable when there are events.

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <mutex>
+#include <optional>
+
+#include "service/ChallengeRecord.h"
+#include "service/Outcome.h"
+#include "service/TrustedFile.h"
+
+namespace vantro::service {
+
+/// The challenge-response files, one a token, named by its serial. Reads and writes only in a folder that nobody else
+/// can reach into (folderFailure, mode 0700), and only regular files of its own with mode 0600. Any thread.
+class RecordStore
+{
+  public:
+    explicit RecordStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+    /// Says why a record of this token could not be written; nothing when it could.
+    [[nodiscard]] std::optional<FileFailure> writeFailure(std::uint64_t serial) const;
+
+    /// Creates the record or puts it in the place of the one that is there.
+    [[nodiscard]] std::optional<FileFailure> write(const ChallengeRecord& record);
+
+    /// Puts `renewed` in the place of `known`. False when the file does not hold `known` any more: it was removed or
+    /// made anew meanwhile, and stays as it is.
+    [[nodiscard]] Outcome<bool, FileFailure> renew(const ChallengeRecord& known, const ChallengeRecord& renewed);
+
+    [[nodiscard]] Outcome<ChallengeRecord, FileFailure> read(std::uint64_t serial) const;
+
+    /// False when there was none.
+    [[nodiscard]] Outcome<bool, FileFailure> remove(std::uint64_t serial);
+
+  private:
+    [[nodiscard]] std::filesystem::path fileOf(std::uint64_t serial) const;
+    [[nodiscard]] std::optional<FileFailure> replace(const ChallengeRecord& record) const;
+
+    const std::filesystem::path folder_;
+    std::mutex mutex_;
+};
+
+} // namespace vantro::service

@@ -1,0 +1,100 @@
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/signalfd.h>
+#include <sys/stat.h>
+#include <thread>
+
+#include <sdbus-c++/sdbus-c++.h>
+
+#include "LoggerManager/LoggerManager.h"
+#include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "foundation/Bundle.h"
+#include "foundation/FileDescriptor.h"
+#include "service/ChallengeResponse.h"
+#include "service/RecordStore.h"
+#include "service/StandaloneObject.h"
+#include "service/TokenRegistry.h"
+
+namespace vantro::service {
+namespace {
+
+/// Leaves the connection's event loop when the process is told to end.
+class SignalWatch
+{
+  public:
+    /// To be made before every other thread, since those inherit which signals are held back.
+    SignalWatch() : stop_(::eventfd(0, EFD_CLOEXEC))
+    {
+        sigset_t signals;
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGTERM);
+        sigaddset(&signals, SIGINT);
+        ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+        signals_ = FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
+    }
+    ~SignalWatch() { ::eventfd_write(stop_.get(), 1); }
+    SignalWatch(const SignalWatch&) = delete;
+    SignalWatch& operator=(const SignalWatch&) = delete;
+
+    void start(sdbus::IConnection& connection)
+    {
+        thread_ = std::jthread([this, &connection] {
+            pollfd waits[] = {{signals_.get(), POLLIN, 0}, {stop_.get(), POLLIN, 0}};
+            while (::poll(waits, std::size(waits), -1) < 0 && errno == EINTR) {
+            }
+            if ((waits[0].revents & POLLIN) != 0)
+                connection.leaveEventLoop();
+        });
+    }
+
+  private:
+    FileDescriptor stop_;
+    FileDescriptor signals_;
+    std::jthread thread_;
+};
+
+int run(const Logger& logger)
+{
+    constexpr const char* function = "run(_:)";
+    const Bundle& bundle = Bundle::main();
+    if (bundle.string(bundle_key::challengeResponseFolder).empty()) {
+        logger.error("The information dictionary below " + bundle.resourceFolder().string() +
+                         " can't be read or does not name the folders.",
+                     function);
+        return EXIT_FAILURE;
+    }
+    try {
+        const auto connection = sdbus::createSystemBusConnection();
+        SignalWatch signals;
+        TokenRegistry registry(logger);
+        RecordStore records(bundle.string(bundle_key::challengeResponseFolder));
+        ChallengeResponse challengeResponse(registry, records, logger);
+        const StandaloneObject object(*connection, challengeResponse, logger);
+        connection->requestName(label);
+        signals.start(*connection);
+        logger.info("Service " + bundle.string(bundle_key::shortVersion) + " started.", function);
+        connection->enterEventLoop();
+        logger.info("Service ends.", function);
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        logger.error(std::string("The service can't go on: ") + error.what(), function);
+        return EXIT_FAILURE;
+    }
+}
+
+} // namespace
+} // namespace vantro::service
+
+int main()
+{
+    ::umask(077);
+    const auto logger =
+        vantro::LoggerManager::logger("VantroStandaloneService", vantro::LoggerManager::Destination::StandardError)
+            .inFile("main");
+    const int status = vantro::service::run(logger);
+    logger.flush();
+    return status;
+}
