@@ -6,7 +6,7 @@ namespace vantro {
 
 class NSViewController;
 
-/// The window of a presented controller. Sizes itself to its content and hands every wish to close it to the
+/// The window of a presented controller. Follows its content in size, whenever a text in it changes, and hands every wish to close it to the
 /// controller. Main thread.
 class ModalWindow : public QDialog
 {
@@ -23,8 +23,11 @@ class ModalWindow : public QDialog
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
 
   private:
+    void fitContent();
+
     NSViewController* controller_;
 };
 

@@ -43,6 +43,7 @@ void NSViewController::presentAsModalWindow(std::unique_ptr<NSViewController> pr
     if (front == nullptr)
         front = window();
     controller->modalWindow_ = std::make_unique<ModalWindow>(controller, front);
+    controller->setWindowButtons(WindowButtons::Close);
     controller->modalWindow_->setWindowTitle(controller->title());
     controller->beginAppearance();
     controller->modalWindow_->show();

@@ -1,5 +1,6 @@
 #include "ViewController/Main/KeyListViewController.h"
 
+#include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QVBoxLayout>
 
@@ -23,6 +24,8 @@ void KeyListViewController::connectOutlets(const Outlets& outlets)
     deleteButton = outlets.deleteButton;
 
     arrayController_->setTableView(table_);
+    table_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     auto* const tableContent = new QVBoxLayout(table_->viewport());
     tableContent->addWidget(emptyLabel_);
     emptyLabel_->setAlignment(Qt::AlignCenter);
