@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fstream>
+#include <map>
 #include <mutex>
 #include <stdexcept>
 #include <utility>
@@ -67,13 +68,27 @@ class HidNode::Requests
         std::unique_ptr<UMockdevIoctlClient, Unref> client;
     };
 
-    static gboolean onRequest(UMockdevIoctlBase* base, UMockdevIoctlClient* client, gpointer state);
+    /// The nodes that are there. The emulation's thread gets a number and finds the state here: the hand-over between
+    /// the threads is our own mutex's, for umockdev's isn't seen by ThreadSanitizer, and a late request finds nothing.
+    struct Registry
+    {
+        std::mutex mutex;
+        std::map<std::uintptr_t, std::shared_ptr<State>> states;
+        std::uintptr_t lastNumber = 0;
+    };
+
+    static Registry& registry();
+    static std::uintptr_t enter(const std::shared_ptr<State>& state);
+    static std::shared_ptr<State> find(std::uintptr_t number);
+
+    static gboolean onRequest(UMockdevIoctlBase* base, UMockdevIoctlClient* client, gpointer number);
     static gboolean onTransferred(gpointer transfer);
     static void complete(State& state, UMockdevIoctlClient* client);
 
     TokenBed& bed_;
     std::string deviceNode_;
     std::shared_ptr<State> state_ = std::make_shared<State>();
+    std::uintptr_t number_ = 0;
     std::unique_ptr<UMockdevIoctlBase, Unref> base_{umockdev_ioctl_base_new()};
 };
 
@@ -83,9 +98,9 @@ HidNode::Requests::Requests(TokenBed& bed, std::string deviceNode, std::chrono::
 {
     state_->transferTime = transferTime;
     state_->handler = std::move(handler);
-    g_signal_connect_data(
-        base_.get(), "handle-ioctl", G_CALLBACK(&Requests::onRequest), new std::shared_ptr<State>(state_),
-        [](gpointer state, GClosure*) { delete static_cast<std::shared_ptr<State>*>(state); }, G_CONNECT_DEFAULT);
+    number_ = enter(state_);
+    g_signal_connect(base_.get(), "handle-ioctl", G_CALLBACK(&Requests::onRequest),
+                     reinterpret_cast<gpointer>(number_));
     GError* error = nullptr;
     if (!umockdev_testbed_attach_ioctl(bed_.handle(), deviceNode_.c_str(), base_.get(), &error)) {
         const std::string message = error->message;
@@ -98,11 +113,37 @@ HidNode::Requests::~Requests()
 {
     end();
     umockdev_testbed_detach_ioctl(bed_.handle(), deviceNode_.c_str(), nullptr);
+    const std::lock_guard lock(registry().mutex);
+    registry().states.erase(number_);
+}
+
+HidNode::Requests::Registry& HidNode::Requests::registry()
+{
+    static Registry registry;
+    return registry;
+}
+
+std::uintptr_t HidNode::Requests::enter(const std::shared_ptr<State>& state)
+{
+    const std::lock_guard lock(registry().mutex);
+    registry().states[++registry().lastNumber] = state;
+    return registry().lastNumber;
+}
+
+std::shared_ptr<HidNode::Requests::State> HidNode::Requests::find(std::uintptr_t number)
+{
+    const std::lock_guard lock(registry().mutex);
+    const auto found = registry().states.find(number);
+    return found != registry().states.end() ? found->second : nullptr;
 }
 
 gboolean HidNode::Requests::onRequest(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer data)
 {
-    const auto& state = *static_cast<std::shared_ptr<State>*>(data);
+    const std::shared_ptr<State> state = find(reinterpret_cast<std::uintptr_t>(data));
+    if (!state) {
+        umockdev_ioctl_client_complete(client, -1, ENODEV);
+        return TRUE;
+    }
     if (state->transferTime.count() == 0) {
         complete(*state, client);
         return TRUE;
