@@ -1,6 +1,7 @@
 #include "foundation/DurableFile.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <random>
@@ -88,6 +89,12 @@ std::optional<std::string> readFile(const std::filesystem::path& path, std::size
         return std::nullopt;
     }
 
+    const auto fileTooLarge = std::make_error_code(std::errc::file_too_large);
+    if (static_cast<std::uintmax_t>(status.st_size) > limit) {
+        error = fileTooLarge;
+        return std::nullopt;
+    }
+
     std::string content;
     content.reserve(static_cast<std::size_t>(status.st_size) + 1);
     char buffer[65536];
@@ -103,7 +110,7 @@ std::optional<std::string> readFile(const std::filesystem::path& path, std::size
             return content;
         content.append(buffer, static_cast<std::size_t>(count));
         if (content.size() > limit) {
-            error = std::make_error_code(std::errc::file_too_large);
+            error = fileTooLarge;
             return std::nullopt;
         }
     }

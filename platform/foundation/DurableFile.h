@@ -23,6 +23,7 @@ struct ReplacementOptions
 /// Replaces the file at `path` whole and durably: a new file in the same folder (O_EXCL, no following of links), fsync,
 /// rename, fsync of the folder. Whatever fails, and whenever the process is killed, the old file or the new one is
 /// there. Answers the first error, with nothing replaced and the new file removed; no error when the file is in place.
+/// An error of the last step alone leaves the new file in place, but it may not outlast a loss of power.
 [[nodiscard]] std::error_code replaceFile(const std::filesystem::path& path, std::string_view content,
                                           const ReplacementOptions& options);
 
