@@ -2,12 +2,14 @@
 
 #include <cctype>
 #include <cerrno>
+#include <limits>
 #include <pwd.h>
 #include <sstream>
 #include <unistd.h>
 #include <unordered_set>
 
 #include "foundation/DurableFile.h"
+#include "foundation/Text.h"
 
 namespace vantro {
 namespace {
@@ -56,13 +58,15 @@ UserIdRange userIdRange(std::string_view loginDefs)
     for (std::string line; std::getline(lines, line);) {
         std::istringstream words(line);
         std::string name;
-        std::uint32_t value = 0;
-        if (!(words >> name >> value))
+        std::string number;
+        words >> name >> number;
+        const auto value = parseUInt64(number);
+        if (!value || *value > std::numeric_limits<std::uint32_t>::max())
             continue;
         if (name == "UID_MIN")
-            range.first = value;
+            range.first = static_cast<std::uint32_t>(*value);
         else if (name == "UID_MAX")
-            range.last = value;
+            range.last = static_cast<std::uint32_t>(*value);
     }
     return range;
 }
@@ -77,7 +81,9 @@ std::vector<Identity> queryUserIdentities()
     std::unordered_set<std::string> names;
     ::setpwent();
     while (const passwd* const record = ::getpwent()) {
-        if (record->pw_uid < range.first || record->pw_uid > range.last || !names.insert(record->pw_name).second)
+        // Any record takes its name, whoever it belongs to: looking the name up finds that one.
+        const bool isFirstOfItsName = names.insert(record->pw_name).second;
+        if (!isFirstOfItsName || record->pw_uid < range.first || record->pw_uid > range.last)
             continue;
         identities.push_back({fullNameOf(*record), record->pw_name, record->pw_dir != nullptr ? record->pw_dir : ""});
     }
