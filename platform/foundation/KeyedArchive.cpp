@@ -32,6 +32,9 @@ std::optional<Fields> decode(const ArchiveData& data, std::string_view className
         return std::nullopt;
     if (!archive.begin()->is_string() || archive.begin()->get_ref<const std::string&>() != className)
         return std::nullopt;
+    // One object has one archive: no entry twice, no other form of a number or a text.
+    if (Fields::to_cbor(archive) != data)
+        return std::nullopt;
     archive.erase(archive.begin());
     return archive;
 }

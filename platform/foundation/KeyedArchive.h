@@ -26,8 +26,9 @@ inline constexpr std::size_t sizeLimit = 4096;
 /// `fields` must be an object. Nothing when a field's text is no valid UTF-8 or the archive would be too large.
 [[nodiscard]] std::optional<ArchiveData> encode(std::string_view className, const Fields& fields);
 
-/// The fields of an object of exactly `className`; nothing for another class, for bytes that are no such archive or
-/// hold something after it, and for an archive that is too large. Types and ranges of the fields are the caller's.
+/// The fields of an object of exactly `className`; nothing for another class, for bytes that are not exactly
+/// what encode() makes of such an object, and for an archive that is too large. Types and ranges of the fields are the
+/// caller's.
 [[nodiscard]] std::optional<Fields> decode(const ArchiveData& data, std::string_view className);
 
 } // namespace keyed_archive
