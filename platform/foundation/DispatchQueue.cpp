@@ -13,9 +13,15 @@ DispatchQueue& DispatchQueue::main()
 
 void DispatchQueue::attach(Work wake)
 {
-    const std::lock_guard lock(mutex_);
-    mainThread_ = std::this_thread::get_id();
-    wake_ = std::move(wake);
+    bool hasPending = false;
+    {
+        const std::lock_guard lock(mutex_);
+        mainThread_ = std::this_thread::get_id();
+        wake_ = wake;
+        hasPending = !pending_.empty();
+    }
+    if (hasPending && wake)
+        wake();
 }
 
 void DispatchQueue::async(Work work)

@@ -19,7 +19,8 @@ class DispatchQueue
     /// The main queue. The first call, from any thread, makes it.
     static DispatchQueue& main();
 
-    /// Names the calling thread the main thread and sets what wakes its event loop; `wake` is called on any thread.
+    /// Names the calling thread the main thread and sets what wakes its event loop; `wake` is called on any thread,
+    /// and at once when work is queued already.
     void attach(Work wake);
 
     /// Queues `work` and returns at once. Any thread, also the main thread.
@@ -33,7 +34,7 @@ class DispatchQueue
     /// meanwhile runs there.
     void runPending();
 
-    /// Drops what is queued and everything that comes later, and releases every waiting sync().
+    /// Drops what is queued and everything that comes later, and releases every sync() whose work has not begun.
     void close();
 
     [[nodiscard]] bool isMainThread() const;
