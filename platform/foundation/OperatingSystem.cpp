@@ -14,6 +14,18 @@ OperatingSystemVersion& currentVersion()
     return version;
 }
 
+/// The shell's reading of a text outside single quotes: a backslash stands for the character behind it.
+std::string withoutEscapes(std::string_view text)
+{
+    std::string plain;
+    for (std::size_t position = 0; position < text.size(); ++position) {
+        if (text[position] == '\\' && position + 1 < text.size())
+            ++position;
+        plain += text[position];
+    }
+    return plain;
+}
+
 } // namespace
 
 std::string prettyName(std::string_view osRelease)
@@ -24,9 +36,10 @@ std::string prettyName(std::string_view osRelease)
         if (!line.starts_with(key))
             continue;
         std::string value = line.substr(key.size());
-        if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front())
+        const char quote = value.empty() ? '\0' : value.front();
+        if (value.size() >= 2 && (quote == '"' || quote == '\'') && value.back() == quote)
             value = value.substr(1, value.size() - 2);
-        return value;
+        return quote == '\'' ? value : withoutEscapes(value);
     }
     return {};
 }
