@@ -19,8 +19,10 @@ std::string escapedForLog(std::string_view text)
 {
     std::string escaped;
     escaped.reserve(text.size());
-    for (const char character : text) {
+    for (std::size_t position = 0; position < text.size(); ++position) {
+        const char character = text[position];
         const auto byte = static_cast<unsigned char>(character);
+        const auto next = position + 1 < text.size() ? static_cast<unsigned char>(text[position + 1]) : 0;
         if (character == '\\')
             escaped += "\\\\";
         else if (character == '\n')
@@ -29,7 +31,11 @@ std::string escapedForLog(std::string_view text)
             escaped += "\\t";
         else if (byte < 0x20 || byte == 0x7f)
             escaped += fmt::format("\\x{:02x}", byte);
-        else
+        else if (byte == 0xc2 && next >= 0x80 && next < 0xa0) {
+            // U+0080 to U+009F, which terminals obey as well.
+            escaped += fmt::format("\\x{:02x}", next);
+            ++position;
+        } else
             escaped += character;
     }
     return escaped;

@@ -1,6 +1,9 @@
 #include "LoggerManager/LoggerManager.h"
 
 #include <cstdlib>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 #include <spdlog/pattern_formatter.h>
@@ -57,13 +60,13 @@ std::shared_ptr<spdlog::logger> makeSink(const std::string& identifier, LoggerMa
 
 Logger LoggerManager::logger(const std::string& identifier, Destination destination)
 {
+    // Never destroyed: other threads may log while the process is leaving.
+    static auto& sinks = *new std::map<std::string, std::shared_ptr<spdlog::logger>>;
     static std::mutex mutex;
     const std::lock_guard lock(mutex);
-    auto sink = spdlog::get(identifier);
-    if (!sink) {
+    auto& sink = sinks[identifier];
+    if (!sink)
         sink = makeSink(identifier, destination);
-        spdlog::register_logger(sink);
-    }
     return {sink, {}};
 }
 
