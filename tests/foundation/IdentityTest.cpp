@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "foundation/DurableFile.h"
+#include "foundation/FileManager.h"
+#include "support/TemporaryFolder.h"
 
 namespace vantro::tests {
 namespace {
@@ -33,6 +35,21 @@ TEST(Identity, ReadsTheRangeOfPeople)
     }
 }
 
+TEST(Identity, NamesTheOwnerOfAFile)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "");
+    std::error_code error;
+    const auto attributes = FileManager::attributesOfItem(folder / "file", error);
+    ASSERT_TRUE(attributes) << error.message();
+    EXPECT_EQ(attributes->ownerAccountName.value_or(std::to_string(::geteuid())), NSUserName());
+    EXPECT_FALSE(FileManager::attributesOfItem(folder / "missing", error));
+    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
+    EXPECT_FALSE(FileManager::setPosixPermissions(folder / "file", 0666));
+    EXPECT_EQ(std::filesystem::status(folder / "file").permissions(), std::filesystem::perms(0666));
+    EXPECT_EQ(FileManager::setPosixPermissions(folder / "missing", 0666), std::errc::no_such_file_or_directory);
+}
+
 TEST(Identity, QueriesTheUsersOfTheDirectory)
 {
     if (std::getenv("NSS_WRAPPER_PASSWD") == nullptr)
@@ -57,6 +74,8 @@ TEST(Identity, QueriesTheUsersOfTheDirectory)
         EXPECT_EQ(found[number].homeDirectory, expected[number].homeDirectory);
     }
     EXPECT_EQ(queryUserIdentities().size(), found.size()) << "a second query begins at the first record again";
+    EXPECT_EQ(loginName(1000), "adam");
+    EXPECT_EQ(loginName(77777), std::nullopt);
 }
 
 } // namespace
