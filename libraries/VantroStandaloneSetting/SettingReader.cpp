@@ -34,6 +34,7 @@ class SettingReader
         readAdmin(onlyChild(root, format::adminSetting));
         setting_.foreign_ =
             foreignIn(root, {format::switchSetting, format::users, format::masterKeySetting, format::adminSetting});
+        setting_.foreignBeside_ = foreignIn(root.parent(), {format::root});
     }
 
   private:
@@ -118,22 +119,23 @@ class SettingReader
     }
 
     /// Copies of the children of `parent` that this version does not know.
-    static ForeignNodes foreignIn(const pugi::xml_node& parent, std::initializer_list<std::string_view> known)
+    ForeignNodes foreignIn(const pugi::xml_node& parent, std::initializer_list<std::string_view> known)
     {
-        std::shared_ptr<pugi::xml_document> foreign;
+        ForeignNodes foreign;
         for (const auto& child : parent.children()) {
             const bool isKnown = child.type() == pugi::node_element &&
                                  std::find(known.begin(), known.end(), child.name()) != known.end();
             if (isKnown)
                 continue;
-            if (!foreign)
-                foreign = std::make_shared<pugi::xml_document>();
-            foreign->append_copy(child);
+            if (!foreign.parent)
+                foreign = {foreign_, foreign_->append_child("element")};
+            foreign.parent.append_copy(child);
         }
         return foreign;
     }
 
     VantroStandaloneSetting& setting_;
+    std::shared_ptr<pugi::xml_document> foreign_ = std::make_shared<pugi::xml_document>();
 };
 
 VantroStandaloneSetting::VantroStandaloneSetting(const XMLAccessor& accessor)

@@ -12,9 +12,7 @@ namespace format = setting_format;
 
 void appendForeign(pugi::xml_node element, const ForeignNodes& foreign)
 {
-    if (!foreign)
-        return;
-    for (const auto& node : foreign->children())
+    for (const auto& node : foreign.parent.children())
         element.append_copy(node);
 }
 
@@ -74,6 +72,7 @@ std::string serialised(const VantroStandaloneSetting& setting)
     appendForeign(admin, setting.adminSetting.foreign);
 
     appendForeign(root, setting.foreign_);
+    appendForeign(document, setting.foreignBeside_);
 
     std::ostringstream text;
     document.save(text, "  ", pugi::format_indent, pugi::encoding_utf8);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <fcntl.h>
 #include <optional>
 #include <sys/stat.h>
@@ -43,7 +44,8 @@ std::error_code keepAside(const std::filesystem::path& file)
 
 bool canBeRead(const std::filesystem::path& file, const struct stat& status)
 {
-    return S_ISREG(status.st_mode) && FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    return S_ISREG(status.st_mode) && static_cast<std::uintmax_t>(status.st_size) <= documentSizeLimit &&
+           FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
 }
 
 } // namespace
@@ -56,8 +58,9 @@ bool VantroStandaloneSetting::isAllocatedKey() const
 
 const std::filesystem::path& VantroStandaloneSetting::url()
 {
+    // Below the prefix where the dictionary names no folder, never below the folder that the process happens to be in.
     static const auto path =
-        std::filesystem::path(Bundle::main().string(bundle_key::settingsFolder)) / "VantroStandaloneSetting.xml";
+        Bundle::main().prefix() / Bundle::main().string(bundle_key::settingsFolder) / "VantroStandaloneSetting.xml";
     return path;
 }
 
@@ -68,8 +71,9 @@ void VantroStandaloneSetting::write() const
     options.mode = newDocumentMode;
     std::error_code error;
     if (::stat(url().c_str(), &status) == 0) {
-        options.mode = status.st_mode & 07777;
-        if (!canBeRead(url(), status))
+        if (canBeRead(url(), status))
+            options.mode = status.st_mode & 07777;
+        else
             error = keepAside(url());
     } else if (errno != ENOENT) {
         error = {errno, std::generic_category()};

@@ -14,9 +14,15 @@
 namespace vantro {
 
 /// What an element of the file holds beyond what this version knows: elements and comments of another program or a
-/// hand. Kept, and written back behind the known content of the element. Null where there is none. Where a list of keys
-/// is an element of its own, foreignKeys is what that list holds.
-using ForeignNodes = std::shared_ptr<const pugi::xml_document>;
+/// hand. Kept, and written back behind the known content of the element. Where a list of keys is an element of its own,
+/// foreignKeys is what that list holds. Copies share the nodes, which are all in one document: one an element would
+/// cost pages of memory each.
+struct ForeignNodes
+{
+    std::shared_ptr<const pugi::xml_document> owner;
+    /// The foreign nodes are its children; null where there are none.
+    pugi::xml_node parent;
+};
 
 /// One token.
 struct YubiKey
@@ -93,9 +99,10 @@ class VantroStandaloneSetting
     /// The document's file: VantroStandaloneSetting.xml in the settings folder of the information dictionary.
     static const std::filesystem::path& url();
 
-    /// Replaces the file whole and durably and keeps its mode. A file that is there and can't be read is first kept
-    /// aside, under the name with ".unreadable" appended (or the first free "…-1" and so on behind it); where that
-    /// can't be done it is left alone and nothing is written. A failure is logged and leaves the old file.
+    /// Replaces the file whole and durably and keeps its mode. A file that is there and can't be read (or is larger
+    /// than readXML() takes) is first kept aside, under the name with ".unreadable" appended (or the first free "…-1"
+    /// and so on behind it); where that can't be done it is left alone and nothing is written. A failure is logged and
+    /// leaves the old file.
     void write() const;
 
   private:
@@ -103,6 +110,8 @@ class VantroStandaloneSetting
     bool isValid_ = true;
     ForeignNodes foreign_;
     ForeignNodes foreignUsers_;
+    /// What lies beside the root element.
+    ForeignNodes foreignBeside_;
     friend std::string serialised(const VantroStandaloneSetting& setting);
 };
 
