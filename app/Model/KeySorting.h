@@ -56,6 +56,13 @@ void appendSorted(KeyValueArray<Row>& property, Row row)
     property.set(std::move(rows));
 }
 
+/// Adds a key in the order of the serials.
+inline void addSorted(std::vector<YubiKey>& keys, std::uint64_t serial)
+{
+    keys.emplace_back(serial);
+    sortBySerial(keys);
+}
+
 /// Removes every key with the serial; the others keep their order.
 inline void removeSerial(std::vector<YubiKey>& keys, std::uint64_t serial)
 {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include <QLabel>
 #include <QPointer>
@@ -85,6 +86,45 @@ class DeletionKeyViewController : public DialogViewController
 
     const Texts texts_;
     bool hasController_ = false;
+};
+
+/// A deletion dialog of the list `List`, whose array controller it reads the selection of and removes rows from.
+template <class List>
+class DeletionFromListViewController : public DeletionKeyViewController
+{
+  protected:
+    using DeletionKeyViewController::DeletionKeyViewController;
+    using Row = typename List::Row;
+
+    /// How a row is shown.
+    [[nodiscard]] virtual QString lineOf(const Row& row) const { return QString::fromStdString(row.serial()); }
+
+    [[nodiscard]] std::vector<Row> selectedRows() { return controller->arrayController().selectedObjects(); }
+
+    bool takeController() override
+    {
+        controller = qobject_cast<List*>(presentingViewController());
+        return controller != nullptr;
+    }
+
+    QStringList selectedLines() override
+    {
+        QStringList lines;
+        for (const Row& row : selectedRows())
+            lines += lineOf(row);
+        return lines;
+    }
+
+    bool hasSelectedRows() override { return !controller->arrayController().selectionIndexes().empty(); }
+
+    void removeFromList() override
+    {
+        auto& rows = controller->arrayController();
+        rows.removeAtArrangedObjectIndexes(rows.selectionIndexes());
+        controller->clearTableSelection();
+    }
+
+    QPointer<List> controller;
 };
 
 /// What a user or master key deletion has to do when it has left no token that opens an account: makes the add-on's

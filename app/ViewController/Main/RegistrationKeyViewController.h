@@ -88,4 +88,17 @@ class RegistrationKeyViewController : public DialogViewController
     const AfterRefusal afterRefusal_;
 };
 
+/// A registration dialog of the list `List`, which must have presented it.
+template <class List>
+class RegistrationToListViewController : public RegistrationKeyViewController
+{
+  protected:
+    using RegistrationKeyViewController::RegistrationKeyViewController;
+
+    /// Null when another controller, or none, presented the dialog.
+    [[nodiscard]] List* list() const { return qobject_cast<List*>(presentingViewController()); }
+
+    [[nodiscard]] bool isPresentedByList() const override { return list() != nullptr; }
+};
+
 } // namespace vantro

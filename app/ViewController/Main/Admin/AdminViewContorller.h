@@ -14,7 +14,12 @@ class AdminViewContorller : public KeyListViewController
     Q_OBJECT
 
   public:
+    using Row = AdminKeyModel;
+
     AdminViewContorller();
+
+    /// The controller of the table's rows; once the view is loaded.
+    NSArrayController<Row>& arrayController() { return *adminKeyArrayController; }
 
     /// Action of the check box, whose new state the model holds already; `sender` is not used.
     void onChangeToolLoginAuthButton(QObject* sender);

@@ -1,16 +1,13 @@
 #pragma once
 
-#include <QPointer>
-
+#include "ViewController/Main/Admin/AdminViewContorller.h"
 #include "ViewController/Main/DeletionKeyViewController.h"
 
 namespace vantro {
 
-class AdminViewContorller;
-
 /// Deletes administrator keys. Beyond its base: the tool's sign-in is switched off with the last one, so that it never
 /// asks for a token that nobody can have. Main thread.
-class DeletionAdminKeyViewController : public DeletionKeyViewController
+class DeletionAdminKeyViewController : public DeletionFromListViewController<AdminViewContorller>
 {
     Q_OBJECT
 
@@ -19,17 +16,10 @@ class DeletionAdminKeyViewController : public DeletionKeyViewController
 
   protected:
     std::unique_ptr<QWidget> loadView() override;
-    bool takeController() override;
-    QStringList selectedLines() override;
-    bool hasSelectedRows() override;
     bool isLastKeyDeletion() override;
     void removeFromSetting() override;
-    void removeFromList() override;
     void finishRemoval() override;
     [[nodiscard]] bool logsLoading() const override { return false; }
-
-  private:
-    QPointer<AdminViewContorller> controller;
 };
 
 } // namespace vantro

@@ -6,7 +6,6 @@
 #include "AdminViewMessage.h"
 #include "AppDataSet.h"
 #include "Model/KeySorting.h"
-#include "ViewController/Main/Admin/AdminViewContorller.h"
 #include "ui_RegistrationAdminKeyView.h"
 
 namespace vantro {
@@ -20,9 +19,9 @@ std::vector<YubiKey>& adminKeys()
 } // namespace
 
 RegistrationAdminKeyViewController::RegistrationAdminKeyViewController()
-    : RegistrationKeyViewController("ViewController/Main/Admin/RegistrationAdminKeyViewController",
-                                    {AdminViewMessage::yubiKeyIsNotConnected, AdminViewMessage::alreadyAllocatedKey},
-                                    AfterRefusal::Close)
+    : RegistrationToListViewController("ViewController/Main/Admin/RegistrationAdminKeyViewController",
+                                       {AdminViewMessage::yubiKeyIsNotConnected, AdminViewMessage::alreadyAllocatedKey},
+                                       AfterRefusal::Close)
 {
 }
 
@@ -32,11 +31,6 @@ std::unique_ptr<QWidget> RegistrationAdminKeyViewController::loadView()
     return loadForm(outlets, "RegistrationAdminKeyView");
 }
 
-bool RegistrationAdminKeyViewController::isPresentedByList() const
-{
-    return qobject_cast<AdminViewContorller*>(presentingViewController()) != nullptr;
-}
-
 bool RegistrationAdminKeyViewController::isAllocated(std::uint64_t serial) const
 {
     return containsSerial(adminKeys(), serial);
@@ -44,17 +38,15 @@ bool RegistrationAdminKeyViewController::isAllocated(std::uint64_t serial) const
 
 void RegistrationAdminKeyViewController::addToSetting(std::uint64_t serial)
 {
-    adminKeys().emplace_back(serial);
-    sortBySerial(adminKeys());
+    addSorted(adminKeys(), serial);
     AppDataSet::shared().vantroStandaloneSetting.write();
 }
 
 void RegistrationAdminKeyViewController::addToList(std::uint64_t serial)
 {
-    auto* const list = qobject_cast<AdminViewContorller*>(presentingViewController());
-    appendSorted(list->adminModel.adminKeyModels, AdminKeyModel(serial));
-    list->clearTableSelection();
-    list->adminModel.authCheckButtonModel.setIsEnabled(true);
+    appendSorted(list()->adminModel.adminKeyModels, AdminKeyModel(serial));
+    list()->clearTableSelection();
+    list()->adminModel.authCheckButtonModel.setIsEnabled(true);
 }
 
 } // namespace vantro

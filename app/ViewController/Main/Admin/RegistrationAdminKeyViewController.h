@@ -1,12 +1,13 @@
 #pragma once
 
+#include "ViewController/Main/Admin/AdminViewContorller.h"
 #include "ViewController/Main/RegistrationKeyViewController.h"
 
 namespace vantro {
 
 /// Makes the plugged-in token an administrator key, which opens the tool. Closes with every OK, and lets the sign-in
 /// switch be used. Main thread.
-class RegistrationAdminKeyViewController : public RegistrationKeyViewController
+class RegistrationAdminKeyViewController : public RegistrationToListViewController<AdminViewContorller>
 {
     Q_OBJECT
 
@@ -15,7 +16,6 @@ class RegistrationAdminKeyViewController : public RegistrationKeyViewController
 
   protected:
     std::unique_ptr<QWidget> loadView() override;
-    [[nodiscard]] bool isPresentedByList() const override;
     [[nodiscard]] bool isAllocated(std::uint64_t serial) const override;
     void addToSetting(std::uint64_t serial) override;
     void addToList(std::uint64_t serial) override;

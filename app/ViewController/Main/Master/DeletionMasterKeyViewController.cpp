@@ -4,14 +4,14 @@
 #include "CommonMessage.h"
 #include "MasterKeyViewMessage.h"
 #include "Model/KeySorting.h"
-#include "ViewController/Main/Master/MasterKeyViewController.h"
 #include "ui_DeletionMasterKeyView.h"
 
 namespace vantro {
 
 DeletionMasterKeyViewController::DeletionMasterKeyViewController()
-    : DeletionKeyViewController("ViewController/Main/Master/DeletionMasterKeyViewController",
-                                {MasterKeyViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
+    : DeletionFromListViewController(
+          "ViewController/Main/Master/DeletionMasterKeyViewController",
+          {MasterKeyViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
 {
 }
 
@@ -21,30 +21,11 @@ std::unique_ptr<QWidget> DeletionMasterKeyViewController::loadView()
     return loadForm(outlets, "DeletionMasterKeyView");
 }
 
-bool DeletionMasterKeyViewController::takeController()
-{
-    controller = qobject_cast<MasterKeyViewController*>(presentingViewController());
-    return controller != nullptr;
-}
-
-QStringList DeletionMasterKeyViewController::selectedLines()
-{
-    QStringList lines;
-    for (const MasterKeyModel& row : controller->masterKeyArrayController->selectedObjects())
-        lines += QString::fromStdString(row.serial());
-    return lines;
-}
-
-bool DeletionMasterKeyViewController::hasSelectedRows()
-{
-    return !controller->masterKeyArrayController->selectionIndexes().empty();
-}
-
 bool DeletionMasterKeyViewController::isLastKeyDeletion()
 {
     const auto& setting = AppDataSet::shared().vantroStandaloneSetting;
     return setting.switchSetting.secureMode && setting.users.empty() &&
-           controller->masterKeyArrayController->selectedObjects().size() == setting.masterKeySetting.masterKeys.size();
+           selectedRows().size() == setting.masterKeySetting.masterKeys.size();
 }
 
 void DeletionMasterKeyViewController::removeFromSetting()
@@ -52,18 +33,11 @@ void DeletionMasterKeyViewController::removeFromSetting()
     constexpr auto function = "onClickOK(_:)";
     auto& setting = AppDataSet::shared().vantroStandaloneSetting;
     logger.info("Update setting.", function);
-    for (const MasterKeyModel& row : controller->masterKeyArrayController->selectedObjects()) {
+    for (const MasterKeyModel& row : selectedRows()) {
         logger.info("Remove master key. [Serial: " + row.serial() + "]", function);
         removeSerial(setting.masterKeySetting.masterKeys, row.serialUInt());
     }
     setting.write();
-}
-
-void DeletionMasterKeyViewController::removeFromList()
-{
-    auto& rows = *controller->masterKeyArrayController;
-    rows.removeAtArrangedObjectIndexes(rows.selectionIndexes());
-    controller->clearTableSelection();
 }
 
 } // namespace vantro

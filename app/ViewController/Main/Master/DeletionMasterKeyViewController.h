@@ -1,15 +1,12 @@
 #pragma once
 
-#include <QPointer>
-
 #include "ViewController/Main/DeletionKeyViewController.h"
+#include "ViewController/Main/Master/MasterKeyViewController.h"
 
 namespace vantro {
 
-class MasterKeyViewController;
-
 /// Deletes master keys. Beyond its base: forced token logon is switched off with the last token. Main thread.
-class DeletionMasterKeyViewController : public DeletionKeyViewController
+class DeletionMasterKeyViewController : public DeletionFromListViewController<MasterKeyViewController>
 {
     Q_OBJECT
 
@@ -18,16 +15,9 @@ class DeletionMasterKeyViewController : public DeletionKeyViewController
 
   protected:
     std::unique_ptr<QWidget> loadView() override;
-    bool takeController() override;
-    QStringList selectedLines() override;
-    bool hasSelectedRows() override;
     bool isLastKeyDeletion() override;
     void removeFromSetting() override;
-    void removeFromList() override;
     void finishRemoval() override { releaseForcedLogonWithoutKeys(logger); }
-
-  private:
-    QPointer<MasterKeyViewController> controller;
 };
 
 } // namespace vantro

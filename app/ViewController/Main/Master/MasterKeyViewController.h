@@ -13,7 +13,12 @@ class MasterKeyViewController : public KeyListViewController
     Q_OBJECT
 
   public:
+    using Row = MasterKeyModel;
+
     MasterKeyViewController();
+
+    /// The controller of the table's rows; once the view is loaded.
+    NSArrayController<Row>& arrayController() { return *masterKeyArrayController; }
 
     QPointer<QTableView> masterKeyTable;
     KeyValueArray<MasterKeyModel> masterKeyModels;

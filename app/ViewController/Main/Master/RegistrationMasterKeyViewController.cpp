@@ -6,7 +6,6 @@
 #include "AppDataSet.h"
 #include "MasterKeyViewMessage.h"
 #include "Model/KeySorting.h"
-#include "ViewController/Main/Master/MasterKeyViewController.h"
 #include "ui_RegistrationMasterKeyView.h"
 
 namespace vantro {
@@ -20,7 +19,7 @@ std::vector<YubiKey>& masterKeys()
 } // namespace
 
 RegistrationMasterKeyViewController::RegistrationMasterKeyViewController()
-    : RegistrationKeyViewController(
+    : RegistrationToListViewController(
           "ViewController/Main/Master/RegistrationMasterKeyViewController",
           {MasterKeyViewMessage::yubiKeyIsNotConnected, MasterKeyViewMessage::alreadyAllocatedKey},
           AfterRefusal::StayOpen)
@@ -31,11 +30,6 @@ std::unique_ptr<QWidget> RegistrationMasterKeyViewController::loadView()
 {
     Ui::RegistrationMasterKeyView outlets;
     return loadForm(outlets, "RegistrationMasterKeyView");
-}
-
-bool RegistrationMasterKeyViewController::isPresentedByList() const
-{
-    return qobject_cast<MasterKeyViewController*>(presentingViewController()) != nullptr;
 }
 
 bool RegistrationMasterKeyViewController::isAllocated(std::uint64_t serial) const
@@ -50,17 +44,15 @@ void RegistrationMasterKeyViewController::logRequest(std::uint64_t serial) const
 
 void RegistrationMasterKeyViewController::addToSetting(std::uint64_t serial)
 {
-    masterKeys().emplace_back(serial);
-    sortBySerial(masterKeys());
+    addSorted(masterKeys(), serial);
     AppDataSet::shared().vantroStandaloneSetting.write();
     logger.info("Update setting.", "onClickOK(_:)");
 }
 
 void RegistrationMasterKeyViewController::addToList(std::uint64_t serial)
 {
-    auto* const list = qobject_cast<MasterKeyViewController*>(presentingViewController());
-    appendSorted(list->masterKeyModels, MasterKeyModel(serial));
-    list->clearTableSelection();
+    appendSorted(list()->masterKeyModels, MasterKeyModel(serial));
+    list()->clearTableSelection();
 }
 
 } // namespace vantro

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "ViewController/Main/Master/MasterKeyViewController.h"
 #include "ViewController/Main/RegistrationKeyViewController.h"
 
 namespace vantro {
 
 /// Makes the plugged-in token a master key, which opens every account. Stays open after a refusal. Main thread.
-class RegistrationMasterKeyViewController : public RegistrationKeyViewController
+class RegistrationMasterKeyViewController : public RegistrationToListViewController<MasterKeyViewController>
 {
     Q_OBJECT
 
@@ -14,7 +15,6 @@ class RegistrationMasterKeyViewController : public RegistrationKeyViewController
 
   protected:
     std::unique_ptr<QWidget> loadView() override;
-    [[nodiscard]] bool isPresentedByList() const override;
     [[nodiscard]] bool isAllocated(std::uint64_t serial) const override;
     void logRequest(std::uint64_t serial) const override;
     void addToSetting(std::uint64_t serial) override;

@@ -8,14 +8,13 @@
 #include "CommonMessage.h"
 #include "Model/KeySorting.h"
 #include "UserViewMessage.h"
-#include "ViewController/Main/User/UserViewController.h"
 #include "ui_DeletionUserKeyView.h"
 
 namespace vantro {
 
 DeletionUserKeyViewController::DeletionUserKeyViewController()
-    : DeletionKeyViewController("ViewController/Main/User/DeletionUserKeyViewController",
-                                {UserViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
+    : DeletionFromListViewController("ViewController/Main/User/DeletionUserKeyViewController",
+                                     {UserViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
 {
 }
 
@@ -25,23 +24,9 @@ std::unique_ptr<QWidget> DeletionUserKeyViewController::loadView()
     return loadForm(outlets, "DeletionUserKeyView");
 }
 
-bool DeletionUserKeyViewController::takeController()
+QString DeletionUserKeyViewController::lineOf(const UserKeyModel& row) const
 {
-    controller = qobject_cast<UserViewController*>(presentingViewController());
-    return controller != nullptr;
-}
-
-QStringList DeletionUserKeyViewController::selectedLines()
-{
-    QStringList lines;
-    for (const UserKeyModel& row : controller->allocatedKeysArrayController->selectedObjects())
-        lines += QString::fromStdString(row.account() + " : " + row.serial());
-    return lines;
-}
-
-bool DeletionUserKeyViewController::hasSelectedRows()
-{
-    return !controller->allocatedKeysArrayController->selectionIndexes().empty();
+    return QString::fromStdString(row.account() + " : " + row.serial());
 }
 
 bool DeletionUserKeyViewController::isLastKeyDeletion()
@@ -51,7 +36,7 @@ bool DeletionUserKeyViewController::isLastKeyDeletion()
         std::accumulate(setting.users.begin(), setting.users.end(), std::size_t{0},
                         [](std::size_t count, const UserSetting& user) { return count + user.keys.size(); });
     return setting.switchSetting.secureMode && setting.masterKeySetting.masterKeys.empty() &&
-           controller->allocatedKeysArrayController->selectedObjects().size() == keyCount;
+           selectedRows().size() == keyCount;
 }
 
 void DeletionUserKeyViewController::removeFromSetting()
@@ -59,7 +44,7 @@ void DeletionUserKeyViewController::removeFromSetting()
     constexpr auto function = "onClickOK(_:)";
     auto& setting = AppDataSet::shared().vantroStandaloneSetting;
     logger.info("Update setting.", function);
-    for (const UserKeyModel& row : controller->allocatedKeysArrayController->selectedObjects()) {
+    for (const UserKeyModel& row : selectedRows()) {
         logger.info("Remove allocated key. [Account: " + row.account() + ", Serial: " + row.serial() + "]", function);
         UserSetting* const user = firstUser(setting.users, row.account());
         // A row whose account has no entry any more has nothing to remove.
@@ -68,13 +53,6 @@ void DeletionUserKeyViewController::removeFromSetting()
     }
     std::erase_if(setting.users, [](const UserSetting& user) { return user.keys.empty(); });
     setting.write();
-}
-
-void DeletionUserKeyViewController::removeFromList()
-{
-    auto& rows = *controller->allocatedKeysArrayController;
-    rows.removeAtArrangedObjectIndexes(rows.selectionIndexes());
-    controller->clearTableSelection();
 }
 
 } // namespace vantro

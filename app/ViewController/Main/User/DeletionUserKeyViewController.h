@@ -1,16 +1,13 @@
 #pragma once
 
-#include <QPointer>
-
 #include "ViewController/Main/DeletionKeyViewController.h"
+#include "ViewController/Main/User/UserViewController.h"
 
 namespace vantro {
 
-class UserViewController;
-
 /// Takes the selected tokens away from their accounts. Beyond its base: accounts left without a token go as well, and
 /// forced token logon is switched off with the last token. Main thread.
-class DeletionUserKeyViewController : public DeletionKeyViewController
+class DeletionUserKeyViewController : public DeletionFromListViewController<UserViewController>
 {
     Q_OBJECT
 
@@ -19,16 +16,10 @@ class DeletionUserKeyViewController : public DeletionKeyViewController
 
   protected:
     std::unique_ptr<QWidget> loadView() override;
-    bool takeController() override;
-    QStringList selectedLines() override;
-    bool hasSelectedRows() override;
+    [[nodiscard]] QString lineOf(const UserKeyModel& row) const override;
     bool isLastKeyDeletion() override;
     void removeFromSetting() override;
-    void removeFromList() override;
     void finishRemoval() override { releaseForcedLogonWithoutKeys(logger); }
-
-  private:
-    QPointer<UserViewController> controller;
 };
 
 } // namespace vantro

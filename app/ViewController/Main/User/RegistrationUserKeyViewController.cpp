@@ -6,7 +6,6 @@
 #include "Model/KeySorting.h"
 #include "SystemUsers.h"
 #include "UserViewMessage.h"
-#include "ViewController/Main/User/UserViewController.h"
 #include "foundation/Identity.h"
 #include "ui_RegistrationUserKeyView.h"
 
@@ -23,9 +22,9 @@ bool isAllcatedUserKey(const VantroStandaloneSetting& setting, const std::string
 } // namespace
 
 RegistrationUserKeyViewController::RegistrationUserKeyViewController()
-    : RegistrationKeyViewController("ViewController/Main/User/RegistrationUserKeyViewController",
-                                    {UserViewMessage::yubiKeyIsNotConnected, UserViewMessage::alreadyAllocatedKey},
-                                    AfterRefusal::StayOpen)
+    : RegistrationToListViewController("ViewController/Main/User/RegistrationUserKeyViewController",
+                                       {UserViewMessage::yubiKeyIsNotConnected, UserViewMessage::alreadyAllocatedKey},
+                                       AfterRefusal::StayOpen)
 {
 }
 
@@ -93,11 +92,6 @@ void RegistrationUserKeyViewController::onChangeAccount(QObject* /*sender*/)
     updateDisplay();
 }
 
-bool RegistrationUserKeyViewController::isPresentedByList() const
-{
-    return qobject_cast<UserViewController*>(presentingViewController()) != nullptr;
-}
-
 bool RegistrationUserKeyViewController::isAllocated(std::uint64_t serial) const
 {
     return isAllcatedUserKey(AppDataSet::shared().vantroStandaloneSetting, selectedAccount(), serial);
@@ -134,9 +128,8 @@ void RegistrationUserKeyViewController::addToSetting(std::uint64_t serial)
 
 void RegistrationUserKeyViewController::addToList(std::uint64_t serial)
 {
-    auto* const list = qobject_cast<UserViewController*>(presentingViewController());
-    appendSorted(list->userKeyModels, UserKeyModel(selectedAccount(), serial));
-    list->clearTableSelection();
+    appendSorted(list()->userKeyModels, UserKeyModel(selectedAccount(), serial));
+    list()->clearTableSelection();
 }
 
 } // namespace vantro

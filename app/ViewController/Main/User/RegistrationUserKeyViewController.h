@@ -9,12 +9,13 @@
 
 #include "Model/AccountModel.h"
 #include "ViewController/Main/RegistrationKeyViewController.h"
+#include "ViewController/Main/User/UserViewController.h"
 
 namespace vantro {
 
 /// Assigns the plugged-in token to one local account. A token may belong to several accounts; it is refused only for an
 /// account that has it. Beyond its base: the account pop-up. Main thread.
-class RegistrationUserKeyViewController : public RegistrationKeyViewController
+class RegistrationUserKeyViewController : public RegistrationToListViewController<UserViewController>
 {
     Q_OBJECT
 
@@ -30,7 +31,6 @@ class RegistrationUserKeyViewController : public RegistrationKeyViewController
   protected:
     std::unique_ptr<QWidget> loadView() override;
     void prepareDisplay() override;
-    [[nodiscard]] bool isPresentedByList() const override;
     [[nodiscard]] bool isAllocated(std::uint64_t serial) const override;
     [[nodiscard]] bool isAllocatedMeanwhile(std::uint64_t serial) const override;
     void logRequest(std::uint64_t serial) const override;

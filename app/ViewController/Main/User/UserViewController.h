@@ -13,7 +13,12 @@ class UserViewController : public KeyListViewController
     Q_OBJECT
 
   public:
+    using Row = UserKeyModel;
+
     UserViewController();
+
+    /// The controller of the table's rows; once the view is loaded.
+    NSArrayController<Row>& arrayController() { return *allocatedKeysArrayController; }
 
     QPointer<QTableView> allocatedKeyTable;
     KeyValueArray<UserKeyModel> userKeyModels;
