@@ -8,3 +8,7 @@ if(VANTRO_SANITIZE)
         -fsanitize=${VANTRO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(vantro_build_options INTERFACE -fsanitize=${VANTRO_SANITIZE})
 endif()
+
+if(VANTRO_FUZZ)
+    target_compile_options(vantro_build_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

@@ -25,9 +25,13 @@ std::optional<Fields> decode(const ArchiveData& data, std::string_view className
 {
     if (data.size() > sizeLimit)
         return std::nullopt;
-    constexpr bool isStrict = true;
-    constexpr bool mayThrow = false;
-    Fields archive = Fields::from_cbor(data, isStrict, mayThrow);
+    Fields archive;
+    try {
+        archive = Fields::from_cbor(data);
+    } catch (const Fields::exception&) {
+        // Asked not to throw, the library still does for some counts, so it is let throw for everything.
+        return std::nullopt;
+    }
     if (!archive.is_object() || archive.empty() || archive.begin().key() != classKey)
         return std::nullopt;
     if (!archive.begin()->is_string() || archive.begin()->get_ref<const std::string&>() != className)
