@@ -12,3 +12,8 @@ endif()
 if(VANTRO_FUZZ)
     target_compile_options(vantro_build_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+
+# g++ 12 sees overlapping copies in plain additions of strings once it optimises (its bug 105651).
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(vantro_build_options INTERFACE -Wno-restrict)
+endif()

@@ -1,5 +1,6 @@
-#include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "VantroStandaloneSetting/SettingFormat.h"
@@ -10,73 +11,137 @@ namespace {
 
 namespace format = setting_format;
 
-void appendForeign(pugi::xml_node element, const ForeignNodes& foreign)
-{
-    for (const auto& node : foreign.parent.children())
-        element.append_copy(node);
-}
+constexpr std::string_view indent = "  ";
 
-void appendText(pugi::xml_node parent, const char* name, const std::string& text)
+/// Writes the file as text, element by element: a document tree of a hundred thousand keys would cost several times as
+/// much as reading one.
+class Writer : public pugi::xml_writer
 {
-    parent.append_child(name).text().set(text.c_str());
-}
+  public:
+    [[nodiscard]] std::string take() { return std::move(text_); }
 
-void appendSwitch(pugi::xml_node parent, const char* name, bool isOn)
-{
-    appendText(parent, name, isOn ? "true" : "false");
-}
+    void declaration() { text_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"; }
 
-void appendKeys(pugi::xml_node parent, const char* name, const std::vector<YubiKey>& keys, const ForeignNodes& foreign)
-{
-    pugi::xml_node list = parent.append_child(name);
-    for (const YubiKey& key : keys) {
-        const pugi::xml_node element = list.append_child(format::yubiKey);
-        appendText(element, format::serial, std::to_string(key.serial));
-        appendForeign(element, key.foreign);
+    void open(std::string_view name, std::string_view attributes = {})
+    {
+        startLine();
+        tag("<", name, attributes);
+        text_ += '\n';
+        ++depth_;
     }
-    appendForeign(list, foreign);
+
+    void close(std::string_view name)
+    {
+        --depth_;
+        startLine();
+        tag("</", name);
+        text_ += '\n';
+    }
+
+    void element(std::string_view name, std::string_view content)
+    {
+        startLine();
+        tag("<", name);
+        appendEscaped(content);
+        tag("</", name);
+        text_ += '\n';
+    }
+
+    void element(std::string_view name, bool isOn) { element(name, std::string_view(isOn ? "true" : "false")); }
+
+    void foreign(const ForeignNodes& nodes)
+    {
+        for (const auto& node : nodes.parent.children())
+            node.print(*this, indent.data(), pugi::format_indent, pugi::encoding_utf8, depth_);
+    }
+
+    void write(const void* data, std::size_t size) override { text_.append(static_cast<const char*>(data), size); }
+
+  private:
+    void startLine()
+    {
+        for (unsigned int level = 0; level < depth_; ++level)
+            text_ += indent;
+    }
+
+    void tag(std::string_view bracket, std::string_view name, std::string_view attributes = {})
+    {
+        text_ += bracket;
+        text_ += name;
+        text_ += attributes;
+        text_ += '>';
+    }
+
+    void appendEscaped(std::string_view content)
+    {
+        for (const char character : content) {
+            if (character == '&')
+                text_ += "&amp;";
+            else if (character == '<')
+                text_ += "&lt;";
+            else if (character == '>')
+                text_ += "&gt;";
+            else
+                text_ += character;
+        }
+    }
+
+    std::string text_;
+    unsigned int depth_ = 0;
+};
+
+void writeKeys(Writer& writer, const char* name, const std::vector<YubiKey>& keys, const ForeignNodes& foreign)
+{
+    writer.open(name);
+    for (const YubiKey& key : keys) {
+        writer.open(format::yubiKey);
+        writer.element(format::serial, std::to_string(key.serial));
+        writer.foreign(key.foreign);
+        writer.close(format::yubiKey);
+    }
+    writer.foreign(foreign);
+    writer.close(name);
 }
 
 } // namespace
 
 std::string serialised(const VantroStandaloneSetting& setting)
 {
-    pugi::xml_document document;
-    auto declaration = document.append_child(pugi::node_declaration);
-    declaration.append_attribute("version") = "1.0";
-    declaration.append_attribute("encoding") = "UTF-8";
-    auto root = document.append_child(format::root);
-    root.append_attribute(format::version) = settingFormatVersion;
+    Writer writer;
+    writer.declaration();
+    writer.open(format::root, " " + std::string(format::version) + "=\"" + std::to_string(settingFormatVersion) + "\"");
 
-    const auto switches = root.append_child(format::switchSetting);
-    appendSwitch(switches, format::secureMode, setting.switchSetting.secureMode);
-    appendSwitch(switches, format::screenLock, setting.switchSetting.screenLock);
-    appendForeign(switches, setting.switchSetting.foreign);
+    writer.open(format::switchSetting);
+    writer.element(format::secureMode, setting.switchSetting.secureMode);
+    writer.element(format::screenLock, setting.switchSetting.screenLock);
+    writer.foreign(setting.switchSetting.foreign);
+    writer.close(format::switchSetting);
 
-    auto users = root.append_child(format::users);
+    writer.open(format::users);
     for (const UserSetting& user : setting.users) {
-        const auto element = users.append_child(format::userSetting);
-        appendText(element, format::account, user.account);
-        appendKeys(element, format::keys, user.keys, user.foreignKeys);
-        appendForeign(element, user.foreign);
+        writer.open(format::userSetting);
+        writer.element(format::account, std::string_view(user.account));
+        writeKeys(writer, format::keys, user.keys, user.foreignKeys);
+        writer.foreign(user.foreign);
+        writer.close(format::userSetting);
     }
-    appendForeign(users, setting.foreignUsers_);
+    writer.foreign(setting.foreignUsers_);
+    writer.close(format::users);
 
-    const auto masters = root.append_child(format::masterKeySetting);
-    appendKeys(masters, format::masterKeys, setting.masterKeySetting.masterKeys, setting.masterKeySetting.foreignKeys);
-    appendForeign(masters, setting.masterKeySetting.foreign);
+    writer.open(format::masterKeySetting);
+    writeKeys(writer, format::masterKeys, setting.masterKeySetting.masterKeys, setting.masterKeySetting.foreignKeys);
+    writer.foreign(setting.masterKeySetting.foreign);
+    writer.close(format::masterKeySetting);
 
-    const auto admin = root.append_child(format::adminSetting);
-    appendSwitch(admin, format::toolLoginAuth, setting.adminSetting.toolLoginAuth);
-    appendKeys(admin, format::adminKeys, setting.adminSetting.adminKeys, setting.adminSetting.foreignKeys);
-    appendForeign(admin, setting.adminSetting.foreign);
+    writer.open(format::adminSetting);
+    writer.element(format::toolLoginAuth, setting.adminSetting.toolLoginAuth);
+    writeKeys(writer, format::adminKeys, setting.adminSetting.adminKeys, setting.adminSetting.foreignKeys);
+    writer.foreign(setting.adminSetting.foreign);
+    writer.close(format::adminSetting);
 
-    appendForeign(root, setting.foreign_);
-    appendForeign(document, setting.foreignBeside_);
-
-    std::ostringstream text;
-    document.save(text, "  ", pugi::format_indent, pugi::encoding_utf8);
-    return text.str();
+    writer.foreign(setting.foreign_);
+    writer.close(format::root);
+    return writer.take();
 }
 
 } // namespace vantro

@@ -26,6 +26,9 @@ std::optional<bool> UserDefaults::object(const QString& key) const
 
 void UserDefaults::set(const QString& key, bool value)
 {
+    // Storing what is there already would only cost the start of the tool a write to the disk.
+    if (object(key) == value)
+        return;
     settings_.setValue(key, value);
     settings_.sync();
 }

@@ -23,7 +23,12 @@ std::error_code lastError()
 std::string temporaryName(const std::filesystem::path& path)
 {
     std::random_device random;
-    return "." + path.filename().string() + "." + std::to_string(random()) + ".new";
+    std::string name(1, '.');
+    name += path.filename().string();
+    name += '.';
+    name += std::to_string(random());
+    name += ".new";
+    return name;
 }
 
 std::error_code fill(int file, std::string_view content, const ReplacementOptions& options)

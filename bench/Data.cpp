@@ -1,0 +1,111 @@
+// The settings document and the lists against what the libraries below them need for the same data.
+
+#include <cstdint>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+
+#include <QApplication>
+#include <benchmark/benchmark.h>
+
+#include "Model/KeyModels.h"
+#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "appkit/NSArrayController.h"
+#include "foundation/FileDescriptor.h"
+#include "support/TemporaryPrefix.h"
+
+namespace {
+
+using namespace vantro;
+
+constexpr std::uint64_t keyCount = 100'000;
+
+VantroStandaloneSetting largeSetting()
+{
+    VantroStandaloneSetting setting;
+    for (std::uint64_t key = 1; key <= keyCount; ++key) {
+        if (key % 10 == 1)
+            setting.users.emplace_back("account" + std::to_string(key));
+        setting.users.back().keys.emplace_back(key);
+    }
+    return setting;
+}
+
+void documentLoadAndSave(benchmark::State& state)
+{
+    largeSetting().write();
+    for (auto _ : state) {
+        const VantroStandaloneSetting setting(XML::parse(*readXML(VantroStandaloneSetting::url())));
+        setting.write();
+    }
+}
+
+void documentLoadAndSaveFloor(benchmark::State& state)
+{
+    largeSetting().write();
+    const std::string path = VantroStandaloneSetting::url().string();
+    for (auto _ : state) {
+        pugi::xml_document document;
+        document.load_file(path.c_str());
+        document.save_file(path.c_str(), "  ");
+        const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        ::fsync(file.get());
+    }
+}
+
+std::vector<NSArrayController<MasterKeyModel>::Column> serialColumn()
+{
+    return {{QStringLiteral("Serial"), [](const MasterKeyModel& row) { return QString::fromStdString(row.serial()); }}};
+}
+
+/// Every row through the setter, and what the table then reads for its first screen.
+void listRows(benchmark::State& state)
+{
+    KeyValueArray<MasterKeyModel> rows;
+    NSArrayController<MasterKeyModel> controller(rows, serialColumn());
+    QTableView table;
+    controller.setTableView(&table);
+    table.show();
+    for (auto _ : state) {
+        rows.set({});
+        for (std::uint64_t key = 1; key <= keyCount; ++key)
+            rows.append(MasterKeyModel(key));
+        controller.setSelectionIndexes({});
+        QApplication::processEvents();
+    }
+}
+
+void listRowsFloor(benchmark::State& state)
+{
+    KeyValueArray<MasterKeyModel> rows;
+    NSArrayController<MasterKeyModel> controller(rows, serialColumn());
+    QTableView table;
+    controller.setTableView(&table);
+    table.show();
+    for (auto _ : state) {
+        std::vector<MasterKeyModel> all;
+        for (std::uint64_t key = 1; key <= keyCount; ++key)
+            all.emplace_back(key);
+        rows.set(std::move(all));
+        controller.setSelectionIndexes({});
+        QApplication::processEvents();
+    }
+}
+
+BENCHMARK(documentLoadAndSaveFloor)->Unit(benchmark::kMillisecond);
+BENCHMARK(documentLoadAndSave)->Unit(benchmark::kMillisecond);
+BENCHMARK(listRowsFloor)->Unit(benchmark::kMillisecond);
+BENCHMARK(listRows)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const vantro::tests::TemporaryPrefix prefix;
+    const QApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
