@@ -1,0 +1,36 @@
+#pragma once
+
+#include <vector>
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QTimer>
+
+#include "LabPrograms.h"
+#include "LabState.h"
+#include "LabTokens.h"
+#include "TokenRow.h"
+
+namespace vantro::lab {
+
+/// The lab's window: the tokens on the table, and what the programs are doing. Closing it ends the lab.
+class LabWindow : public QMainWindow
+{
+    Q_OBJECT
+
+  public:
+    /// All three must outlive the window.
+    LabWindow(const LabState& state, LabPrograms& programs, std::vector<LabToken>& tokens);
+
+  private:
+    void showPrograms();
+
+    LabPrograms& programs_;
+    std::vector<TokenRow*> rows_;
+    QLabel* status_;
+    QPushButton* startAgain_;
+    QTimer blinking_;
+};
+
+} // namespace vantro::lab

@@ -1,0 +1,123 @@
+"""A desktop of its own for the tour: display, window manager, session bus and accessibility bus."""
+
+import ctypes
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+PR_SET_PDEATHSIG = 1
+PR_SET_CHILD_SUBREAPER = 36
+
+_libc = ctypes.CDLL(None, use_errno=True)
+
+
+def _end_with_parent():
+    _libc.prctl(PR_SET_PDEATHSIG, signal.SIGTERM)
+
+
+class Desktop:
+    """Starts everything on entry and ends it, with everything that was started from it, on exit."""
+
+    def __init__(self, scale=1, dark=False, log=None):
+        self._scale = scale
+        self._dark = dark
+        self._log = log or subprocess.DEVNULL
+        self._processes = []
+        self._runtime_folder = None
+        self.environment = dict(os.environ)
+
+    def __enter__(self):
+        # Whatever loses its parent becomes a child of the tour, so that nothing is left at the end.
+        _libc.prctl(PR_SET_CHILD_SUBREAPER, 1)
+        self._runtime_folder = tempfile.mkdtemp(prefix="vantro-tour.")
+        self._prepare_environment()
+        try:
+            self._start_display()
+            self._start_session_bus()
+            self.start(["openbox", "--sm-disable"])
+            self.start(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately", "--a11y=1"])
+        except BaseException:
+            self.__exit__(None, None, None)
+            raise
+        return self
+
+    def __exit__(self, kind, value, trace):
+        for process in reversed(self._processes):
+            if process.poll() is None:
+                process.terminate()
+                try:
+                    process.wait(10)
+                except subprocess.TimeoutExpired:
+                    process.kill()
+                    process.wait()
+        self._end_descendants()
+        shutil.rmtree(self._runtime_folder, ignore_errors=True)
+
+    def start(self, command, **options):
+        options.setdefault("stdout", self._log)
+        options.setdefault("stderr", self._log)
+        process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
+                                   preexec_fn=_end_with_parent, **options)
+        self._processes.append(process)
+        return process
+
+    def screenshot(self, path):
+        subprocess.run(["import", "-window", "root", path], env=self.environment, check=True)
+
+    def _prepare_environment(self):
+        environment = self.environment
+        for name in ("WAYLAND_DISPLAY", "AT_SPI_BUS_ADDRESS", "DESKTOP_STARTUP_ID", "QT_STYLE_OVERRIDE",
+                     "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM"):
+            environment.pop(name, None)
+        # The language decides what the tour reads on the buttons.
+        environment.update({
+            "LC_ALL": "C.UTF-8",
+            "LANGUAGE": "en",
+            "XDG_RUNTIME_DIR": self._runtime_folder,
+            "GSETTINGS_BACKEND": "memory",
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+            "QT_QPA_PLATFORM": "xcb",
+        })
+        if self._scale != 1:
+            environment["QT_SCALE_FACTOR"] = str(self._scale)
+
+    def _start_display(self):
+        size = f"{1280 * self._scale}x{1000 * self._scale}x24"
+        reading, writing = os.pipe()
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", size, "-nolisten", "tcp", "-noreset"],
+                   pass_fds=[writing])
+        os.close(writing)
+        with os.fdopen(reading) as pipe:
+            number = pipe.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        self.environment["DISPLAY"] = ":" + number
+
+    def _start_session_bus(self):
+        bus = self.start(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog", "--print-address=1"],
+                         stdout=subprocess.PIPE, text=True)
+        address = bus.stdout.readline().strip()
+        if not address:
+            raise RuntimeError("the session bus did not start")
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+
+    @staticmethod
+    def _children():
+        with open(f"/proc/self/task/{os.getpid()}/children", encoding="ascii") as children:
+            return [int(child) for child in children.read().split()]
+
+    def _end_descendants(self):
+        patience = time.monotonic() + 5
+        while children := self._children():
+            for child in children:
+                os.kill(child, signal.SIGTERM if time.monotonic() < patience else signal.SIGKILL)
+            while True:
+                try:
+                    if os.waitpid(-1, os.WNOHANG)[0] == 0:
+                        break
+                except ChildProcessError:
+                    break
+            time.sleep(0.02)
