@@ -93,10 +93,10 @@ class Connection
             const auto status = read();
             if (!status)
                 return status.failure();
-            if ((status->back() & otp::flag::write) == 0)
-                return write(report);
             if (limit.isOver())
                 return TokenFailure::TransferFailed;
+            if ((status->back() & otp::flag::write) == 0)
+                return write(report);
             pauses.take();
         }
     }
@@ -187,6 +187,8 @@ Outcome<Answer, TokenFailure> exchange(const std::string& deviceNode, std::uint8
         return failureOf(errno);
     // A service that was killed in the middle of an exchange leaves its answer, or a wait for a touch, behind.
     const auto status = token.read();
+    if (limit.isOver())
+        return TokenFailure::TransferFailed;
     if (status && (status->back() & (otp::flag::answer | otp::flag::touch)) != 0)
         token.reset();
     for (const auto& report : otp::reportsOf(command, payload)) {

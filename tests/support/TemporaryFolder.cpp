@@ -31,6 +31,17 @@ void writeFile(const std::filesystem::path& path, std::string_view content)
         throw std::runtime_error("can't write " + path.string());
 }
 
+void writeFile(const std::filesystem::path& path, std::string_view content, unsigned int mode)
+{
+    writeFile(path, content);
+    std::filesystem::permissions(path, static_cast<std::filesystem::perms>(mode));
+}
+
+unsigned int modeOf(const std::filesystem::path& path)
+{
+    return static_cast<unsigned int>(std::filesystem::status(path).permissions());
+}
+
 std::string contentOf(const std::filesystem::path& path)
 {
     std::ifstream file(path, std::ios::binary);

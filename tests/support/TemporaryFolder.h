@@ -26,6 +26,12 @@ class TemporaryFolder
 /// Writes a file in place, in the plainest way; throws std::runtime_error on failure.
 void writeFile(const std::filesystem::path& path, std::string_view content);
 
+/// The same, with these permission bits.
+void writeFile(const std::filesystem::path& path, std::string_view content, unsigned int mode);
+
+/// The permission bits of a file.
+[[nodiscard]] unsigned int modeOf(const std::filesystem::path& path);
+
 /// The whole content of a file; empty when it can't be read.
 [[nodiscard]] std::string contentOf(const std::filesystem::path& path);
 

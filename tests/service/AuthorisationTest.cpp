@@ -1,0 +1,38 @@
+#include "service/Authorisation.h"
+
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+
+namespace vantro::service {
+namespace {
+
+constexpr const char* methods[] = {service_method::getSerial,           service_method::createCRSettingFile,
+                                   service_method::removeCRSettingFile, service_method::validate,
+                                   service_method::savePamSetting,      service_method::removePamSetting};
+
+TEST(AuthorisationTest, EveryMethodIsForAdministratorsAlone)
+{
+    const struct group* const administrators = ::getgrnam("sudo");
+    if (administrators == nullptr)
+        GTEST_SKIP() << "needs a group sudo";
+    constexpr uid_t somebody = 65533;
+    for (const char* const method : methods) {
+        EXPECT_TRUE(mayCall(method, {0, {}})) << method;
+        EXPECT_TRUE(mayCall(method, {::geteuid(), {}})) << method;
+        EXPECT_TRUE(mayCall(method, {somebody, {65533, administrators->gr_gid}})) << method;
+        EXPECT_FALSE(mayCall(method, {somebody, {}})) << method;
+        EXPECT_FALSE(mayCall(method, {somebody, {0, 65533}})) << method;
+    }
+}
+
+TEST(AuthorisationTest, WhatIsNoMethodIsForNobody)
+{
+    EXPECT_FALSE(mayCall("getSerial", {0, {}}));
+    EXPECT_FALSE(mayCall("", {0, {}}));
+}
+
+} // namespace
+} // namespace vantro::service

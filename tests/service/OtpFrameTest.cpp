@@ -1,0 +1,50 @@
+#include "service/OtpFrame.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace vantro::service::otp {
+namespace {
+
+TEST(OtpFrameTest, ChecksumIsTheStandardOne)
+{
+    // The check value of CRC-16/MCRF4XX, which has the same parameters.
+    constexpr std::string_view digits = "123456789";
+    const std::vector<std::uint8_t> bytes(digits.begin(), digits.end());
+    EXPECT_EQ(checksum(bytes), 0x6f91);
+}
+
+TEST(OtpFrameTest, AnswerEndsInItsComplementedChecksum)
+{
+    std::vector<std::uint8_t> bytes = {0x00, 0xbc, 0x61, 0x4e};
+    const auto sum = static_cast<std::uint16_t>(~checksum(bytes));
+    bytes.push_back(static_cast<std::uint8_t>(sum & 0xff));
+    bytes.push_back(static_cast<std::uint8_t>(sum >> 8));
+    EXPECT_TRUE(endsInChecksum(bytes));
+    bytes[2] ^= 1;
+    EXPECT_FALSE(endsInChecksum(bytes));
+}
+
+TEST(OtpFrameTest, ReportsOfZerosInTheMiddleAreLeftOut)
+{
+    Payload payload = {};
+    payload[20] = 0xaa; // chunk 2
+    const auto reports = reportsOf(0x10, payload);
+
+    std::array<std::uint8_t, 70> frame = {};
+    std::vector<unsigned int> flags;
+    for (const auto& report : reports) {
+        flags.push_back(report.back());
+        std::copy_n(report.begin(), chunkSize, frame.begin() + (report.back() & flag::sequence) * chunkSize);
+    }
+    EXPECT_EQ(flags, (std::vector<unsigned int>{0x80, 0x82, 0x89}));
+    EXPECT_TRUE(std::equal(payload.begin(), payload.end(), frame.begin()));
+    EXPECT_EQ(frame[64], 0x10);
+    EXPECT_EQ(frame[65] | frame[66] << 8, checksum(payload));
+}
+
+} // namespace
+} // namespace vantro::service::otp

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <sdbus-c++/sdbus-c++.h>
+
+namespace vantro::tests {
+
+/// Calls the service over a connection of its own and waits for the answer. An error reply is thrown as sdbus::Error.
+/// One thread at a time.
+class ServiceClient
+{
+  public:
+    ServiceClient();
+
+    std::uint64_t getSerial() { return call<std::uint64_t>("GetSerial"); }
+    bool createCRSettingFile(std::uint64_t serial) { return call<bool>("CreateCRSettingFile", serial); }
+    bool removeCRSettingFile(std::uint64_t serial) { return call<bool>("RemoveCRSettingFile", serial); }
+    bool validate(std::uint64_t serial) { return call<bool>("Validate", serial); }
+    bool savePamSetting(const std::vector<std::uint8_t>& setting) { return call<bool>("SavePamSetting", setting); }
+    bool removePamSetting(const std::vector<std::uint8_t>& setting) { return call<bool>("RemovePamSetting", setting); }
+
+  private:
+    template <class Value, class... Arguments>
+    Value call(const std::string& method, const Arguments&... arguments)
+    {
+        Value value = {};
+        proxy_->callMethod(method)
+            .onInterface(interface)
+            .withTimeout(std::chrono::seconds(60))
+            .withArguments(arguments...)
+            .storeResultsTo(value);
+        return value;
+    }
+
+    static const char* const interface;
+    std::unique_ptr<sdbus::IConnection> connection_;
+    std::unique_ptr<sdbus::IProxy> proxy_;
+};
+
+} // namespace vantro::tests

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+
+#include "support/TemporaryFolder.h"
+
+namespace vantro::tests {
+
+/// A prefix of its own with the privileged service, an information dictionary and the folders that it names, the way a
+/// package lays them out.
+class ServicePrefix
+{
+  public:
+    ServicePrefix();
+
+    [[nodiscard]] const std::filesystem::path& path() const { return temporary_.path(); }
+    [[nodiscard]] std::filesystem::path program() const { return path() / "libexec" / "vantro-standalone-service"; }
+    [[nodiscard]] std::filesystem::path settings() const { return path() / "state" / "settings"; }
+    [[nodiscard]] std::filesystem::path records() const { return path() / "state" / "challenge-response"; }
+    [[nodiscard]] std::filesystem::path pamServices() const { return path() / "pam.d"; }
+    [[nodiscard]] std::filesystem::path pamModules() const { return path() / "security"; }
+
+  private:
+    TemporaryFolder temporary_;
+};
+
+} // namespace vantro::tests

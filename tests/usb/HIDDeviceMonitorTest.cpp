@@ -1,0 +1,125 @@
+#include "usb/HIDDeviceMonitor.h"
+
+#include <any>
+#include <mutex>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/WaitUntil.h"
+#include "tokens/TokenBed.h"
+#include "tokens/VirtualToken.h"
+
+namespace vantro {
+namespace {
+
+using tests::waitUntil;
+
+class HIDDeviceMonitorTest : public testing::Test
+{
+  protected:
+    struct Post
+    {
+        NotificationName name;
+        HIDDevice device;
+        std::thread::id thread;
+    };
+
+    HIDDeviceMonitorTest()
+    {
+        for (const auto& name : {HIDDeviceConnected, HIDDeviceDisconnected})
+            observations_.push_back(
+                NotificationCenter::defaultCenter().addObserver(name, [this](const Notification& notification) {
+                    const std::lock_guard lock(mutex_);
+                    posts_.push_back(
+                        {notification.name, std::any_cast<HIDDevice>(notification.object), std::this_thread::get_id()});
+                }));
+    }
+
+    ~HIDDeviceMonitorTest() override
+    {
+        monitor_.stop();
+        if (thread_.joinable())
+            thread_.join();
+    }
+
+    void start()
+    {
+        thread_ = std::thread([this] { ended_ = monitor_.start(); });
+    }
+
+    [[nodiscard]] std::vector<Post> posts()
+    {
+        const std::lock_guard lock(mutex_);
+        return posts_;
+    }
+
+    lab::TokenBed bed_;
+    lab::VirtualToken token_{bed_, {}};
+    HIDDeviceMonitor monitor_{{{0x1050, 0x0407}, {0x1050, 0x0116}}, 64};
+    std::thread thread_;
+    std::error_code ended_;
+
+  private:
+    std::mutex mutex_;
+    std::vector<Post> posts_;
+    std::vector<Observation> observations_;
+};
+
+TEST_F(HIDDeviceMonitorTest, PostsOnItsThreadForEveryInterface)
+{
+    token_.plugIn();
+    start();
+    ASSERT_TRUE(waitUntil([this] { return posts().size() == 2; }));
+    token_.unplug();
+    ASSERT_TRUE(waitUntil([this] { return posts().size() == 4; }));
+
+    const auto all = posts();
+    EXPECT_EQ(all[0].name, HIDDeviceConnected);
+    EXPECT_EQ(all[0].device.reportSize, 8U);
+    EXPECT_EQ(all[1].name, HIDDeviceConnected);
+    EXPECT_EQ(all[1].device.reportSize, 64U);
+    std::set<std::string> gone;
+    for (const auto& post : all) {
+        EXPECT_EQ(post.thread, thread_.get_id());
+        EXPECT_EQ(post.device.vendorId, 0x1050);
+        if (post.name == HIDDeviceDisconnected)
+            gone.insert(post.device.id);
+    }
+    EXPECT_EQ(gone, (std::set<std::string>{all[0].device.id, all[1].device.id}));
+}
+
+TEST_F(HIDDeviceMonitorTest, ForeignDevicesAreNotPosted)
+{
+    lab::TokenSpecification foreign;
+    foreign.productId = 0x0120;
+    lab::VirtualToken foreignToken(bed_, foreign);
+    foreign.productId = 0x0407;
+    foreign.vendorId = 0x1051;
+    lab::VirtualToken foreignVendor(bed_, foreign);
+    start();
+    foreignToken.plugIn();
+    foreignVendor.plugIn();
+    foreignToken.unplug();
+    token_.plugIn();
+    ASSERT_TRUE(waitUntil([this] { return posts().size() >= 2; }));
+    EXPECT_EQ(posts().size(), 2U);
+    EXPECT_EQ(posts().front().device.productId, 0x0407);
+    EXPECT_EQ(posts().front().device.vendorId, 0x1050);
+}
+
+TEST_F(HIDDeviceMonitorTest, StopEndsTheLoopAndEveryLaterStart)
+{
+    start();
+    token_.plugIn();
+    ASSERT_TRUE(waitUntil([this] { return posts().size() == 2; }));
+    monitor_.stop();
+    thread_.join();
+    EXPECT_FALSE(ended_);
+    EXPECT_FALSE(monitor_.start());
+}
+
+} // namespace
+} // namespace vantro
