@@ -147,7 +147,7 @@ void LabState::makeFolders() const
         fs::create_directories(folderOf(bundle_, named.key));
     }
     fs::permissions(folderOf(bundle_, bundle_key::challengeResponseFolder), fs::perms::owner_all);
-    fs::create_directories(toolLogFolder());
+    fs::create_directories(toolLog().parent_path());
     fs::create_directories(folder_ / "services");
 }
 

@@ -37,7 +37,10 @@ class LabState
     }
 
     [[nodiscard]] std::filesystem::path document() const;
-    [[nodiscard]] std::filesystem::path toolLogFolder() const { return folder_ / "log" / "vantro-standalone"; }
+    [[nodiscard]] std::filesystem::path toolLog() const
+    {
+        return folder_ / "log" / "vantro-standalone" / "VantroStandalone.log";
+    }
     [[nodiscard]] std::filesystem::path serviceLog() const { return folder_ / "log" / "service.log"; }
     [[nodiscard]] std::filesystem::path busConfiguration() const { return folder_ / "bus.conf"; }
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }

@@ -57,7 +57,7 @@ LabWindow::LabWindow(const LabState& state, LabPrograms& programs, std::vector<L
     auto* const paths = makeText();
     paths->setText(tr("Settings document: %1\nThe tool's log: %2\nThe service's log: %3")
                        .arg(QString::fromStdString(state.document().string()),
-                            QString::fromStdString(state.toolLogFolder().string()),
+                            QString::fromStdString(state.toolLog().string()),
                             QString::fromStdString(state.serviceLog().string())));
     layout->addWidget(paths);
     layout->addWidget(startAgain_, 0, Qt::AlignRight);

@@ -4,7 +4,7 @@
 #include <iostream>
 #include <memory>
 
-#include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QApplication>
@@ -74,7 +74,9 @@ int run(const QString& stateFolder)
 
 int main(int argc, char** argv)
 {
-    // The accounts of the lab come with the third library; it does nothing in this process.
+    // The service refuses folders in which others may write.
+    ::umask(022);
+    // The accounts of the lab come with the further library; it does nothing in this process.
     vantro::lab::reexecuteUnderPreload(argv, {"libnss_wrapper.so"});
     // What looks for graphics devices looks among the emulated ones, in vain.
     qputenv("QT_XCB_GL_INTEGRATION", "none");

@@ -1,0 +1,99 @@
+"""What the tour shows, scene by scene. A scene gets the Tour; scenes run in order and build on one another."""
+
+from accessibility import wait_for
+
+FIRST = "5550101"
+SECOND = "12345678"
+EMPTY_TOKEN = 3
+
+NO_TOKEN = "No token is connected"
+ALREADY = "already"
+FAILED = "challenge-response slot is not set up"
+
+
+def start(tour):
+    """The window opens on an empty list."""
+    window = tour.main_window()
+    tour.see(window.name.startswith("Vantro Standalone (Version "), f"the window's title is \"{window.name}\"")
+    tabs = [tab.name for tab in window.find_all("page tab")]
+    tour.see(tabs == ["Settings", "User Keys", "Master Keys", "Admin Keys"], f"the tabs are {', '.join(tabs)}")
+    tour.see(tour.user_keys() == [], "the list of user keys is empty")
+    tour.screenshot("empty-list")
+
+
+def register_first(tour):
+    """A token that is plugged in while the dialog is open is seen at once, and registered for alice."""
+    dialog = tour.open_registration()
+    tour.see(dialog.says(NO_TOKEN), "the dialog says that no token is connected")
+    tour.see(not dialog.wait("push button", "Register").is_enabled, "Register is disabled")
+    tour.screenshot("no-token")
+    tour.plug_in(1)
+    tour.wait_for(f"without a click the dialog shows the serial {FIRST}", lambda: tour.serial_text(dialog) == FIRST)
+    tour.wait_for("Register is enabled", lambda: dialog.find("push button", "Register").is_enabled)
+    dialog.find("combo box").choose("alice")
+    tour.see(tour.serial_text(dialog) == FIRST, "alice is chosen")
+    tour.screenshot("register-alice")
+    dialog.find("push button", "Register").press()
+    tour.wait_for("the dialog closes", lambda: tour.dialog() is None)
+    tour.wait_for(f"the list has the row alice, {FIRST}", lambda: tour.user_keys() == [("alice", FIRST)])
+    tour.screenshot("alice-registered")
+
+
+def register_second(tour):
+    """A token is pulled out and another plugged in while the dialog is open; that one is registered for bob."""
+    dialog = tour.open_registration()
+    tour.pull_out(1)
+    tour.wait_for("the dialog says that no token is connected", lambda: dialog.says(NO_TOKEN))
+    tour.plug_in(2)
+    tour.wait_for(f"the dialog shows the serial {SECOND}", lambda: tour.serial_text(dialog) == SECOND)
+    dialog.find("combo box").choose("bob")
+    dialog.find("push button", "Register").press()
+    tour.wait_for("the dialog closes", lambda: tour.dialog() is None)
+    tour.wait_for("the list has two rows",
+                  lambda: tour.user_keys() == [("alice", FIRST), ("bob", SECOND)])
+    tour.screenshot("bob-registered")
+
+
+def refuse_second_time(tour):
+    """What is assigned already can't be registered again."""
+    dialog = tour.open_registration()
+    dialog.find("combo box").choose("bob")
+    tour.wait_for("the dialog says that bob has the token already",
+                  lambda: SECOND in tour.serial_text(dialog) and ALREADY in tour.serial_text(dialog))
+    tour.see(not dialog.find("push button", "Register").is_enabled, "Register is disabled")
+    tour.screenshot("already-assigned")
+    dialog.find("push button", "Cancel").press()
+    tour.wait_for("Cancel closes the dialog", lambda: tour.dialog() is None)
+    tour.pull_out(2)
+
+
+def fail(tour):
+    """A token without a secret can't be registered: an alert says so, and the dialog stays usable."""
+    tour.plug_in(EMPTY_TOKEN)
+    dialog = tour.open_registration()
+    dialog.find("combo box").choose("alice")
+    register = dialog.find("push button", "Register")
+    wait_for("Register is enabled", lambda: register.is_enabled)
+    register.press()
+    alert = tour.wait_for("an alert appears", lambda: tour.alert())
+    tour.see(alert.says(FAILED), "the alert says that the challenge-response slot is not set up")
+    tour.screenshot("failure")
+    alert.find("push button", "OK").press()
+    tour.wait_for("OK closes the alert", lambda: tour.alert() is None)
+    tour.see(tour.dialog() is not None, "the dialog is still open")
+    tour.see(register.is_enabled, "Register is still enabled")
+    dialog.find("push button", "Cancel").press()
+    tour.wait_for("Cancel closes the dialog", lambda: tour.dialog() is None)
+    tour.pull_out(EMPTY_TOKEN)
+
+
+def check_files(tour):
+    """The files say what the windows said."""
+    tour.see(tour.document_users() == [("alice", [FIRST]), ("bob", [SECOND])],
+             "the document has exactly these two assignments")
+    records = tour.records()
+    tour.see(len(records) == 2 and all(any(serial in name for name in records) for serial in (FIRST, SECOND)),
+             f"there are records of these two tokens only: {', '.join(records)}")
+
+
+ALL = [start, register_first, register_second, refuse_second_time, fail, check_files]
