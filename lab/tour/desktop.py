@@ -7,9 +7,21 @@ import signal
 import subprocess
 import tempfile
 import time
+from pathlib import Path
 
 PR_SET_PDEATHSIG = 1
 PR_SET_CHILD_SUBREAPER = 36
+
+# The palette comes from outside, through a platform theme (package qt6ct) that reads it from the user's configuration.
+DARK_CONFIGURATION = """[Appearance]
+style=Fusion
+custom_palette=true
+color_scheme_path=/usr/share/qt6ct/colors/darker.conf
+
+[Fonts]
+general="Sans,9"
+fixed="Monospace,9"
+"""
 
 _libc = ctypes.CDLL(None, use_errno=True)
 
@@ -69,7 +81,7 @@ class Desktop:
 
     def _prepare_environment(self):
         environment = self.environment
-        for name in ("WAYLAND_DISPLAY", "AT_SPI_BUS_ADDRESS", "DESKTOP_STARTUP_ID", "QT_STYLE_OVERRIDE",
+        for name in ("WAYLAND_DISPLAY", "AT_SPI_BUS_ADDRESS", "DESKTOP_STARTUP_ID", "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME",
                      "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM"):
             environment.pop(name, None)
         # The language decides what the tour reads on the buttons.
@@ -81,8 +93,19 @@ class Desktop:
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             "QT_QPA_PLATFORM": "xcb",
         })
+        if self._dark:
+            environment["QT_QPA_PLATFORMTHEME"] = "qt6ct"
+            environment["XDG_CONFIG_HOME"] = self._runtime_folder
+            self.use_dark_palette(Path(self._runtime_folder))
         if self._scale != 1:
             environment["QT_SCALE_FACTOR"] = str(self._scale)
+
+    @staticmethod
+    def use_dark_palette(configuration_folder):
+        """Makes programs that take their configuration from this folder dark."""
+        folder = configuration_folder / "qt6ct"
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / "qt6ct.conf").write_text(DARK_CONFIGURATION, encoding="ascii")
 
     def _start_display(self):
         size = f"{1280 * self._scale}x{1000 * self._scale}x24"
