@@ -2,11 +2,15 @@
 bus whose accessibility bus is running."""
 
 import time
+import warnings
 
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
+
+# The binding calls an action's name by one that it also deprecates; the other would be the element's name.
+warnings.filterwarnings("ignore", category=DeprecationWarning, module=__name__)
 
 # A program that waits for the service answers nothing meanwhile; the tool's longest wait is 20 seconds.
 CALL_LIMIT_MS = 25000
@@ -135,14 +139,21 @@ class Element:
         return self.children
 
 
+def programs(name):
+    """The running programs of that name."""
+    desktop = Atspi.get_desktop(0)
+    desktop.clear_cache()
+    children = (desktop.get_child_at_index(index) for index in range(desktop.get_child_count()))
+    return [Element(child) for child in children if child is not None and child.get_name() == name]
+
+
 def program(name, limit=30):
     """A running program by its own name, once it has a window."""
     def find():
-        desktop = Atspi.get_desktop(0)
-        desktop.clear_cache()
-        for index in range(desktop.get_child_count()):
-            candidate = desktop.get_child_at_index(index)
-            if candidate is not None and candidate.get_name() == name and candidate.get_child_count() > 0:
-                return Element(candidate)
-        return None
+        return next((candidate for candidate in programs(name) if candidate.windows), None)
     return wait_for(f"{name} shows a window", find, limit)
+
+
+def alert_of(name):
+    """An alert of any program of that name; None when there is none."""
+    return next((window for candidate in programs(name) for window in candidate.windows if window.role == "alert"), None)

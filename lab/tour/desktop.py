@@ -65,6 +65,8 @@ class Desktop:
                 except subprocess.TimeoutExpired:
                     process.kill()
                     process.wait()
+            if process.stdout is not None:
+                process.stdout.close()
         self._end_descendants()
         shutil.rmtree(self._runtime_folder, ignore_errors=True)
 

@@ -5,6 +5,8 @@ from accessibility import wait_for
 FIRST = "5550101"
 SECOND = "12345678"
 EMPTY_TOKEN = 3
+TOUCH_TOKEN = 4
+TOUCHED = "999"
 
 NO_TOKEN = "No token is connected"
 ALREADY = "already"
@@ -96,4 +98,21 @@ def check_files(tour):
              f"there are records of these two tokens only: {', '.join(records)}")
 
 
-ALL = [start, register_first, register_second, refuse_second_time, fail, check_files]
+def register_with_touch(tour):
+    """A token that wants a touch is registered once it has been touched; serials are in the order of numbers."""
+    tour.plug_in(TOUCH_TOKEN)
+    dialog = tour.open_registration()
+    dialog.find("combo box").choose("alice")
+    wait_for("Register is enabled", lambda: dialog.find("push button", "Register").is_enabled)
+    dialog.find("push button", "Register").press()
+    tour.wait_for("the token blinks", lambda: tour.is_blinking(TOUCH_TOKEN))
+    tour.screenshot("waiting-for-touch")
+    tour.touch(TOUCH_TOKEN)
+    tour.wait_for("the dialog closes", lambda: tour.dialog() is None)
+    tour.wait_for("the list has three rows",
+                  lambda: tour.user_keys() == [("alice", TOUCHED), ("alice", FIRST), ("bob", SECOND)])
+    tour.see(not tour.is_blinking(TOUCH_TOKEN), "the token blinks no more")
+    tour.pull_out(TOUCH_TOKEN)
+
+
+ALL = [start, register_first, register_second, refuse_second_time, fail, check_files, register_with_touch]
