@@ -4,7 +4,6 @@
 #include <chrono>
 #include <exception>
 #include <utility>
-#include <vector>
 
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 
@@ -21,7 +20,6 @@ constexpr auto validationLimit = 14s;
 constexpr const char* accessDenied = "org.freedesktop.DBus.Error.AccessDenied";
 constexpr const char* limitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
 constexpr const char* failedError = "org.freedesktop.DBus.Error.Failed";
-constexpr const char* notAvailable = "com.vantro.Standalone1.Error.NotAvailable";
 
 /// The one answer of one request: whoever gives it first. Any thread.
 template <class Value>
@@ -30,9 +28,10 @@ class Answer
   public:
     Answer(sdbus::Result<Value>&& result, const Logger& logger) : result_(std::move(result)), logger_(logger) {}
 
-    void give(const Value& value)
+    /// False when it was given before.
+    bool give(const Value& value)
     {
-        send([this, &value] { result_.returnResults(value); });
+        return send([this, &value] { result_.returnResults(value); });
     }
 
     void refuse(const char* name, const std::string& text)
@@ -41,15 +40,16 @@ class Answer
     }
 
   private:
-    void send(const std::function<void()>& sending)
+    bool send(const std::function<void()>& sending)
     {
         if (isGiven_.test_and_set())
-            return;
+            return false;
         try {
             sending();
         } catch (const sdbus::Error& error) {
             logger_.error("The answer can't be sent: " + error.getMessage(), "send(_:)");
         }
+        return true;
     }
 
     const sdbus::Result<Value> result_;
@@ -60,13 +60,18 @@ class Answer
 } // namespace
 
 StandaloneObject::StandaloneObject(sdbus::IConnection& connection, ChallengeResponse& challengeResponse,
-                                   const Logger& logger)
-    : challengeResponse_(challengeResponse), logger_(logger.inFile("StandaloneObject")), credentials_(logger),
-      object_(sdbus::createObject(connection, serviceObjectPath))
+                                   PamStore& pamStore, const Logger& logger)
+    : challengeResponse_(challengeResponse), pamStore_(pamStore), logger_(logger.inFile("StandaloneObject")),
+      credentials_(logger), object_(sdbus::createObject(connection, serviceObjectPath))
+{
+    registerTokenMethods();
+    registerPamMethods();
+    object_->finishRegistration();
+}
+
+void StandaloneObject::registerTokenMethods()
 {
     using Serial = std::uint64_t;
-    using Archive = std::vector<std::uint8_t>;
-
     object_->registerMethod(service_method::getSerial)
         .onInterface(label)
         .implementedAs([this](sdbus::Result<Serial>&& result) {
@@ -81,16 +86,35 @@ StandaloneObject::StandaloneObject(sdbus::IConnection& connection, ChallengeResp
                            answer(challengeResponse_.create(serial, limit));
                        });
         });
-    for (const char* const name : {service_method::removeCRSettingFile, service_method::validate})
-        object_->registerMethod(name).onInterface(label).implementedAs([](sdbus::Result<bool>&& result, Serial) {
-            result.returnError(sdbus::Error(notAvailable, "Not available yet."));
+    object_->registerMethod(service_method::removeCRSettingFile)
+        .onInterface(label)
+        .implementedAs([this](sdbus::Result<bool>&& result, Serial serial) {
+            take<bool>(service_method::removeCRSettingFile, std::move(result), usualLimit, false,
+                       [this, serial](const Limit&, const auto& answer) { answer(challengeResponse_.remove(serial)); });
         });
-    for (const char* const name : {service_method::savePamSetting, service_method::removePamSetting})
+    object_->registerMethod(service_method::validate)
+        .onInterface(label)
+        .implementedAs([this](sdbus::Result<bool>&& result, Serial serial) {
+            take<bool>(service_method::validate, std::move(result), validationLimit, false,
+                       [this, serial](const Limit& limit, const auto& answer) {
+                           challengeResponse_.validate(serial, limit, answer);
+                       });
+        });
+}
+
+void StandaloneObject::registerPamMethods()
+{
+    const auto add = [this](const char* name, bool (PamStore::*change)(const ArchiveData&)) {
         object_->registerMethod(name).onInterface(label).implementedAs(
-            [](sdbus::Result<bool>&& result, const Archive&) {
-                result.returnError(sdbus::Error(notAvailable, "Not available yet."));
+            [this, name, change](sdbus::Result<bool>&& result, const ArchiveData& setting) {
+                take<bool>(name, std::move(result), usualLimit, false,
+                           [this, change, setting](const Limit&, const auto& answer) {
+                               answer((pamStore_.*change)(setting));
+                           });
             });
-    object_->finishRegistration();
+    };
+    add(service_method::savePamSetting, &PamStore::save);
+    add(service_method::removePamSetting, &PamStore::remove);
 }
 
 template <class Value>
@@ -114,8 +138,8 @@ void StandaloneObject::take(std::string_view method, sdbus::Result<Value>&& resu
             }
         },
         [this, method, answer, failed] {
-            logger_.error(std::string(method) + " is still under way and was given up.", "take(_:)");
-            answer->give(failed);
+            if (answer->give(failed))
+                logger_.error(std::string(method) + " is still under way and was given up.", "take(_:)");
         });
     if (!isRunning) {
         logger_.error(std::string(method) + " was refused: too many requests are under way.", "take(_:)");

@@ -11,6 +11,7 @@
 #include "LoggerManager/Logger.h"
 #include "service/BusCredentials.h"
 #include "service/ChallengeResponse.h"
+#include "service/PamStore.h"
 #include "service/RequestRunner.h"
 
 namespace vantro::service {
@@ -20,12 +21,16 @@ namespace vantro::service {
 class StandaloneObject
 {
   public:
-    /// Exports the object; `connection` must outlive it. Throws sdbus::Error.
-    StandaloneObject(sdbus::IConnection& connection, ChallengeResponse& challengeResponse, const Logger& logger);
+    /// Exports the object; what it is given must outlive it. Throws sdbus::Error.
+    StandaloneObject(sdbus::IConnection& connection, ChallengeResponse& challengeResponse, PamStore& pamStore,
+                     const Logger& logger);
 
   private:
     template <class Value>
     using Answerer = std::function<void(Value)>;
+
+    void registerTokenMethods();
+    void registerPamMethods();
 
     /// Takes one request: `work` is to call its argument once; `failed` is answered when it does not in time.
     template <class Value>
@@ -35,6 +40,7 @@ class StandaloneObject
     [[nodiscard]] bool isAllowed(std::string_view method, const std::string& sender);
 
     ChallengeResponse& challengeResponse_;
+    PamStore& pamStore_;
     const Logger logger_;
     BusCredentials credentials_;
     // Requests hold on to the object and its connection: the runner ends first.

@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/signalfd.h>
@@ -14,12 +15,16 @@
 #include "foundation/Bundle.h"
 #include "foundation/FileDescriptor.h"
 #include "service/ChallengeResponse.h"
+#include "service/PamStore.h"
 #include "service/RecordStore.h"
 #include "service/StandaloneObject.h"
 #include "service/TokenRegistry.h"
 
 namespace vantro::service {
 namespace {
+
+/// Beside the records, and so outside of the PAM services' folder, where every file is a service.
+constexpr const char* pamBackupFolder = "pam-backup";
 
 /// Leaves the connection's event loop when the process is told to end.
 class SignalWatch
@@ -60,7 +65,11 @@ int run(const Logger& logger)
 {
     constexpr const char* function = "run(_:)";
     const Bundle& bundle = Bundle::main();
-    if (bundle.string(bundle_key::challengeResponseFolder).empty()) {
+    const std::filesystem::path records = bundle.string(bundle_key::challengeResponseFolder);
+    const PamStore::Folders pamFolders = {bundle.string(bundle_key::pamServicesFolder),
+                                          bundle.string(bundle_key::pamModulesFolder),
+                                          records.parent_path() / pamBackupFolder};
+    if (records.empty() || pamFolders.services.empty() || pamFolders.modules.empty()) {
         logger.error("The information dictionary below " + bundle.resourceFolder().string() +
                          " can't be read or does not name the folders.",
                      function);
@@ -70,9 +79,10 @@ int run(const Logger& logger)
         const auto connection = sdbus::createSystemBusConnection();
         SignalWatch signals;
         TokenRegistry registry(logger);
-        RecordStore records(bundle.string(bundle_key::challengeResponseFolder));
-        ChallengeResponse challengeResponse(registry, records, logger);
-        const StandaloneObject object(*connection, challengeResponse, logger);
+        RecordStore recordStore(records);
+        ChallengeResponse challengeResponse(registry, recordStore, logger);
+        PamStore pamStore(pamFolders, logger);
+        const StandaloneObject object(*connection, challengeResponse, pamStore, logger);
         connection->requestName(label);
         signals.start(*connection);
         logger.info("Service " + bundle.string(bundle_key::shortVersion) + " started.", function);

@@ -1,7 +1,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <future>
 #include <limits>
 #include <sys/wait.h>
 #include <unistd.h>
