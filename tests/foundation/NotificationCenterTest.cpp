@@ -67,6 +67,19 @@ TEST(NotificationCenter, ObserversChangeInsideACall)
     EXPECT_EQ(calls, "eai") << "the observer of the first round has been replaced, the new one waits for the next post";
 }
 
+TEST(NotificationCenter, AnObserverThatEndedInItsCallIsNotCalledByAPostInsideIt)
+{
+    NotificationCenter center;
+    int calls = 0;
+    Observation self = center.addObserver(name, [&](const Notification&) {
+        self.end();
+        if (++calls == 1)
+            center.post(name);
+    });
+    center.post(name);
+    EXPECT_EQ(calls, 1);
+}
+
 TEST(NotificationCenter, AnObservationMovesAndEndsWithItsOwner)
 {
     NotificationCenter center;
@@ -103,13 +116,9 @@ TEST(NotificationCenter, ThreadsPostWhileObserversComeAndGo)
     for (int number = 0; number < 2; ++number) {
         threads.emplace_back([&] {
             while (isPosting) {
-                struct Observer
-                {
-                    std::atomic<int> calls = 0;
-                };
-                auto observer = std::make_shared<Observer>();
-                auto passing = center.addObserver(name, [observer](const Notification&) { ++observer->calls; });
-                while (isPosting && observer->calls == 0)
+                const auto calls = std::make_shared<std::atomic<int>>(0);
+                const auto passing = center.addObserver(name, [calls](const Notification&) { ++*calls; });
+                while (isPosting && *calls == 0)
                     std::this_thread::yield();
             }
         });

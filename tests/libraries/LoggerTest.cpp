@@ -4,7 +4,7 @@
 #include <regex>
 #include <sstream>
 #include <string>
-#include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -25,11 +25,7 @@ std::vector<std::string> linesOf(const std::string& text)
 
 TEST(Logger, EscapesControlCharacters)
 {
-    const struct
-    {
-        std::string text;
-        const char* expected;
-    } cases[] = {
+    const std::pair<std::string, const char*> cases[] = {
         {"", ""},
         {"plain é 漢 {} %s", "plain é 漢 {} %s"},
         {"a\nb\tc\rd\\", "a\\nb\\tc\\x0dd\\\\"},
@@ -92,30 +88,6 @@ TEST(Logger, GoesOnWithStandardErrorAlone)
     EXPECT_NE(lines[0].find("warning LoggerManager/LoggerManager:"), std::string::npos) << lines[0];
     EXPECT_TRUE(lines[1].ends_with(" f() still here")) << lines[1];
     EXPECT_TRUE(lines[2].ends_with(" g() no file")) << lines[2];
-}
-
-TEST(Logger, KeepsTheRecordsOfThreadsApart)
-{
-    const TemporaryFolder folder;
-    ::setenv("XDG_STATE_HOME", folder.path().c_str(), 1);
-    constexpr int threadCount = 4;
-    constexpr int records = 100;
-    testing::internal::CaptureStderr();
-    std::vector<std::thread> threads;
-    for (int number = 0; number < threadCount; ++number) {
-        threads.emplace_back([] {
-            for (int record = 0; record < records; ++record)
-                LoggerManager::logger("tool").inFile("A").info("message", "f()");
-        });
-    }
-    for (auto& thread : threads)
-        thread.join();
-    testing::internal::GetCapturedStderr();
-    const auto lines = linesOf(contentOf(LoggerManager::logFile("tool")));
-    EXPECT_EQ(lines.size(), static_cast<std::size_t>(threadCount * records));
-    const std::regex record(R"([0-9TZ:.-]{24} info A:\d+ f\(\) message)");
-    for (const auto& line : lines)
-        EXPECT_TRUE(std::regex_match(line, record)) << line;
 }
 
 } // namespace
