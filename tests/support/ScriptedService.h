@@ -1,0 +1,96 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <variant>
+#include <vector>
+
+#include "VantroStandaloneSetting/PamSetting.h"
+#include "foundation/FileDescriptor.h"
+
+namespace sdbus {
+class MethodCall;
+} // namespace sdbus
+
+namespace vantro::tests {
+
+/// A double of the privileged service on the system bus: answers each of the six methods as it is told and keeps what
+/// it was asked. It lives on a thread and a connection of its own, and takes a call while another one still waits for
+/// its answer. Every member may be called on any thread.
+class ScriptedService
+{
+  public:
+    /// Answers with an error reply.
+    struct Refusal
+    {
+    };
+    /// Never answers.
+    struct Silence
+    {
+    };
+    /// Answers without a value.
+    struct Nothing
+    {
+    };
+
+    /// The value of an answer may have a type that the method does not promise.
+    struct Answer
+    {
+        std::variant<bool, std::uint64_t, std::string, Refusal, Silence, Nothing> content;
+        std::chrono::milliseconds delay{0};
+    };
+
+    struct Call
+    {
+        std::string method;
+        std::uint64_t serial = 0;
+        PamSetting setting;
+    };
+
+    /// Returns when the name is owned. Until told otherwise every method answers true, and GetSerial 1.
+    ScriptedService();
+    /// Leaves the bus; calls that wait for an answer get none.
+    ~ScriptedService();
+    ScriptedService(const ScriptedService&) = delete;
+    ScriptedService& operator=(const ScriptedService&) = delete;
+
+    /// Answers `method` with these answers, one after the other; the last one stays.
+    void script(const std::string& method, std::deque<Answer> answers);
+
+    /// The calls so far, in order; a setting that could not be decoded is left at its default.
+    [[nodiscard]] std::vector<Call> calls() const;
+    /// The methods of the calls so far.
+    [[nodiscard]] std::vector<std::string> methods() const;
+    /// The calls of SavePamSetting so far, as "name:position of the control flag".
+    [[nodiscard]] std::vector<std::string> pamCalls() const;
+    void forgetCalls();
+
+  private:
+    struct Pending;
+
+    void run();
+    void take(const std::string& method, const sdbus::MethodCall& received);
+    void sendDue();
+    void wake() const;
+
+    mutable std::mutex mutex_;
+    std::map<std::string, std::deque<Answer>> answers_;
+    std::vector<Call> calls_;
+    bool isStarted_ = false;
+    bool isStopping_ = false;
+    std::condition_variable started_;
+
+    FileDescriptor wakeEvent_;
+    /// The thread's alone.
+    std::vector<Pending> pending_;
+    std::thread thread_;
+};
+
+} // namespace vantro::tests

@@ -1,0 +1,278 @@
+// The connection to the service and the proxy on it, on a bus of the test's own.
+
+#include <functional>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "VantroStandaloneXPCSupport/ServiceProxy.h"
+#include "support/PlainBus.h"
+#include "support/ScriptedService.h"
+#include "support/WaitUntil.h"
+
+namespace vantro::tests {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+/// Far longer than anything here takes, far shorter than the bus's own time-out.
+constexpr auto ample = 20s;
+
+/// What a connection told its user, in order: the reply's value, "error: NAME" or the handler's name.
+class Told
+{
+  public:
+    void add(const std::string& text)
+    {
+        const std::lock_guard lock(mutex_);
+        texts_.push_back(text);
+        threads_.push_back(std::this_thread::get_id());
+    }
+    [[nodiscard]] std::vector<std::string> texts() const
+    {
+        const std::lock_guard lock(mutex_);
+        return texts_;
+    }
+    [[nodiscard]] std::vector<std::thread::id> threads() const
+    {
+        const std::lock_guard lock(mutex_);
+        return threads_;
+    }
+    [[nodiscard]] bool reaches(std::size_t count) const
+    {
+        return waitUntil([&] { return texts().size() >= count; }, ample);
+    }
+
+  private:
+    mutable std::mutex mutex_;
+    std::vector<std::string> texts_;
+    std::vector<std::thread::id> threads_;
+};
+
+class ServiceConnection : public testing::Test
+{
+  protected:
+    ServiceConnection()
+    {
+        connection = std::make_shared<NSXPCConnection>(label, serviceObjectPath);
+        connection->resume();
+        connection->setInvalidationHandler([this] { told.add("invalidated"); });
+        connection->setInterruptionHandler([this] { told.add("interrupted"); });
+        proxy = std::make_unique<ServiceProxy>(connection,
+                                               [this](const NSError& error) { told.add("error: " + error.name); });
+    }
+
+    VantroStandaloneServiceProtocol::SuccessReply tellSuccess()
+    {
+        return [this](bool isSuccess) { told.add(isSuccess ? "true" : "false"); };
+    }
+    void getSerial()
+    {
+        proxy->getSerialWithReply([this](std::uint64_t serial) { told.add(std::to_string(serial)); });
+    }
+    void validate() { proxy->validateWithSerialNo(7, tellSuccess()); }
+    void createFile() { proxy->createCRSettingFileWithSerialNo(7, tellSuccess()); }
+
+    static constexpr auto noReply = "error: org.freedesktop.DBus.Error.NoReply";
+    static constexpr auto unknown = "error: org.freedesktop.DBus.Error.ServiceUnknown";
+
+    PlainBus bus;
+    std::optional<ScriptedService> service{std::in_place};
+    Told told;
+    std::shared_ptr<NSXPCConnection> connection;
+    std::unique_ptr<ServiceProxy> proxy;
+};
+
+TEST_F(ServiceConnection, EachRequestCarriesItsArgumentAndItsReply)
+{
+    constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
+    const PamSetting setting{"authorization", ModuleInterface::Auth, ControlFlag::Required, "pam_x.so"};
+    service->script("GetSerial", {{largest}});
+    service->script("RemoveCRSettingFile", {{false}});
+    proxy->getSerialWithReply([this](std::uint64_t serial) { told.add(std::to_string(serial)); });
+    proxy->createCRSettingFileWithSerialNo(largest, tellSuccess());
+    proxy->removeCRSettingFileWithSerialNo(2, tellSuccess());
+    proxy->validateWithSerialNo(3, tellSuccess());
+    proxy->savePamSettingWithSetting(setting.archived().value(), tellSuccess());
+    proxy->removePamSettingWithSetting(setting.archived().value(), tellSuccess());
+
+    ASSERT_TRUE(told.reaches(6));
+    EXPECT_THAT(told.texts(), ElementsAre("18446744073709551615", "true", "false", "true", "true", "true"));
+    EXPECT_THAT(service->methods(), ElementsAre("GetSerial", "CreateCRSettingFile", "RemoveCRSettingFile", "Validate",
+                                                "SavePamSetting", "RemovePamSetting"));
+    EXPECT_EQ(service->calls()[1].serial, largest);
+    EXPECT_EQ(service->calls()[2].serial, 2U);
+    EXPECT_EQ(service->calls()[4].setting, setting);
+    EXPECT_EQ(service->calls()[5].setting, setting);
+}
+
+TEST_F(ServiceConnection, WhatIsNoReplyOfTheTypeIsAnError)
+{
+    using Answer = ScriptedService::Answer;
+    const struct
+    {
+        Answer answer;
+        const char* told;
+    } cases[] = {
+        {{ScriptedService::Refusal()}, "error: com.vantro.Standalone1.Error.Refused"},
+        {{std::uint64_t{1}}, "error: "},
+        {{std::string("true")}, "error: "},
+        {{ScriptedService::Nothing()}, "error: "},
+    };
+    for (const auto& [answer, expected] : cases) {
+        service->script("Validate", {answer});
+        const std::size_t before = told.texts().size();
+        validate();
+        ASSERT_TRUE(told.reaches(before + 1));
+        EXPECT_THAT(told.texts().back(), StartsWith(expected));
+    }
+    for (const Answer& answer : {Answer{true}, Answer{ScriptedService::Nothing()}}) {
+        service->script("GetSerial", {answer});
+        const std::size_t before = told.texts().size();
+        getSerial();
+        ASSERT_TRUE(told.reaches(before + 1));
+        EXPECT_THAT(told.texts().back(), StartsWith("error: "));
+    }
+}
+
+TEST_F(ServiceConnection, AReplyBlockThatNeverRunsIsDestroyedAfterTheErrorHandler)
+{
+    service->script("Validate", {{ScriptedService::Refusal()}});
+    std::shared_ptr<int> held(nullptr, [this](const int*) { told.add("destroyed"); });
+    proxy->validateWithSerialNo(1, [held](bool) { ADD_FAILURE() << "a refused request was answered"; });
+    held.reset();
+    ASSERT_TRUE(told.reaches(2));
+    EXPECT_THAT(told.texts(), ElementsAre("error: com.vantro.Standalone1.Error.Refused", "destroyed"));
+}
+
+TEST_F(ServiceConnection, RepliesAndErrorsComeOnTheConnectionsOwnThread)
+{
+    validate();
+    service->script("CreateCRSettingFile", {{ScriptedService::Refusal()}});
+    createFile();
+    ASSERT_TRUE(told.reaches(2));
+    service.reset();
+    ASSERT_TRUE(told.reaches(3));
+    const auto threads = told.threads();
+    EXPECT_NE(threads[0], std::this_thread::get_id());
+    EXPECT_EQ(threads[1], threads[0]);
+    EXPECT_EQ(threads[2], threads[0]);
+}
+
+TEST_F(ServiceConnection, ASlowRequestDelaysNoOther)
+{
+    service->script("Validate", {{ScriptedService::Silence()}});
+    service->script("GetSerial", {{std::uint64_t{5}, 300ms}});
+    validate();
+    getSerial();
+    createFile();
+    ASSERT_TRUE(told.reaches(2));
+    EXPECT_THAT(told.texts(), ElementsAre("true", "5"));
+}
+
+TEST_F(ServiceConnection, AMissingServiceFailsEachMessageUntilItComes)
+{
+    service.reset();
+    validate();
+    getSerial();
+    ASSERT_TRUE(told.reaches(2));
+    EXPECT_THAT(told.texts(), ElementsAre(unknown, unknown));
+    service.emplace();
+    validate();
+    ASSERT_TRUE(told.reaches(3));
+    EXPECT_EQ(told.texts().back(), "true");
+}
+
+TEST_F(ServiceConnection, AServiceThatDiesInACallInterruptsAndTheSameProxyGoesOn)
+{
+    service->script("Validate", {{ScriptedService::Silence()}});
+    validate();
+    createFile();
+    ASSERT_TRUE(told.reaches(1));
+    service.reset();
+    ASSERT_TRUE(told.reaches(3));
+    EXPECT_THAT(told.texts(), testing::UnorderedElementsAre("true", noReply, "interrupted"));
+
+    service.emplace();
+    getSerial();
+    ASSERT_TRUE(told.reaches(4));
+    EXPECT_EQ(told.texts().back(), "1");
+}
+
+TEST_F(ServiceConnection, ABusThatDiesInvalidatesForGood)
+{
+    service->script("Validate", {{ScriptedService::Silence()}});
+    validate();
+    createFile();
+    ASSERT_TRUE(told.reaches(1));
+    bus.end();
+    ASSERT_TRUE(told.reaches(3));
+    EXPECT_THAT(told.texts()[1], StartsWith("error: org.freedesktop.DBus.Error."));
+    EXPECT_EQ(told.texts()[2], "invalidated");
+
+    const PlainBus another;
+    const ScriptedService backAgain;
+    createFile();
+    getSerial();
+    ASSERT_TRUE(told.reaches(5));
+    EXPECT_THAT(told.texts()[3], StartsWith("error: "));
+    EXPECT_THAT(told.texts()[4], StartsWith("error: "));
+    EXPECT_THAT(backAgain.calls(), IsEmpty());
+}
+
+TEST_F(ServiceConnection, AConnectionMadeWithoutABusOpensWithTheFirstMessageThatFindsOne)
+{
+    service.reset();
+    bus.end();
+    connection = std::make_shared<NSXPCConnection>(label, serviceObjectPath);
+    connection->resume();
+    proxy = std::make_unique<ServiceProxy>(connection, [this](const NSError& error) {
+        EXPECT_THAT(error.description(), HasSubstr(error.localizedDescription));
+        told.add("late error: " + error.name);
+    });
+    const auto isLate = [](const std::string& text) { return text.starts_with("late error: "); };
+    validate();
+    ASSERT_TRUE(waitUntil([&] {
+        const auto texts = told.texts();
+        return std::any_of(texts.begin(), texts.end(), isLate);
+    }));
+
+    const PlainBus another;
+    service.emplace();
+    validate();
+    ASSERT_TRUE(waitUntil([&] { return told.texts().back() == "true"; }));
+}
+
+TEST_F(ServiceConnection, DestructionDropsWhatIsUnderWay)
+{
+    service->script("Validate", {{ScriptedService::Silence()}});
+    service->script("GetSerial", {{std::uint64_t{5}, 100ms}});
+    auto alive = std::make_shared<bool>(true);
+    // Ended with both under way, or wherever they have got to by then.
+    for (int round = 0; round < 20; ++round) {
+        service->forgetCalls();
+        auto local = std::make_shared<NSXPCConnection>(label, serviceObjectPath);
+        local->resume();
+        ServiceProxy brief(local, [alive](const NSError&) {});
+        local.reset();
+        brief.validateWithSerialNo(1, [alive](bool) {});
+        brief.getSerialWithReply([alive](std::uint64_t) {});
+        if (round % 2 == 0) {
+            ASSERT_TRUE(waitUntil([&] { return service->calls().size() == 2; }));
+        }
+    }
+    EXPECT_EQ(alive.use_count(), 1);
+}
+
+} // namespace
+} // namespace vantro::tests
