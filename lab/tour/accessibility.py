@@ -134,6 +134,20 @@ class Element:
         return [tuple(Atspi.Table.get_accessible_at(table, row, column).get_name() for column in range(columns))
                 for row in range(count)]
 
+    def select_rows(self, rows):
+        """Selects exactly these rows of a table."""
+        table = self._fresh()
+        for row in range(Atspi.Table.get_n_rows(table)):
+            if row in rows:
+                Atspi.Table.add_row_selection(table, row)
+            else:
+                Atspi.Table.remove_row_selection(table, row)
+        wait_for(f"the rows {rows} are selected", lambda: Atspi.Table.get_selected_rows(self._fresh()) == rows)
+
+    @property
+    def process(self):
+        return self._fresh().get_process_id()
+
     @property
     def windows(self):
         return self.children
