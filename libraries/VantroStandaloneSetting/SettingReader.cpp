@@ -118,6 +118,14 @@ class SettingReader
         adminSetting.foreign = foreignIn(section, {format::toolLoginAuth, format::adminKeys});
     }
 
+    static std::string trimmed(const std::string& text)
+    {
+        constexpr const char* space = " \t\r\n";
+        const auto first = text.find_first_not_of(space);
+        return first == std::string::npos ? std::string()
+                                          : text.substr(first, text.find_last_not_of(space) + 1 - first);
+    }
+
     /// Copies of the children of `parent` that this version does not know.
     ForeignNodes foreignIn(const pugi::xml_node& parent, std::initializer_list<std::string_view> known)
     {
@@ -129,7 +137,10 @@ class SettingReader
                 continue;
             if (!foreign.parent)
                 foreign = {foreign_, foreign_->append_child("element")};
-            foreign.parent.append_copy(child);
+            auto copy = foreign.parent.append_copy(child);
+            // The space around a text is the file's layout, which the writer makes anew each time.
+            if (copy.type() == pugi::node_pcdata)
+                copy.set_value(trimmed(copy.value()).c_str());
         }
         return foreign;
     }

@@ -51,8 +51,15 @@ class Writer : public pugi::xml_writer
 
     void foreign(const ForeignNodes& nodes)
     {
-        for (const auto& node : nodes.parent.children())
-            node.print(*this, indent.data(), pugi::format_indent, pugi::encoding_utf8, depth_);
+        for (const auto& node : nodes.parent.children()) {
+            const bool isText = node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+            if (isText)
+                startLine();
+            node.print(*this, indent.data(), isText ? pugi::format_raw : pugi::format_indent, pugi::encoding_utf8,
+                       depth_);
+            if (isText)
+                text_ += '\n';
+        }
     }
 
     void write(const void* data, std::size_t size) override { text_.append(static_cast<const char*>(data), size); }
@@ -141,6 +148,7 @@ std::string serialised(const VantroStandaloneSetting& setting)
 
     writer.foreign(setting.foreign_);
     writer.close(format::root);
+    writer.foreign(setting.foreignBeside_);
     return writer.take();
 }
 

@@ -31,7 +31,8 @@ const std::string example = R"(<?xml version="1.0" encoding="UTF-8"?>
     </UserSetting>
     <UserSetting>
       <Account>&lt;Zoë &amp; "漢'&gt;</Account>
-      <Keys />
+      <Keys>
+      </Keys>
     </UserSetting>
   </Users>
   <MasterKeySetting>
@@ -117,7 +118,7 @@ TEST(SettingDocument, IsValidUnlessReadingOnWouldMisrepresentIt)
         {version, {"", " version=\"0\""}, {" version=\"2\"", " version=\"one\"", " version=\"\""}},
         {whole, {whole + "<Other/>"}, {"", whole + whole}},
         {"<Users>", {}, {"<Users/><Users>"}},
-        {"<Keys />", {"<Keys></Keys>"}, {"", "<Keys /><Keys />"}},
+        {"<Keys>\n      </Keys>", {"<Keys/>"}, {"", "<Keys/><Keys/>"}},
         {"<Account>adam</Account>", {}, {"", "<Account>adam</Account><Account>eve</Account>"}},
         {"<Serial>1</Serial>", {}, {"", "<Serial>1</Serial><Serial>2</Serial>"}},
         {"<ToolLoginAuth>true</ToolLoginAuth>", {}, {""}},
@@ -154,7 +155,8 @@ TEST(SettingDocument, KeepsWhatItDoesNotKnowAtEveryLevel)
         "MasterKeys",    "MasterKeySetting", "AdminKeys", "AdminSetting", "VantroStandaloneSetting"};
     std::string text = replaced(example, "<Vantro", "<!-- before --><Vantro") + "<!-- after -->";
     const auto foreign = [](const std::string& level) {
-        return "<x:note of=\"" + level + "\"><Serial>0</Serial> t &amp; u </x:note><!-- " + level + " -->";
+        return "<x:note of=\"" + level + "\"><Serial>0</Serial> t &amp; u </x:note><!-- " + level +
+               " -->\n text &amp; <![CDATA[<data>]]> of it\n";
     };
     for (const auto& level : levels)
         text = replaced(text, "</" + level + ">", foreign(level) + "</" + level + ">");
@@ -177,6 +179,7 @@ TEST(SettingDocument, KeepsWhatItDoesNotKnowAtEveryLevel)
         EXPECT_EQ(note.parent().name(), level);
         EXPECT_STREQ(note.child_value(), " t & u ");
         EXPECT_EQ(note.next_sibling().value(), " " + level + " ");
+        EXPECT_NE(std::string(note.parent().child_value()).find("text &"), std::string::npos);
     }
     EXPECT_EQ(document.select_nodes("/comment()").size(), 2U);
     EXPECT_EQ(document.select_node("//*[@of='UserSetting']/../Account").node().child_value(), std::string("adam"));
