@@ -78,7 +78,7 @@ def delete_one(tour):
     tour.select_rows("User keys", [0])
     dialog = tour.open_dialog("Delete user keys")
     tour.see(dialog.says(f"alice : {TOUCHED}"), "the dialog names the key")
-    tour.see("default" in dialog.wait("push button", "Cancel").states, "Enter would press Cancel")
+    tour.see("is-default" in dialog.wait("push button", "Cancel").states, "Enter would press Cancel")
     tour.screenshot("delete-one")
     tour.press_and_close(dialog, "Delete")
     tour.wait_for("the other rows are left", lambda: tour.rows("User keys") == [("alice", FIRST), ("bob", SECOND)])

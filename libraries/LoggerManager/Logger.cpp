@@ -7,10 +7,10 @@ namespace vantro {
 namespace {
 
 void write(spdlog::logger& sink, spdlog::level::level_enum level, const std::string& file, std::string_view message,
-           std::string_view function, const std::source_location& place)
+           std::string_view function, int line)
 {
-    sink.log(level, spdlog::string_view_t(file + ":" + std::to_string(place.line()) + " " + std::string(function) +
-                                          " " + escapedForLog(message)));
+    sink.log(level, spdlog::string_view_t(file + ":" + std::to_string(line) + " " + std::string(function) + " " +
+                                          escapedForLog(message)));
 }
 
 } // namespace
@@ -50,19 +50,19 @@ Logger Logger::inFile(std::string_view file) const
     return {sink_, std::string(file)};
 }
 
-void Logger::info(std::string_view message, std::string_view function, std::source_location place) const
+void Logger::info(std::string_view message, std::string_view function, int line) const
 {
-    write(*sink_, spdlog::level::info, file_, message, function, place);
+    write(*sink_, spdlog::level::info, file_, message, function, line);
 }
 
-void Logger::warning(std::string_view message, std::string_view function, std::source_location place) const
+void Logger::warning(std::string_view message, std::string_view function, int line) const
 {
-    write(*sink_, spdlog::level::warn, file_, message, function, place);
+    write(*sink_, spdlog::level::warn, file_, message, function, line);
 }
 
-void Logger::error(std::string_view message, std::string_view function, std::source_location place) const
+void Logger::error(std::string_view message, std::string_view function, int line) const
 {
-    write(*sink_, spdlog::level::err, file_, message, function, place);
+    write(*sink_, spdlog::level::err, file_, message, function, line);
 }
 
 void Logger::flush() const

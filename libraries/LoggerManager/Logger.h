@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <source_location>
 #include <string>
 #include <string_view>
 
@@ -22,13 +21,10 @@ class Logger
     /// without extension.
     [[nodiscard]] Logger inFile(std::string_view file) const;
 
-    /// `function` is the name of the operation that logs, with its argument labels.
-    void info(std::string_view message, std::string_view function,
-              std::source_location place = std::source_location::current()) const;
-    void warning(std::string_view message, std::string_view function,
-                 std::source_location place = std::source_location::current()) const;
-    void error(std::string_view message, std::string_view function,
-               std::source_location place = std::source_location::current()) const;
+    /// `function` is the name of the operation that logs, with its argument labels; `line` is the caller's own.
+    void info(std::string_view message, std::string_view function, int line = __builtin_LINE()) const;
+    void warning(std::string_view message, std::string_view function, int line = __builtin_LINE()) const;
+    void error(std::string_view message, std::string_view function, int line = __builtin_LINE()) const;
 
     void flush() const;
 

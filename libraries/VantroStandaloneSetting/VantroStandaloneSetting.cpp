@@ -20,6 +20,10 @@ constexpr std::size_t documentSizeLimit = std::size_t{256} * 1024 * 1024;
 constexpr mode_t newDocumentMode = 0660;
 constexpr int asideNamesTried = 1000;
 
+/// Whether the document was there and could not be read when it was asked for last. Its content is known to nobody
+/// then, even if it can be read again by the time something is written. Main thread.
+bool lastReadFailed = false;
+
 Logger settingLogger()
 {
     return LoggerManager::logger("VantroStandalone").inFile("VantroStandaloneSetting/VantroStandaloneSetting");
@@ -71,15 +75,17 @@ void VantroStandaloneSetting::write() const
     options.mode = newDocumentMode;
     std::error_code error;
     if (::stat(url().c_str(), &status) == 0) {
-        if (canBeRead(url(), status))
+        if (canBeRead(url(), status) && !lastReadFailed)
             options.mode = status.st_mode & 07777;
         else
             error = keepAside(url());
     } else if (errno != ENOENT) {
         error = {errno, std::generic_category()};
     }
-    if (!error)
+    if (!error) {
+        lastReadFailed = false;
         error = replaceFile(url(), serialised(*this), options);
+    }
     if (error)
         settingLogger().error("The settings document can't be written to " + url().string() + ": " + error.message() +
                                   ". The file is left as it was.",
@@ -90,7 +96,8 @@ std::optional<std::string> readXML(const std::filesystem::path& url)
 {
     std::error_code error;
     auto bytes = readFile(url, documentSizeLimit, error);
-    if (error && error != std::errc::no_such_file_or_directory)
+    lastReadFailed = error && error != std::errc::no_such_file_or_directory;
+    if (lastReadFailed)
         settingLogger().warning(
             "The settings document can't be read from " + url.string() + ": " + error.message() + ".", "readXML(url:)");
     return bytes;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <QMetaProperty>
+#include <QSignalBlocker>
 
 namespace vantro {
 namespace {
@@ -46,7 +47,11 @@ void bind(QObject* model, const char* property, QObject* control, std::function<
 
 void bindChecked(QObject* model, const char* property, QAbstractButton* control)
 {
-    bind(model, property, control, [control](const QVariant& value) { control->setChecked(value.toBool()); });
+    bind(model, property, control, [control](const QVariant& value) {
+        // A change of the model is no action of the user's.
+        const QSignalBlocker blocker(control);
+        control->setChecked(value.toBool());
+    });
     const QMetaProperty bound = propertyNamed(model, property);
     QObject::connect(control, &QAbstractButton::toggled, model,
                      [model, bound](bool isChecked) { bound.write(model, isChecked); });

@@ -2,7 +2,6 @@
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
-#include <QVBoxLayout>
 
 #include "AppDataSet.h"
 #include "Resources/Storyboards.h"
@@ -26,9 +25,6 @@ void KeyListViewController::connectOutlets(const Outlets& outlets)
     arrayController_->setTableView(table_);
     table_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
-    auto* const tableContent = new QVBoxLayout(table_->viewport());
-    tableContent->addWidget(emptyLabel_);
-    emptyLabel_->setAlignment(Qt::AlignCenter);
     connect(arrayController_, &QAbstractItemModel::modelReset, this, &KeyListViewController::showWhetherEmpty);
 
     // The table owns its action.

@@ -38,7 +38,7 @@ class KeyListViewController : public NSViewController
     {
         QTableView* table;
         NSArrayControllerBase* arrayController;
-        /// Shown in the place of the rows while there are none.
+        /// Shown while there are no rows.
         QLabel* emptyLabel;
         QPushButton* registerButton;
         QPushButton* deleteButton;

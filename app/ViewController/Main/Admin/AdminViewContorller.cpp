@@ -31,7 +31,7 @@ std::unique_ptr<QWidget> AdminViewContorller::loadView()
     adminModel.authCheckButtonModel.bindTo(outlets.toolLoginAuthButton);
     bind(&adminModel.authCheckButtonModel, "isEnabled", outlets.toolLoginAuthHintLabel,
          [hint = outlets.toolLoginAuthHintLabel](const QVariant& isEnabled) { hint->setHidden(isEnabled.toBool()); });
-    connect(outlets.toolLoginAuthButton, &QCheckBox::clicked, this,
+    connect(outlets.toolLoginAuthButton, &QCheckBox::toggled, this,
             [this, box = outlets.toolLoginAuthButton] { onChangeToolLoginAuthButton(box); });
     return view;
 }
