@@ -21,8 +21,8 @@ void ModalWindow::fitContent()
 {
     // Wrapped texts have a height only for a given width, which a layout's own fixed size does not ask for.
     const int width = layout()->totalMinimumSize().width();
-    const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
-                                                     : layout()->totalSizeHint().height();
+    const int height =
+        layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : layout()->totalSizeHint().height();
     setFixedSize(width, height);
 }
 
@@ -34,7 +34,7 @@ bool ModalWindow::event(QEvent* event)
     return isHandled;
 }
 
-void ModalWindow::releaseView()
+ModalWindow::~ModalWindow()
 {
     if (controller_->isViewLoaded())
         controller_->view()->setParent(nullptr);

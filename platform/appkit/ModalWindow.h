@@ -6,8 +6,8 @@ namespace vantro {
 
 class NSViewController;
 
-/// The window of a presented controller. Follows its content in size, whenever a text in it changes, and hands every wish to close it to the
-/// controller. Main thread.
+/// The window of a presented controller. Follows its content in size, whenever a text in it changes, and hands every
+/// wish to close it to the controller. Main thread.
 class ModalWindow : public QDialog
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ class ModalWindow : public QDialog
     ModalWindow(NSViewController* controller, QWidget* parent);
 
     /// Lets the view go, which its controller owns.
-    void releaseView();
+    ~ModalWindow() override;
 
     void reject() override;
 
