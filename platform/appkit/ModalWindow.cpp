@@ -34,7 +34,7 @@ bool ModalWindow::event(QEvent* event)
     return isHandled;
 }
 
-void ModalWindow::releaseView()
+ModalWindow::~ModalWindow()
 {
     if (controller_->isViewLoaded())
         controller_->view()->setParent(nullptr);

@@ -17,7 +17,7 @@ class ModalWindow : public QDialog
     ModalWindow(NSViewController* controller, QWidget* parent);
 
     /// Lets the view go, which its controller owns.
-    void releaseView();
+    ~ModalWindow() override;
 
     void reject() override;
 

@@ -14,8 +14,7 @@ NSViewController::NSViewController() = default;
 NSViewController::~NSViewController()
 {
     endObservations();
-    if (modalWindow_)
-        modalWindow_->releaseView();
+    delete modalWindow_.data();
 }
 
 QWidget* NSViewController::view()
@@ -42,7 +41,7 @@ void NSViewController::presentAsModalWindow(std::unique_ptr<NSViewController> pr
     QWidget* front = QApplication::activeModalWidget();
     if (front == nullptr)
         front = window();
-    controller->modalWindow_ = std::make_unique<ModalWindow>(controller, front);
+    controller->modalWindow_ = std::make_unique<ModalWindow>(controller, front).release();
     controller->setWindowButtons(WindowButtons::Close);
     controller->modalWindow_->setWindowTitle(controller->title());
     controller->beginAppearance();

@@ -99,7 +99,8 @@ class NSViewController : public QObject
     std::unique_ptr<QWidget> view_;
     QString title_;
     QPointer<NSViewController> presenter_;
-    std::unique_ptr<ModalWindow> modalWindow_;
+    /// Ours, but the window that it stands in front of may take it along.
+    QPointer<ModalWindow> modalWindow_;
     std::vector<Observation> observations_;
     /// Gone as soon as the controller hears nothing more; read and reset on the main thread alone.
     std::shared_ptr<bool> liveness_ = std::make_shared<bool>(true);

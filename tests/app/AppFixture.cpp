@@ -1,0 +1,204 @@
+#include "app/AppFixture.h"
+
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <sstream>
+#include <sys/inotify.h>
+#include <thread>
+
+#include <unistd.h>
+
+#include "LoggerManager/LoggerManager.h"
+#include "LoginAuthentication.h"
+#include "Resources/Storyboards.h"
+#include "ServiceRequests.h"
+#include "appkit/StringTable.h"
+#include "appkit/UserDefaults.h"
+#include "usb/HIDDeviceMonitor.h"
+
+namespace vantro::tests {
+
+bool spinUntil(const std::function<bool()>& condition)
+{
+    return QTest::qWaitFor(condition, static_cast<int>(std::chrono::milliseconds(ample).count()));
+}
+
+bool activate(QWidget& window)
+{
+    window.activateWindow();
+    return spinUntil([&window] { return QApplication::activeWindow() == &window; });
+}
+
+void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    if (QWidget* const modal = QApplication::activeModalWidget()) {
+        ASSERT_TRUE(activate(*modal));
+    }
+    QTest::keyClick(QGuiApplication::focusWindow(), key, modifiers);
+}
+
+AppFixture::AppFixture() : replacements_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK))
+{
+    ::inotify_add_watch(replacements_.get(), prefix.settingsFolder().c_str(), IN_MOVED_TO);
+    serviceReplyLimit = ample;
+    LoginAuthentication::validationLimit = ample;
+    QApplication::setQuitOnLastWindowClosed(false);
+    NSApplication::attachMainQueue();
+    installStringTables(QStringLiteral(":/strings"));
+    NSAlert::setPresenter([this](NSAlert& alert) { return present(alert); });
+}
+
+AppFixture::~AppFixture()
+{
+    NSAlert::setPresenter({});
+    window_.reset();
+}
+
+void AppFixture::store(const DocumentContent& content) const
+{
+    writeFile(prefix.settingsDocument(), serialised(content.asDocument()));
+}
+
+DocumentContent AppFixture::stored() const
+{
+    const VantroStandaloneSetting setting(XML::parse(contentOf(prefix.settingsDocument())));
+    EXPECT_TRUE(setting.isValid());
+    return DocumentContent::of(setting);
+}
+
+int AppFixture::takeWrites()
+{
+    int writes = 0;
+    alignas(inotify_event) std::array<char, 4096> buffer{};
+    for (;;) {
+        const ssize_t size = ::read(replacements_.get(), buffer.data(), buffer.size());
+        if (size <= 0)
+            return writes;
+        for (ssize_t position = 0; position < size;) {
+            inotify_event event = {};
+            std::memcpy(&event, buffer.data() + position, sizeof event);
+            const char* const name = buffer.data() + position + sizeof event;
+            if (prefix.settingsDocument().filename() == name)
+                ++writes;
+            position += static_cast<ssize_t>(sizeof event + event.len);
+        }
+    }
+}
+
+NSWindow& AppFixture::window()
+{
+    if (!window_) {
+        UserDefaults::standard().set(QStringLiteral("suppression"), true);
+        UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
+        window_ = std::make_unique<NSWindow>(mainStoryboard().instantiateController("TabViewController"));
+        window_->makeKeyAndOrderFront();
+        EXPECT_TRUE(activate(*window_));
+    }
+    return *window_;
+}
+
+NSViewController& AppFixture::switchTo(const char* identifier)
+{
+    auto& tabs = dynamic_cast<NSTabViewController&>(*window().contentViewController());
+    const auto& items = tabs.tabViewItems();
+    const auto item = std::find_if(items.begin(), items.end(), [identifier](const auto& candidate) {
+        return candidate->identifier() == QLatin1String(identifier);
+    });
+    window().findChild<QTabWidget*>()->setCurrentIndex(static_cast<int>(item - items.begin()));
+    return *(*item)->viewController();
+}
+
+void AppFixture::onMonitorThread(const std::function<void()>& work)
+{
+    std::atomic<bool> isDone = false;
+    std::thread thread([&] {
+        work();
+        isDone = true;
+    });
+    EXPECT_TRUE(spinUntil([&] { return isDone.load(); }));
+    thread.join();
+}
+
+void AppFixture::postConnected(std::size_t reportSize)
+{
+    NotificationCenter::defaultCenter().post(
+        HIDDeviceConnected, HIDDevice{"/sys/devices/token", 0x1050, 0x0407, reportSize, "/dev/hidraw0", "YubiKey"});
+}
+
+void AppFixture::postDisconnected()
+{
+    NotificationCenter::defaultCenter().post(HIDDeviceDisconnected, HIDDevice{});
+}
+
+void AppFixture::plugIn(std::uint64_t serial)
+{
+    dataSet();
+    service->script("GetSerial", {{serial}});
+    onMonitorThread([] {
+        postConnected(8);
+        postConnected(64);
+    });
+}
+
+void AppFixture::unplug()
+{
+    onMonitorThread([] {
+        postDisconnected();
+        postDisconnected();
+    });
+}
+
+std::string AppFixture::wholeLog() const
+{
+    return contentOf(LoggerManager::logFile("VantroStandalone"));
+}
+
+std::vector<std::string> AppFixture::log(const std::string& file) const
+{
+    std::vector<std::string> records;
+    std::istringstream lines(wholeLog().substr(forgottenLog_));
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string time;
+        std::string level;
+        std::string place;
+        words >> time >> level >> place;
+        words.get();
+        std::string rest;
+        std::getline(words, rest);
+        if (place.substr(0, place.rfind(':')) == file)
+            records.push_back(level == "info" ? rest : level + " " + rest);
+    }
+    return records;
+}
+
+std::vector<std::string> AppFixture::messages(const std::string& file) const
+{
+    auto records = log(file);
+    for (std::string& record : records)
+        record.erase(0, record.find(' ') + 1);
+    return records;
+}
+
+void AppFixture::forgetLog()
+{
+    forgottenLog_ = wholeLog().size();
+}
+
+int AppFixture::present(NSAlert& alert)
+{
+    alerts.push_back({alert.windowTitle, alert.alertStyle, alert.messageText, alert.informativeText,
+                      alert.accessoryText, QStringList(alert.buttons().begin(), alert.buttons().end()),
+                      alert.defaultButton, alert.suppressionTitle});
+    if (whileAlert)
+        whileAlert();
+    alert.isSuppressed = ticksSuppression;
+    if (answers.empty())
+        return NSAlert::firstButtonReturn;
+    const int answer = answers.front();
+    answers.pop_front();
+    return answer;
+}
+
+} // namespace vantro::tests

@@ -1,0 +1,150 @@
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <QApplication>
+#include <QPointer>
+#include <QPushButton>
+#include <QString>
+#include <QStringList>
+#include <QTabWidget>
+#include <QTest>
+#include <gmock/gmock.h>
+
+#include "AppDataSet.h"
+#include "app/DocumentContent.h"
+#include "appkit/NSAlert.h"
+#include "appkit/NSApplication.h"
+#include "appkit/NSTabViewController.h"
+#include "foundation/FileDescriptor.h"
+#include "support/PlainBus.h"
+#include "support/ScriptedService.h"
+#include "support/TemporaryPrefix.h"
+#include "support/WaitUntil.h"
+#include "tokens/TokenBed.h"
+
+/// Test failures show texts as texts.
+inline void PrintTo(const QString& text, std::ostream* stream)
+{
+    *stream << '"' << text.toStdString() << '"';
+}
+
+namespace vantro::tests {
+
+using namespace std::chrono_literals;
+
+/// Far longer than anything takes; a condition that is waited for this long does not come.
+constexpr auto ample = 20s;
+
+/// Handles events, and destroys what is to be destroyed, until `condition` holds; false when it does not in time.
+[[nodiscard]] bool spinUntil(const std::function<bool()>& condition);
+
+/// Gives a window the focus; false when it does not get it.
+[[nodiscard]] bool activate(QWidget& window);
+
+/// A key press for the modal window in front, or else for the one that has the focus.
+void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+
+/// The settings tool in this process, as far as its window: an installation and a bus of its own, a scripted service
+/// that answers true, alerts that are answered by the test, and tokens that come and go on a thread that stands for
+/// the monitor's.
+class AppFixture : public testing::Test
+{
+  protected:
+    AppFixture();
+    ~AppFixture() override;
+
+    /// Writes the settings document's file; before the first dataSet().
+    void store(const DocumentContent& content) const;
+    /// The content of the settings document's file.
+    [[nodiscard]] DocumentContent stored() const;
+    /// How often the document's file was replaced since the last call.
+    int takeWrites();
+
+    AppDataSet& dataSet() { return AppDataSet::shared(); }
+
+    /// The main window, opened as on any start but the first, when it is not open yet.
+    NSWindow& window();
+    /// The page of a tab, which is switched to.
+    template <class Page>
+    Page& page(const char* identifier)
+    {
+        return dynamic_cast<Page&>(switchTo(identifier));
+    }
+    NSViewController& switchTo(const char* identifier);
+
+    /// Clicks a button of a page, and answers the dialog that the page presents then; null when it presents none.
+    template <class Dialog>
+    QPointer<Dialog> present(NSViewController& page, QPushButton* button)
+    {
+        QTest::mouseClick(button, Qt::LeftButton);
+        return page.findChild<Dialog*>();
+    }
+    /// Whether a dialog is gone by now or soon. The main window is in front again then, as a desktop does it.
+    template <class Dialog>
+    [[nodiscard]] bool isDismissed(const QPointer<Dialog>& dialog)
+    {
+        const bool isGone = spinUntil([&] { return dialog.isNull(); });
+        return isGone && (QApplication::activeModalWidget() != nullptr || activate(window()));
+    }
+
+    /// Runs `work` on a thread that stands for the monitor's, and handles events until it has returned.
+    void onMonitorThread(const std::function<void()>& work);
+    static void postConnected(std::size_t reportSize);
+    static void postDisconnected();
+    /// One token with two interfaces, whose serial the service gives away.
+    void plugIn(std::uint64_t serial);
+    void unplug();
+
+    /// The log's records of a source file since the last forgetLog(), each "FUNCTION MESSAGE", and with its level in
+    /// front unless that is info.
+    [[nodiscard]] std::vector<std::string> log(const std::string& file) const;
+    /// The messages alone.
+    [[nodiscard]] std::vector<std::string> messages(const std::string& file) const;
+    void forgetLog();
+
+    struct ShownAlert
+    {
+        QString windowTitle;
+        NSAlert::Style style = NSAlert::Style::Warning;
+        QString message;
+        QString information;
+        QString accessory;
+        QStringList buttons;
+        int defaultButton = 0;
+        std::optional<QString> suppression;
+    };
+    std::vector<ShownAlert> alerts;
+    /// The answers to the next alerts; the first button when there is none left.
+    std::deque<int> answers;
+    /// Whether an alert's suppression box gets ticked.
+    bool ticksSuppression = false;
+    /// Called while an alert is shown.
+    std::function<void()> whileAlert;
+
+    TemporaryPrefix prefix;
+    lab::TokenBed bed;
+    PlainBus bus;
+    std::optional<ScriptedService> service{std::in_place};
+
+  private:
+    int present(NSAlert& alert);
+    [[nodiscard]] std::string wholeLog() const;
+
+    int argumentCount_ = 1;
+    std::string name_ = "vantro-standalone";
+    std::vector<char*> arguments_{name_.data(), nullptr};
+    QApplication application_{argumentCount_, arguments_.data()};
+    std::unique_ptr<NSWindow> window_;
+    std::size_t forgottenLog_ = 0;
+    FileDescriptor replacements_;
+};
+
+} // namespace vantro::tests

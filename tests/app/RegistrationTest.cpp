@@ -1,0 +1,505 @@
+// The three registration dialogs, clicked and typed into as a person does.
+
+#include <QLabel>
+
+#include "AdminViewMessage.h"
+#include "CommonMessage.h"
+#include "MasterKeyViewMessage.h"
+#include "Resources/Storyboards.h"
+#include "ServiceRequests.h"
+#include "UserViewMessage.h"
+#include "ViewController/Main/Admin/AdminViewContorller.h"
+#include "ViewController/Main/KeyListViewController.h"
+#include "ViewController/Main/Master/MasterKeyViewController.h"
+#include "ViewController/Main/RegistrationKeyViewController.h"
+#include "ViewController/Main/User/RegistrationUserKeyViewController.h"
+#include "ViewController/Main/User/UserViewController.h"
+#include "app/AppFixture.h"
+
+namespace vantro::tests {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+/// One of the three dialogs, and in what it differs from the others.
+struct Kind
+{
+    const char* name;
+    const char* tab;
+    const char* file;
+    const char* dialog;
+    const QString& (*notConnected)();
+    const QString& (*alreadyAllocated)();
+    bool closesAfterRefusal;
+    /// A document whose list that the dialog fills has these keys.
+    DocumentContent (*with)(const Serials& serials);
+    std::vector<std::string> beforeRequest;
+    std::vector<std::string> afterRequest;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Kind& kind)
+{
+    return stream << kind.name;
+}
+
+const Kind kinds[] = {
+    {"User",
+     "UserKey",
+     "ViewController/Main/User/RegistrationUserKeyViewController",
+     "RegistrationUserKeyViewController",
+     UserViewMessage::yubiKeyIsNotConnected,
+     UserViewMessage::alreadyAllocatedKey,
+     false,
+     [](const Serials& serials) {
+         return serials.empty() ? DocumentContent{} : DocumentContent{.users = {{"tester", serials}}};
+     },
+     {"Allocate YubiKey."},
+     {"Append allocaetd key. [accout: tester, serial: 5]"}},
+    {"Master",
+     "MasterKey",
+     "ViewController/Main/Master/RegistrationMasterKeyViewController",
+     "RegistrationMasterKeyViewController",
+     MasterKeyViewMessage::yubiKeyIsNotConnected,
+     MasterKeyViewMessage::alreadyAllocatedKey,
+     false,
+     [](const Serials& serials) { return DocumentContent{.masterKeys = serials}; },
+     {"Serial: 5"},
+     {"Update setting."}},
+    {"Admin",
+     "Admin",
+     "ViewController/Main/Admin/RegistrationAdminKeyViewController",
+     "RegistrationAdminKeyViewController",
+     AdminViewMessage::yubiKeyIsNotConnected,
+     AdminViewMessage::alreadyAllocatedKey,
+     true,
+     [](const Serials& serials) { return DocumentContent{.adminKeys = serials}; },
+     {},
+     {}},
+};
+
+std::vector<std::string> concatenated(std::initializer_list<std::vector<std::string>> lists)
+{
+    std::vector<std::string> all;
+    for (const auto& list : lists)
+        all.insert(all.end(), list.begin(), list.end());
+    return all;
+}
+
+class Registration : public AppFixture, public testing::WithParamInterface<Kind>
+{
+  protected:
+    KeyListViewController& list() { return page<KeyListViewController>(kind().tab); }
+    QPointer<RegistrationKeyViewController> open()
+    {
+        return present<RegistrationKeyViewController>(list(), list().registerButton);
+    }
+    const Kind& kind() { return GetParam(); }
+    static std::string text(const RegistrationKeyViewController& dialog)
+    {
+        return dialog.serialLabelModel.text().toStdString();
+    }
+    /// What the list's table shows in its last column.
+    Serials rows()
+    {
+        auto& table = *list().view()->findChild<QTableView*>();
+        QAbstractItemModel& model = *table.model();
+        Serials serials;
+        for (int row = 0; row < model.rowCount(); ++row)
+            serials.push_back(model.index(row, model.columnCount() - 1).data().toULongLong());
+        return serials;
+    }
+    bool hasSelection() { return list().view()->findChild<QTableView*>()->selectionModel()->hasSelection(); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Dialogs, Registration, testing::ValuesIn(kinds),
+                         [](const auto& instance) { return instance.param.name; });
+
+TEST_P(Registration, DisplayFollowsTheTokens)
+{
+    store(kind().with({9}));
+    const auto dialog = open();
+    auto* const label = dialog->view()->findChild<QLabel*>("serialLabel");
+    const std::string notConnected = kind().notConnected().toStdString();
+    const struct
+    {
+        std::function<void()> change;
+        std::string text;
+        bool isEnabled;
+    } steps[] = {
+        {[] {}, notConnected, false},
+        {[&] { plugIn(18446744073709551615U); }, "18446744073709551615", true},
+        {[&] { plugIn(9); }, "9\n" + kind().alreadyAllocated().toStdString(), false},
+        {[&] { plugIn(5); }, "5", true},
+        // One of the tokens goes, and which one is not known.
+        {[&] { unplug(); }, notConnected, false},
+        {[&] { plugIn(5); }, "5", true},
+        // A token without a readable serial is announced to nobody.
+        {[&] { plugIn(0); }, "5", true},
+    };
+    for (const auto& [change, expected, isEnabled] : steps) {
+        change();
+        EXPECT_TRUE(spinUntil([&, &text_ = expected] { return text(*dialog) == text_; })) << text(*dialog);
+        EXPECT_EQ(label->text().toStdString(), expected);
+        EXPECT_EQ(dialog->OKButton->isEnabled(), isEnabled);
+    }
+    std::vector<std::string> loading = {"viewDidLoad() Start viewDidLoad."};
+    if (kind().name == std::string("User")) {
+        loading.emplace_back("viewDidLoad() Unable to connect to the active directory server, added a user.");
+        loading.emplace_back("viewDidLoad() [Full name: Test Person, Accout name: tester]");
+    }
+    const std::vector<std::string> following = {
+        "updateDisplay() YubiKey is not connected.",
+        "viewDidLoad() Finished viewDidLoad.",
+        "viewWillAppear() viewWillAppear",
+        "onDeviceConnected() YubiKey connected.",
+        "updateDisplay() YubiKey connected. [Serial: 18446744073709551615]",
+        "onDeviceConnected() YubiKey connected.",
+        "updateDisplay() YubiKey connected. [Serial: 9]",
+        "updateDisplay() The settings are already assigned.",
+        "onDeviceConnected() YubiKey connected.",
+        "updateDisplay() YubiKey connected. [Serial: 5]",
+        "onDeviceDisconnected() YubiKey disconnected.",
+        "onDeviceConnected() YubiKey connected.",
+        "updateDisplay() YubiKey connected. [Serial: 5]",
+    };
+    EXPECT_THAT(log(kind().file), ElementsAreArray(concatenated({loading, following})));
+    EXPECT_EQ(takeWrites(), 0);
+}
+
+TEST_P(Registration, RegisterWritesTheFileThenTheDocumentThenTheList)
+{
+    store(kind().with({3, 9}));
+    plugIn(5);
+    list().view()->findChild<QTableView*>()->selectAll();
+    const auto dialog = open();
+    EXPECT_EQ(text(*dialog), "5");
+    forgetLog();
+    service->forgetCalls();
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+
+    EXPECT_TRUE(isDismissed(dialog));
+    ASSERT_THAT(service->methods(), ElementsAre("CreateCRSettingFile"));
+    EXPECT_EQ(service->calls()[0].serial, 5U);
+    EXPECT_EQ(stored(), kind().with({3, 5, 9}));
+    EXPECT_EQ(takeWrites(), 1);
+    EXPECT_THAT(rows(), ElementsAre(3, 5, 9));
+    EXPECT_FALSE(hasSelection());
+    EXPECT_THAT(messages(kind().file),
+                ElementsAreArray(concatenated({{"Called onClickOK."}, kind().beforeRequest, kind().afterRequest})));
+    EXPECT_THAT(alerts, IsEmpty());
+}
+
+TEST_P(Registration, AFileThatIsNotWrittenLeavesEverythingElseAsItWas)
+{
+    using Answer = ScriptedService::Answer;
+    store(kind().with({3}));
+    plugIn(5);
+    takeWrites();
+    const struct
+    {
+        std::optional<Answer> answer;
+        bool waitsForTheLimit;
+    } cases[] = {{Answer{false}, false},
+                 {Answer{ScriptedService::Refusal()}, true},
+                 {Answer{ScriptedService::Silence()}, true},
+                 {Answer{true, 400ms}, true},
+                 {std::nullopt, true}};
+    for (const auto& [answer, waitsForTheLimit] : cases) {
+        serviceReplyLimit = waitsForTheLimit ? 200ms : std::chrono::milliseconds(ample);
+        if (answer)
+            service->script("CreateCRSettingFile", {*answer});
+        else
+            service.reset();
+        const auto dialog = open();
+        forgetLog();
+        const auto start = std::chrono::steady_clock::now();
+        QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+
+        EXPECT_EQ(std::chrono::steady_clock::now() - start >= 200ms, waitsForTheLimit);
+        ASSERT_EQ(alerts.size(), 1U);
+        EXPECT_EQ(alerts[0].windowTitle, "Vantro Standalone (Version 1.0.0)");
+        EXPECT_EQ(alerts[0].style, NSAlert::Style::Warning);
+        EXPECT_EQ(alerts[0].message, CommonMessage::warning());
+        EXPECT_EQ(alerts[0].information, CommonMessage::CRFailureAlert());
+        EXPECT_EQ(alerts[0].buttons, QStringList{CommonMessage::ok()});
+        alerts.clear();
+        EXPECT_THAT(messages(kind().file),
+                    ElementsAreArray(concatenated(
+                        {{"Called onClickOK."}, kind().beforeRequest, {"Failed to update the CR setting file."}})));
+        EXPECT_EQ(stored(), kind().with({3}));
+        EXPECT_EQ(takeWrites(), 0);
+        EXPECT_THAT(rows(), ElementsAre(3));
+
+        // The window can be used: the dialog's own Cancel, and the tabs behind it.
+        if (!kind().closesAfterRefusal) {
+            EXPECT_TRUE(dialog->OKButton->isEnabled());
+            EXPECT_EQ(text(*dialog), "5");
+            pressKey(Qt::Key_Escape);
+            EXPECT_EQ(messages(kind().file).back(), "Called onClickCancel.");
+        }
+        EXPECT_TRUE(isDismissed(dialog));
+        switchTo("Setting");
+    }
+}
+
+TEST_P(Registration, ATokenThatIsPulledOutMeanwhile)
+{
+    dataSet();
+    const auto openAndRegister = [&](const ScriptedService::Answer& answer) {
+        plugIn(5);
+        service->forgetCalls();
+        service->script("CreateCRSettingFile", {answer});
+        const auto dialog = open();
+        std::thread monitor([&] {
+            EXPECT_TRUE(waitUntil([&] { return !service->methods().empty(); }));
+            postDisconnected();
+            postDisconnected();
+        });
+        QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+        monitor.join();
+        return dialog;
+    };
+    // The dialog says so as soon as the main thread is free, under the alert already.
+    whileAlert = [&] {
+        const auto* const dialog = list().findChild<RegistrationKeyViewController*>();
+        EXPECT_TRUE(spinUntil([&] { return dialog->serialLabelModel.text() == kind().notConnected(); }));
+    };
+    const auto refused = openAndRegister({false, 300ms});
+    EXPECT_EQ(alerts.size(), 1U);
+    EXPECT_EQ(stored(), DocumentContent());
+    if (!kind().closesAfterRefusal) {
+        EXPECT_FALSE(refused->OKButton->isEnabled());
+        QTest::keyClick(refused->view(), Qt::Key_Escape);
+    }
+    EXPECT_TRUE(isDismissed(refused));
+
+    // The record was written before the token went, so the registration stands.
+    const auto accepted = openAndRegister({true, 300ms});
+    EXPECT_TRUE(isDismissed(accepted));
+    EXPECT_EQ(stored(), kind().with({5}));
+    EXPECT_EQ(dataSet().connectedYubiKeyCount(), 0);
+}
+
+TEST_P(Registration, PresentedByAnotherControllerItDoesNothing)
+{
+    plugIn(5);
+    service->forgetCalls();
+    takeWrites();
+    auto& other = switchTo("Setting");
+    other.presentAsModalWindow(mainStoryboard().instantiateController(kind().dialog));
+    const QPointer dialog(other.findChild<RegistrationKeyViewController*>());
+    forgetLog();
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    EXPECT_THAT(messages(kind().file), ElementsAre("Called onClickOK.", "Return onClickOK."));
+    EXPECT_THAT(service->methods(), IsEmpty());
+    EXPECT_EQ(takeWrites(), 0);
+    if (kind().closesAfterRefusal)
+        EXPECT_TRUE(isDismissed(dialog));
+    else
+        EXPECT_TRUE(dialog->view()->isVisible());
+}
+
+TEST_P(Registration, OnlyABareSerialIsRegistered)
+{
+    plugIn(5);
+    service->forgetCalls();
+    for (const char* const shown : {"", " 5", "5 ", "5\n", "-5", "0x5", "18446744073709551616", "٥"}) {
+        const auto dialog = open();
+        dialog->serialLabelModel.setText(QString::fromUtf8(shown));
+        dialog->onClickOK(nullptr);
+        EXPECT_EQ(messages(kind().file).back(), "Return onClickOK.");
+        EXPECT_THAT(service->methods(), IsEmpty()) << shown;
+        dialog->dismissController();
+        EXPECT_TRUE(isDismissed(dialog));
+    }
+    const auto dialog = open();
+    dialog->serialLabelModel.setText(QStringLiteral("+0005"));
+    dialog->onClickOK(nullptr);
+    EXPECT_EQ(stored(), kind().with({5}));
+}
+
+/// The two dialogs that look once more when the token's file has been written.
+class RegistrationLookingAgain : public Registration
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Dialogs, RegistrationLookingAgain, testing::ValuesIn(kinds + 1, std::end(kinds)),
+                         [](const auto& instance) { return instance.param.name; });
+
+TEST_P(RegistrationLookingAgain, ATokenThatWasAddedMeanwhile)
+{
+    plugIn(5);
+    const auto dialog = open();
+    dataSet().vantroStandaloneSetting = kind().with({5}).asDocument();
+    takeWrites();
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    EXPECT_EQ(messages(kind().file).back(), "This YubiKey is already assigned. [Serial: 5]");
+    EXPECT_THAT(service->methods(), Contains("CreateCRSettingFile"));
+    EXPECT_EQ(takeWrites(), 0);
+    EXPECT_EQ(dialog->view()->isVisible(), !kind().closesAfterRefusal);
+}
+
+TEST_P(Registration, ByKeyboardAlone)
+{
+    plugIn(5);
+    list().registerButton->setFocus();
+    pressKey(Qt::Key_Space);
+    QPointer dialog(list().findChild<RegistrationKeyViewController*>());
+    ASSERT_TRUE(activate(*dialog->view()->window()));
+
+    // Tab comes by every control that there is, and nothing else.
+    std::set<QWidget*> controls;
+    for (QWidget* const widget : dialog->view()->findChildren<QWidget*>())
+        if (widget->isVisible() && (widget->focusPolicy() & Qt::TabFocus) != 0)
+            controls.insert(widget);
+    std::set<QWidget*> visited;
+    for (std::size_t step = 0; step < controls.size(); ++step) {
+        pressKey(Qt::Key_Tab);
+        visited.insert(QApplication::focusWidget());
+    }
+    EXPECT_EQ(visited, controls);
+    EXPECT_EQ(controls.count(dialog->OKButton), 1U);
+
+    takeWrites();
+    pressKey(Qt::Key_Escape);
+    EXPECT_EQ(messages(kind().file).back(), "Called onClickCancel.");
+    EXPECT_TRUE(isDismissed(dialog));
+    EXPECT_EQ(takeWrites(), 0);
+
+    pressKey(Qt::Key_Space);
+    dialog = list().findChild<RegistrationKeyViewController*>();
+    pressKey(Qt::Key_Return);
+    EXPECT_TRUE(isDismissed(dialog));
+    EXPECT_EQ(stored(), kind().with({5}));
+}
+
+class UserRegistration : public AppFixture
+{
+  protected:
+    QPointer<RegistrationUserKeyViewController> open()
+    {
+        auto& list = page<UserViewController>("UserKey");
+        return present<RegistrationUserKeyViewController>(list, list.registerButton);
+    }
+    static QStringList titles(const QComboBox& popUp)
+    {
+        QStringList texts;
+        for (int index = 0; index < popUp.count(); ++index)
+            texts += popUp.itemText(index);
+        return texts;
+    }
+    /// Chooses an account by keyboard.
+    static void choose(QComboBox& popUp, const char* account)
+    {
+        popUp.setFocus();
+        while (popUp.currentIndex() > popUp.findText(account))
+            QTest::keyClick(&popUp, Qt::Key_Up);
+        while (popUp.currentIndex() < popUp.findText(account))
+            QTest::keyClick(&popUp, Qt::Key_Down);
+        ASSERT_EQ(popUp.currentText(), account);
+    }
+};
+
+TEST_F(UserRegistration, AnAccountThatTheDirectoryDoesNotListIsTheLastItem)
+{
+    const auto dialog = open();
+    ASSERT_TRUE(activate(*dialog->view()->window()));
+    EXPECT_EQ(titles(*dialog->accountPopUpButton), (QStringList{"Zed", "adam", "tester"}));
+    EXPECT_EQ(dialog->accountPopUpButton->currentText(), "tester");
+    auto* const fullName = dialog->view()->findChild<QLabel*>("fullNameLabel");
+    EXPECT_EQ(fullName->text(), "Test Person");
+    forgetLog();
+    choose(*dialog->accountPopUpButton, "adam");
+    EXPECT_FALSE(fullName->isVisible()) << "this account has no full name";
+    EXPECT_THAT(log("ViewController/Main/User/RegistrationUserKeyViewController"),
+                ElementsAre("onChangeAccount(_:) Called onChangeAccount", "updateDisplay() YubiKey is not connected."));
+    choose(*dialog->accountPopUpButton, "Zed");
+    EXPECT_EQ(fullName->text(), "Zed Zero");
+    EXPECT_TRUE(fullName->isVisible());
+}
+
+TEST_F(UserRegistration, AnAccountThatTheDirectoryListsStaysInItsPlace)
+{
+    // The first record of a name is that name's, and any record of a user id tells its name.
+    const char* const passwd = std::getenv("NSS_WRAPPER_PASSWD");
+    writeFile(passwd, "Zed:x:1801:100:Zed Zero:/:/bin/sh\nZed:x:" + std::to_string(::geteuid()) +
+                          ":100:Hidden:/:/bin/sh\nadam:x:1802:100::/:/bin/sh\n");
+    // A change within the second would not be seen.
+    std::filesystem::last_write_time(passwd, std::filesystem::last_write_time(passwd) + 10s);
+    const auto dialog = open();
+    EXPECT_EQ(titles(*dialog->accountPopUpButton), (QStringList{"Zed", "adam"}));
+    EXPECT_EQ(dialog->accountPopUpButton->currentText(), "Zed");
+    EXPECT_THAT(
+        messages("ViewController/Main/User/RegistrationUserKeyViewController"),
+        ElementsAre("Start viewDidLoad.", "YubiKey is not connected.", "Finished viewDidLoad.", "viewWillAppear"));
+}
+
+TEST_F(UserRegistration, ATokenMayBelongToSeveralAccounts)
+{
+    store({.users = {{"tester", {12345}}}, .masterKeys = {12345}, .adminKeys = {12345}});
+    plugIn(12345);
+    const auto dialog = open();
+    EXPECT_FALSE(dialog->OKButton->isEnabled());
+    choose(*dialog->accountPopUpButton, "adam");
+    EXPECT_EQ(dialog->serialLabelModel.text(), "12345");
+    forgetLog();
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    EXPECT_THAT(messages("ViewController/Main/User/RegistrationUserKeyViewController"),
+                ElementsAre("Called onClickOK.", "Allocate YubiKey.", "Create new user. [account: adam]",
+                            "Append allocaetd key. [accout: adam, serial: 12345]"));
+    EXPECT_EQ(stored(),
+              (DocumentContent{
+                  .users = {{"adam", {12345}}, {"tester", {12345}}}, .masterKeys = {12345}, .adminKeys = {12345}}));
+    EXPECT_TRUE(isDismissed(dialog));
+}
+
+TEST_F(UserRegistration, SortsTheWholeDocumentAndTheListAlike)
+{
+    // "é" as one code point and as two is one account; code points decide, not the letters.
+    const std::string composed = "\u00e9";
+    const std::string decomposed = "e\u0301";
+    store({.users = {{"tester", {9}},
+                     {decomposed, {1000, 999}},
+                     {"tester", {5}},
+                     {"adam", {18446744073709551615U, 2}},
+                     {"f", {}},
+                     {"Zed", {7}}}});
+    plugIn(5);
+    const auto dialog = open();
+    EXPECT_TRUE(dialog->OKButton->isEnabled()) << "only the first entry of an account counts";
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    EXPECT_EQ(stored().users, (std::vector<std::pair<std::string, Serials>>{{"Zed", {7}},
+                                                                            {"adam", {2, 18446744073709551615U}},
+                                                                            {"f", {}},
+                                                                            {"tester", {5, 9}},
+                                                                            {"tester", {5}},
+                                                                            {decomposed, {999, 1000}}}));
+    const auto& rows = page<UserViewController>("UserKey").userKeyModels.get();
+    std::vector<std::string> texts;
+    for (const UserKeyModel& row : rows)
+        texts.push_back(row.account() + " " + row.serial());
+    EXPECT_THAT(texts, ElementsAre("Zed 7", "adam 2", "adam 18446744073709551615", "tester 5", "tester 5", "tester 9",
+                                   decomposed + " 999", decomposed + " 1000"));
+    EXPECT_TRUE(isDismissed(dialog));
+}
+
+TEST_F(AppFixture, AnAdministratorKeyUnlocksItsSwitch)
+{
+    plugIn(300);
+    auto& list = page<AdminViewContorller>("Admin");
+    EXPECT_FALSE(list.adminModel.authCheckButtonModel.isEnabled());
+    for (const std::uint64_t serial : {300, 100, 200}) {
+        plugIn(serial);
+        const auto dialog = present<RegistrationKeyViewController>(list, list.registerButton);
+        QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+        EXPECT_TRUE(isDismissed(dialog));
+        EXPECT_TRUE(list.adminModel.authCheckButtonModel.isEnabled());
+    }
+    EXPECT_EQ(stored(), (DocumentContent{.adminKeys = {100, 200, 300}}));
+}
+
+} // namespace
+} // namespace vantro::tests
