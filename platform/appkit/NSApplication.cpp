@@ -8,7 +8,6 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
-#include <QVBoxLayout>
 
 #include "appkit/StringTable.h"
 #include "foundation/DispatchQueue.h"
@@ -23,16 +22,14 @@ NSWindow::NSWindow(std::unique_ptr<NSViewController> contentViewController)
 NSWindow::~NSWindow()
 {
     // The view belongs to its controller, which goes after this body.
-    if (controller_->isViewLoaded())
-        controller_->view()->setParent(nullptr);
+    if (QWidget* const view = takeCentralWidget())
+        view->setParent(nullptr);
 }
 
 void NSWindow::makeKeyAndOrderFront()
 {
     QWidget* const view = controller_->view();
-    auto* const content = new QVBoxLayout(this);
-    content->setContentsMargins(0, 0, 0, 0);
-    content->addWidget(view);
+    setCentralWidget(view);
     setWindowTitle(controller_->title());
     controller_->beginAppearance();
     show();

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 
+#include <QMainWindow>
 #include <QWidget>
 
 #include "appkit/NSViewController.h"
@@ -32,7 +33,7 @@ struct MainStoryboard
 };
 
 /// A window that shows the view of a controller and takes the controller along the view's life cycle. Main thread.
-class NSWindow : public QWidget
+class NSWindow : public QMainWindow
 {
     Q_OBJECT
 

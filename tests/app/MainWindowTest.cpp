@@ -1,0 +1,170 @@
+// The main window: its titles, the tool's start, the recovery of a broken document, and several tokens at once.
+
+#include <QLabel>
+
+#include "ApplicationVersion.h"
+#include "CommonMessage.h"
+#include "Resources/Storyboards.h"
+#include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
+#include "ViewController/Main/TabViewController.h"
+#include "app/AppFixture.h"
+#include "appkit/UserDefaults.h"
+
+namespace vantro::tests {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr auto sourceFile = "ViewController/Main/TabViewController";
+
+class MainWindow : public AppFixture
+{
+  protected:
+    /// Opens the window with the user defaults as the test left them.
+    std::unique_ptr<NSWindow> open()
+    {
+        auto opened = std::make_unique<NSWindow>(mainStoryboard().instantiateController("TabViewController"));
+        opened->makeKeyAndOrderFront();
+        return opened;
+    }
+};
+
+TEST_F(MainWindow, CarriesTheVersionUntilTheFirstTabSwitch)
+{
+    store({});
+    EXPECT_EQ(window().windowTitle(), windowTitleWithVersion());
+    EXPECT_EQ(window().windowTitle(),
+              QStringLiteral("Vantro Standalone (Version %1)").arg(QString::fromStdString(APP_VERSION())));
+    EXPECT_EQ(window().size(), QSize(420, 340));
+    EXPECT_THAT(alerts, IsEmpty());
+
+    window().resize(600, 500);
+    const QPoint topLeft = window().pos();
+    switchTo("MasterKey");
+    EXPECT_EQ(window().windowTitle(), localizedString("TabView", "tab_master_keys"));
+    EXPECT_EQ(window().size(), QSize(420, 340));
+    EXPECT_EQ(window().pos(), topLeft);
+}
+
+TEST_F(MainWindow, PagesAreMadeWhenTheyFirstAppear)
+{
+    store({});
+    const auto& items = dynamic_cast<NSTabViewController&>(*window().contentViewController()).tabViewItems();
+    std::vector<bool> loaded;
+    for (const auto& item : items)
+        loaded.push_back(item->viewController()->isViewLoaded());
+    EXPECT_THAT(loaded, ElementsAre(false, true, false, false));
+}
+
+TEST_F(MainWindow, AsksForAccessUntilToldNotTo)
+{
+    store({});
+    UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
+    open().reset();
+    ticksSuppression = true;
+    open().reset();
+    open().reset();
+    ASSERT_EQ(alerts.size(), 2U);
+    EXPECT_EQ(alerts[0].message, CommonMessage::installAfterAlertMessage());
+    EXPECT_EQ(alerts[0].accessory, CommonMessage::installAfterAlertInfo());
+    EXPECT_EQ(alerts[0].suppression, CommonMessage::doNotDisplay());
+    EXPECT_THAT(alerts[0].buttons, ElementsAre(CommonMessage::close()));
+    EXPECT_THAT(messages(sourceFile), Contains("Do not display alerts."));
+}
+
+TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
+{
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    store({});
+    EXPECT_EXIT(open(), testing::ExitedWithCode(EXIT_SUCCESS),
+                "Display Alert(.|\n)*Close the application for the first time");
+
+    // What the first start leaves behind: an entry, although it says false.
+    UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
+    EXPECT_TRUE(open()->isVisible());
+}
+
+class Recovery : public AppFixture, public testing::WithParamInterface<std::pair<const char*, std::string>>
+{
+};
+
+const std::string emptySections =
+    "<SwitchSetting><SecureMode>false</SecureMode><ScreenLock>false</ScreenLock></SwitchSetting><Users/>"
+    "<MasterKeySetting><MasterKeys/></MasterKeySetting>";
+
+INSTANTIATE_TEST_SUITE_P(
+    MainWindow, Recovery,
+    testing::Values(std::pair("Empty", ""), std::pair("Truncated", "<VantroStandaloneSetting version=\"1\"><Users>"),
+                    std::pair("OtherRoot", "<Setting/>"),
+                    std::pair("NewerVersion", "<VantroStandaloneSetting version=\"2\"/>"),
+                    std::pair("SectionMissing",
+                              "<VantroStandaloneSetting version=\"1\">" + emptySections + "</VantroStandaloneSetting>"),
+                    std::pair("BadSwitch", "<VantroStandaloneSetting version=\"1\">" + emptySections +
+                                               "<AdminSetting><ToolLoginAuth>maybe</ToolLoginAuth><AdminKeys/>"
+                                               "</AdminSetting></VantroStandaloneSetting>")),
+    [](const auto& instance) { return instance.param.first; });
+
+TEST_P(Recovery, KeepsTheBrokenDocumentAndStartsAfresh)
+{
+    const std::string& broken = GetParam().second;
+    const auto copy = prefix.settingsDocument().string() + ".invalid";
+    writeFile(prefix.settingsDocument(), broken);
+    writeFile(copy, "from an earlier recovery");
+    // The results of the requests are not looked at.
+    service->script("SavePamSetting", {{false}, {ScriptedService::Refusal{}}, {true}});
+
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(contentOf(copy), broken);
+    EXPECT_EQ(stored(), DocumentContent{});
+    EXPECT_TRUE(dataSet().vantroStandaloneSetting.isValid());
+    EXPECT_THAT(service->pamCalls(), ElementsAre("authorization:3", "screensaver:3", "screensaver_new:3"));
+    ASSERT_EQ(alerts.size(), 1U);
+    EXPECT_EQ(alerts[0].message, CommonMessage::warning());
+    EXPECT_EQ(alerts[0].information, CommonMessage::unexpectedChangeSetting());
+    EXPECT_THAT(alerts[0].buttons, ElementsAre(CommonMessage::ok()));
+    EXPECT_THAT(messages(sourceFile), Contains("Setting file is invalid."));
+}
+
+class SeveralTokens : public AppFixture
+{
+  protected:
+    QPointer<MultipleConnectionsAlertViewController> alert()
+    {
+        return window().contentViewController()->findChild<MultipleConnectionsAlertViewController*>();
+    }
+    static constexpr auto alertFile = "ViewController/Alert/MultipleConnectionsAlertViewController";
+};
+
+TEST_F(SeveralTokens, BringOneAlertThatOnlyTheLastTokenCloses)
+{
+    store({});
+    window();
+    for (int round = 0; round < 2; ++round) {
+        plugIn(1);
+        EXPECT_EQ(alert(), nullptr);
+        plugIn(2);
+        ASSERT_TRUE(spinUntil([&] { return alert() && alert()->view()->isVisible(); }));
+        const auto shown = alert();
+        EXPECT_EQ(shown->window()->windowTitle(), windowTitleWithVersion());
+        pressKey(Qt::Key_Escape);
+        shown->window()->close();
+        EXPECT_TRUE(shown->view()->isVisible());
+
+        forgetLog();
+        plugIn(3);
+        EXPECT_THAT(messages(sourceFile), ElementsAre("An alert has already been displayed."));
+        unplug();
+        unplug();
+        EXPECT_THAT(messages(alertFile), ElementsAre("YubiKey is still plugged in. [connedted: 2]",
+                                                     "YubiKey is still plugged in. [connedted: 1]"));
+        EXPECT_TRUE(shown->view()->isVisible());
+        unplug();
+        EXPECT_TRUE(spinUntil([&] { return shown.isNull(); }));
+        EXPECT_THAT(messages(alertFile), Contains("Close window."));
+    }
+}
+
+} // namespace
+} // namespace vantro::tests
