@@ -5,6 +5,7 @@
 #include "ApplicationVersion.h"
 #include "CommonMessage.h"
 #include "Resources/Storyboards.h"
+#include "ServiceRequests.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
 #include "ViewController/Main/TabViewController.h"
 #include "app/AppFixture.h"
@@ -112,7 +113,8 @@ TEST_P(Recovery, KeepsTheBrokenDocumentAndStartsAfresh)
     const auto copy = prefix.settingsDocument().string() + ".invalid";
     writeFile(prefix.settingsDocument(), broken);
     writeFile(copy, "from an earlier recovery");
-    // The results of the requests are not looked at.
+    // The results of the requests are not looked at, and an error is waited for like silence.
+    serviceReplyLimit = 100ms;
     service->script("SavePamSetting", {{false}, {ScriptedService::Refusal{}}, {true}});
 
     EXPECT_TRUE(window().isVisible());
