@@ -10,6 +10,12 @@
 #include "service/PamStack.h"
 #include "support/TemporaryFolder.h"
 
+/// libpam itself leaks what it has read of a service when the rest can't be read.
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:libpam.so";
+}
+
 namespace vantro::service {
 namespace {
 
@@ -28,8 +34,9 @@ int libpamResult(const std::string& text)
                                    nullptr};
     pam_handle_t* handle = nullptr;
     int result = ::pam_start_confdir("authorization", "root", &conversation, folder.path().c_str(), &handle);
-    if (result == PAM_SUCCESS)
-        result = ::pam_authenticate(handle, 0);
+    if (result != PAM_SUCCESS)
+        return result;
+    result = ::pam_authenticate(handle, 0);
     ::pam_end(handle, result);
     return result;
 }

@@ -150,7 +150,6 @@ class SmallFileSystemTest : public PamServiceTest
     void TearDown() override
     {
         PamServiceTest::TearDown();
-        bus.endService(SIGTERM);
         if (isMounted_)
             ::umount2(prefix.pamServices().c_str(), MNT_DETACH);
     }

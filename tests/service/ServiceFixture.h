@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <future>
@@ -40,8 +41,26 @@ class ServiceFixture : public testing::Test
         return waitUntil([this, &text] { return bus.log().find(text) != std::string::npos; });
     }
 
+    /// Whether the service has the device node open by now or soon: it is in the middle of an exchange.
+    [[nodiscard]] bool opens(const std::string& deviceNode) const
+    {
+        const auto process = bus.servicePid();
+        return process && waitUntil([&] {
+                   std::error_code error;
+                   for (const auto& entry :
+                        std::filesystem::directory_iterator("/proc/" + std::to_string(*process) + "/fd", error))
+                       if (std::filesystem::read_symlink(entry, error).string().ends_with(deviceNode))
+                           return true;
+                   return false;
+               });
+    }
+
     void TearDown() override
     {
+        if (const auto status = bus.endService(SIGTERM)) {
+            EXPECT_EQ(*status, 0) << "the service ends cleanly";
+        }
+        EXPECT_EQ(bus.log().find("Sanitizer"), std::string::npos);
         if (HasFailure())
             std::cerr << bus.log();
     }

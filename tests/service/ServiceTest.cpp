@@ -89,9 +89,10 @@ TEST_F(SerialTest, HangingTokenIsGivenUpAndDelaysNobodyElse)
     specification.transferTime = 5s; // as long as the kernel waits for a transfer
     VirtualToken hanging(bed, specification);
     hanging.plugIn();
+    EXPECT_TRUE(client.removeCRSettingFile(11)); // starts the service
     const auto start = Clock::now();
     auto serial = std::async(std::launch::async, [] { return ServiceClient().getSerial(); });
-    ASSERT_TRUE(logSays("GetSerial for user id"));
+    ASSERT_TRUE(opens(hanging.deviceNode(TokenInterface::keyboard)));
 
     VirtualToken quick(bed, tokenOf(12));
     quick.plugIn();

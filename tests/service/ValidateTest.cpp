@@ -1,5 +1,8 @@
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 
+#include <sys/mount.h>
 #include <sys/stat.h>
 
 #include "service/ServiceFixture.h"
@@ -95,19 +98,37 @@ TEST_F(ValidateTest, RemovedRecordIsGoneForGood)
     EXPECT_TRUE(client.removeCRSettingFile(18446744073709551615U));
 }
 
-TEST_F(ValidateTest, FailedRenewalKeepsTheRecordAndTheValidation)
+/// The folder of records on a file system that can be made read-only.
+class ReadOnlyRecordsTest : public ServiceFixture
 {
-    auto specification = tokenOf(11);
-    specification.otp.replyDelay = 300ms;
-    VirtualToken token(bed, specification);
+  protected:
+    void SetUp() override
+    {
+        isMounted_ = ::mount("tmpfs", prefix.records().c_str(), "tmpfs", 0, "size=64k,mode=0700") == 0;
+        if (!isMounted_)
+            GTEST_SKIP() << "needs to be allowed to mount: " << std::strerror(errno);
+    }
+
+    void TearDown() override
+    {
+        ServiceFixture::TearDown();
+        if (isMounted_)
+            ::umount2(prefix.records().c_str(), MNT_DETACH);
+    }
+
+  private:
+    bool isMounted_ = false;
+};
+
+TEST_F(ReadOnlyRecordsTest, FailedRenewalKeepsTheRecordAndTheValidation)
+{
+    VirtualToken token(bed, tokenOf(11));
     token.plugIn();
     ASSERT_TRUE(client.createCRSettingFile(11));
     const std::string record = contentOf(recordOf(11));
+    ASSERT_EQ(::mount(nullptr, prefix.records().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
     EXPECT_TRUE(client.validate(11));
-    // The renewal is now waiting for the token.
-    fs::permissions(prefix.records(), fs::perms::owner_all | fs::perms::others_exec);
     EXPECT_TRUE(logSays("The record keeps its challenge."));
-    fs::permissions(prefix.records(), fs::perms::owner_all);
     EXPECT_EQ(contentOf(recordOf(11)), record);
     EXPECT_TRUE(client.validate(11));
 }
