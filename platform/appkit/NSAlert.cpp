@@ -1,15 +1,21 @@
 #include "appkit/NSAlert.h"
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpacerItem>
 #include <QStringList>
 
 namespace vantro {
 namespace {
+
+constexpr int minimumWidth = 380;
 
 NSAlert::Presenter& ownPresenter()
 {
@@ -59,6 +65,10 @@ int presentWindow(NSAlert& alert)
         box.checkBox()->setChecked(alert.isSuppressed);
     }
 
+    // Wide enough for the title and for lines that read well.
+    if (auto* const content = qobject_cast<QGridLayout*>(box.layout()))
+        content->addItem(std::make_unique<QSpacerItem>(minimumWidth, 0).release(), content->rowCount(), 0, 1,
+                         content->columnCount());
     box.exec();
     if (alert.suppressionTitle)
         alert.isSuppressed = box.checkBox()->isChecked();
