@@ -53,7 +53,7 @@ std::optional<FileFailure> RecordStore::replace(const ChallengeRecord& record) c
 std::optional<FileFailure> RecordStore::write(const ChallengeRecord& record)
 {
     const std::lock_guard lock(mutex_);
-    if (const auto failure = writeFailure(record.serial))
+    if (auto failure = writeFailure(record.serial))
         return failure;
     return replace(record);
 }

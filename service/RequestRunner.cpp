@@ -27,10 +27,14 @@ bool RequestRunner::run(Limit::Clock::duration duration, Work work, Expired expi
         threads_.emplace_back([this] { serve(); });
     }
     Request request{std::move(work), {Limit::Clock::now() + duration, stop_.get_token()}, ++lastNumber_};
-    deadlines_.emplace(std::pair(request.limit.deadline + grace, request.number), std::move(expired));
+    const auto expiry = request.limit.deadline + grace;
+    deadlines_.emplace(std::pair(expiry, request.number), std::move(expired));
     waiting_.push_back(std::move(request));
     requested_.notify_one();
-    deadlinesChanged_.notify_one();
+    if (expiry < nextLook_) {
+        nextLook_ = expiry;
+        deadlinesChanged_.notify_one();
+    }
     return true;
 }
 
@@ -62,21 +66,22 @@ void RequestRunner::watchDeadlines()
     const auto stop = stop_.get_token();
     std::unique_lock lock(mutex_);
     while (!stop.stop_requested()) {
-        if (deadlines_.empty()) {
-            deadlinesChanged_.wait(lock, stop, [this] { return !deadlines_.empty(); });
+        if (!deadlines_.empty() && deadlines_.begin()->first.first <= Limit::Clock::now()) {
+            auto deadline = deadlines_.extract(deadlines_.begin());
+            lock.unlock();
+            deadline.mapped()();
+            deadline = {};
+            lock.lock();
             continue;
         }
-        const auto first = deadlines_.begin()->first;
-        deadlinesChanged_.wait_until(lock, stop, first.first, [this, first] {
-            return deadlines_.empty() || deadlines_.begin()->first != first;
-        });
-        if (deadlines_.empty() || deadlines_.begin()->first != first || Limit::Clock::now() < first.first)
-            continue;
-        auto deadline = deadlines_.extract(deadlines_.begin());
-        lock.unlock();
-        deadline.mapped()();
-        deadline = {};
-        lock.lock();
+        nextLook_ = deadlines_.empty() ? Limit::Clock::time_point::max() : deadlines_.begin()->first.first;
+        const auto look = nextLook_;
+        const auto isEarlier = [this, look] { return nextLook_ < look; };
+        // Waiting until the end of all time overflows in the library.
+        if (look == Limit::Clock::time_point::max())
+            deadlinesChanged_.wait(lock, stop, isEarlier);
+        else
+            deadlinesChanged_.wait_until(lock, stop, look, isEarlier);
     }
 }
 

@@ -50,6 +50,8 @@ class RequestRunner
     std::condition_variable_any deadlinesChanged_;
     std::deque<Request> waiting_;
     Deadlines deadlines_;
+    /// When the watchdog looks next. Most requests are done long before; it is woken for none that ends later.
+    Limit::Clock::time_point nextLook_ = Limit::Clock::time_point::max();
     std::size_t idleThreads_ = 0;
     std::uint64_t lastNumber_ = 0;
     std::vector<std::jthread> threads_;

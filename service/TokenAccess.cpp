@@ -25,7 +25,7 @@ Outcome<std::uint64_t, TokenFailure> serialOf(TokenLease& token, const Limit& li
 
 Outcome<std::uint64_t, TokenFailure> TokenAccess::newestSerial(const Limit& limit)
 {
-    const auto tokens = registry_.newestFirst(limit);
+    const auto tokens = registry_.newestFirst();
     if (tokens.empty())
         return TokenFailure::NoToken;
     if (const auto known = registry_.knownSerial(tokens.front()))
@@ -38,7 +38,7 @@ Outcome<std::uint64_t, TokenFailure> TokenAccess::newestSerial(const Limit& limi
 
 Outcome<TokenLease, TokenFailure> TokenAccess::acquireWithSerial(std::uint64_t serial, const Limit& limit)
 {
-    const auto tokens = registry_.newestFirst(limit);
+    const auto tokens = registry_.newestFirst();
     for (const auto number : tokens)
         if (registry_.knownSerial(number) == serial)
             return registry_.acquire(number, limit);

@@ -42,25 +42,30 @@ struct TokenRegistry::Token
 };
 
 TokenRegistry::TokenRegistry(const Logger& logger)
-    : logger_(logger.inFile("TokenRegistry")), wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      thread_([this](const std::stop_token& stop) { watch(stop); })
+    : logger_(logger.inFile("TokenRegistry")), stopEvent_(::eventfd(0, EFD_CLOEXEC))
 {
+    try {
+        watcher_.emplace([this](const HidInterface& interface) { came(interface); },
+                         [this](const HidInterface& interface) { went(interface); });
+        watcher_->enumerate();
+    } catch (const std::system_error& error) {
+        watcher_.reset();
+        logger_.error(std::string("Tokens can't be watched: ") + error.what(), "init(_:)");
+        return;
+    }
+    thread_ = std::jthread([this](const std::stop_token& stop) { watch(stop); });
 }
 
 TokenRegistry::~TokenRegistry()
 {
     thread_.request_stop();
-    ::eventfd_write(wake_.get(), 1);
+    ::eventfd_write(stopEvent_.get(), 1);
 }
 
-std::vector<TokenRegistry::TokenNumber> TokenRegistry::newestFirst(const Limit& limit)
+std::vector<TokenRegistry::TokenNumber> TokenRegistry::newestFirst()
 {
-    std::unique_lock lock(mutex_);
-    const std::uint64_t wanted = ++updatesAsked_;
-    ::eventfd_write(wake_.get(), 1);
-    changed_.wait_until(lock, limit.stop, limit.deadline,
-                        [this, wanted] { return updatesMade_ >= wanted || !isWatching_; });
-
+    catchUp();
+    const std::lock_guard lock(mutex_);
     std::vector<TokenNumber> numbers;
     std::transform(tokens_.rbegin(), tokens_.rend(), std::back_inserter(numbers),
                    [](const auto& token) { return token->number; });
@@ -94,43 +99,25 @@ std::optional<std::uint64_t> TokenRegistry::knownSerial(TokenNumber number) cons
 
 void TokenRegistry::watch(const std::stop_token& stop)
 {
-    try {
-        HidInterfaceWatcher watcher([this](const HidInterface& interface) { came(interface); },
-                                    [this](const HidInterface& interface) { went(interface); });
-        watcher.enumerate();
-        while (!stop.stop_requested()) {
-            pollfd waits[] = {{watcher.fileDescriptor(), POLLIN, 0}, {wake_.get(), POLLIN, 0}};
-            if (::poll(waits, std::size(waits), -1) < 0 && errno != EINTR)
-                throw std::system_error(errno, std::generic_category(), "poll");
-            const std::uint64_t asked = takeUpdatesAsked();
-            watcher.processEvents();
-            if ((waits[1].revents & POLLIN) != 0) {
-                // The asker may have heard of a token before its event reached us; what the kernel shows is newer.
-                watcher.enumerate();
-                finishUpdates(asked);
-            }
+    while (!stop.stop_requested()) {
+        pollfd waits[] = {{watcher_->fileDescriptor(), POLLIN, 0}, {stopEvent_.get(), POLLIN, 0}};
+        if (::poll(waits, std::size(waits), -1) < 0 && errno != EINTR) {
+            logger_.error("Tokens can't be watched: " + std::generic_category().message(errno), "watch(_:)");
+            return;
         }
-    } catch (const std::system_error& error) {
-        logger_.error(std::string("Tokens can't be watched: ") + error.what(), "watch(_:)");
+        const std::lock_guard lock(watcherMutex_);
+        watcher_->processEvents();
     }
-    const std::lock_guard lock(mutex_);
-    isWatching_ = false;
-    changed_.notify_all();
 }
 
-std::uint64_t TokenRegistry::takeUpdatesAsked()
+void TokenRegistry::catchUp()
 {
-    eventfd_t count = 0;
-    ::eventfd_read(wake_.get(), &count);
-    const std::lock_guard lock(mutex_);
-    return updatesAsked_;
-}
-
-void TokenRegistry::finishUpdates(std::uint64_t made)
-{
-    const std::lock_guard lock(mutex_);
-    updatesMade_ = made;
-    changed_.notify_all();
+    const std::lock_guard lock(watcherMutex_);
+    if (!watcher_)
+        return;
+    watcher_->processEvents();
+    // The asker may have heard of a token before its event reached us; what the kernel shows is newer.
+    watcher_->enumerate();
 }
 
 void TokenRegistry::came(const HidInterface& interface)

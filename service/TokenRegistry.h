@@ -34,7 +34,7 @@ class TokenRegistry
 
     /// The tokens that are there by now, the newest first. Whatever the kernel showed before the call is taken into
     /// account: somebody who has seen a token come may ask for it.
-    [[nodiscard]] std::vector<TokenNumber> newestFirst(const Limit& limit);
+    [[nodiscard]] std::vector<TokenNumber> newestFirst();
 
     /// Takes a token for one or more exchanges: waits until its keyboard interface is there and nobody else has it.
     [[nodiscard]] Outcome<TokenLease, TokenFailure> acquire(TokenNumber number, const Limit& limit);
@@ -47,22 +47,21 @@ class TokenRegistry
     struct Token;
 
     void watch(const std::stop_token& stop);
+    void catchUp();
     void came(const HidInterface& interface);
     void went(const HidInterface& interface);
-    [[nodiscard]] std::uint64_t takeUpdatesAsked();
-    void finishUpdates(std::uint64_t made);
     [[nodiscard]] std::shared_ptr<Token> find(TokenNumber number) const;
     void release(Token& token);
 
     const Logger logger_;
-    const FileDescriptor wake_;
+    const FileDescriptor stopEvent_;
+    /// Held while the watcher is used, before the other one; absent on a machine without udev.
+    std::mutex watcherMutex_;
+    std::optional<HidInterfaceWatcher> watcher_;
     mutable std::mutex mutex_;
     std::condition_variable_any changed_;
     std::vector<std::shared_ptr<Token>> tokens_;
     TokenNumber lastNumber_ = 0;
-    std::uint64_t updatesAsked_ = 0;
-    std::uint64_t updatesMade_ = 0;
-    bool isWatching_ = true;
     std::jthread thread_;
 };
 

@@ -62,7 +62,7 @@ std::optional<FileFailure> folderFailure(const std::filesystem::path& folder, mo
         if (name.empty())
             continue;
         if (place)
-            if (const auto refusal = parentFailure(path, status))
+            if (auto refusal = parentFailure(path, status))
                 return refusal;
         path /= name;
         place = FileDescriptor(::openat(place ? place.get() : AT_FDCWD, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));

@@ -1,10 +1,12 @@
-// Preloaded before umockdev's own library. Two of umockdev's habits stand in the way of a lab in which several
-// processes listen to one bed; both are cured here, in front of it:
+// Preloaded before umockdev's own library. Some of umockdev's habits stand in the way of a lab in which several
+// processes and threads listen to one bed; they are cured here, in front of it:
 //
 // - it names a listener's socket after the descriptor number alone, so that two processes with the same number steal
 //   each other's events: bind() gives the socket a name with the process id in it;
 // - it aborts the sender as soon as a listener's queue is full: sendmsg() waits for room, and after a while drops the
-//   event as the kernel would.
+//   event as the kernel would;
+// - its fstatfs() finds the descriptor's path in memory that all threads share, so that libudev takes a device that is
+//   there for none when another thread looks at another one meanwhile: one thread at a time.
 
 #include <cerrno>
 #include <cstdio>
@@ -14,9 +16,11 @@
 #include <dlfcn.h>
 #include <linux/netlink.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/un.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace {
@@ -55,6 +59,17 @@ template <class Function>
 Function next(const char* name)
 {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+pthread_mutex_t statfsMutex = PTHREAD_MUTEX_INITIALIZER;
+
+template <class Status>
+int oneAtATime(int (*function)(int, Status*), int descriptor, Status* status)
+{
+    pthread_mutex_lock(&statfsMutex);
+    const int result = function(descriptor, status);
+    pthread_mutex_unlock(&statfsMutex);
+    return result;
 }
 
 } // namespace
@@ -104,4 +119,16 @@ extern "C" ssize_t sendmsg(int descriptor, const msghdr* message, int flags)
         size += message->msg_iov[part].iov_len;
     }
     return static_cast<ssize_t>(size);
+}
+
+extern "C" int fstatfs(int descriptor, struct statfs* status) noexcept
+{
+    static const auto nextFstatfs = next<int (*)(int, struct statfs*)>("fstatfs");
+    return oneAtATime(nextFstatfs, descriptor, status);
+}
+
+extern "C" int fstatfs64(int descriptor, struct statfs64* status) noexcept
+{
+    static const auto nextFstatfs64 = next<int (*)(int, struct statfs64*)>("fstatfs64");
+    return oneAtATime(nextFstatfs64, descriptor, status);
 }

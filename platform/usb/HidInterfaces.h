@@ -36,7 +36,7 @@ struct HidInterface
 /// Watches the HID interfaces of the machine: which are there, which came, which went. Subscribes before it
 /// enumerates, so that nothing is missed in between. Each interface comes exactly once and goes exactly once, also when
 /// the socket's buffer ran full and its events are lost (then it enumerates again and reports the differences). An
-/// interface that is gone before its description could be read neither comes nor goes. One thread uses it.
+/// interface that is gone before its description could be read neither comes nor goes. One thread at a time.
 class HidInterfaceWatcher
 {
   public:

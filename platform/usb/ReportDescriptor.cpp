@@ -7,7 +7,7 @@
 namespace vantro {
 namespace {
 
-constexpr std::uint64_t reportBitLimit = 16384 * 8;
+constexpr std::uint64_t reportBitLimit = std::uint64_t{16384} * 8;
 constexpr unsigned int longItemPrefix = 0xfe;
 
 /// Type and tag of a short item: its prefix without the size bits.

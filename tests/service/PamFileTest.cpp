@@ -11,7 +11,7 @@
 #include "support/TemporaryFolder.h"
 
 /// libpam itself leaks what it has read of a service when the rest can't be read.
-extern "C" const char* __lsan_default_suppressions()
+extern "C" const char* __lsan_default_suppressions() // NOLINT(bugprone-reserved-identifier): the sanitizer's name
 {
     return "leak:libpam.so";
 }

@@ -142,7 +142,7 @@ std::optional<pid_t> PrivateBus::servicePid() const
     }
 }
 
-std::optional<int> PrivateBus::endService(int signal)
+std::optional<int> PrivateBus::endService(int signal) const
 {
     const auto process = servicePid();
     if (!process)

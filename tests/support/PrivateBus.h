@@ -40,7 +40,7 @@ class PrivateBus
     [[nodiscard]] std::optional<pid_t> servicePid() const;
 
     /// Sends the service a signal, waits for its end and answers its wait status; nothing when none is running.
-    std::optional<int> endService(int signal);
+    std::optional<int> endService(int signal) const;
 
     /// Ends the bus alone and answers the wait status of the service that lost it; nothing when none was running.
     std::optional<int> endBus();

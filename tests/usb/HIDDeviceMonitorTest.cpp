@@ -38,7 +38,7 @@ class HIDDeviceMonitorTest : public testing::Test
                 }));
     }
 
-    ~HIDDeviceMonitorTest() override
+    void TearDown() override
     {
         monitor_.stop();
         if (thread_.joinable())
