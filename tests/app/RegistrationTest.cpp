@@ -10,10 +10,7 @@
 #include "UserViewMessage.h"
 #include "ViewController/Main/Admin/AdminViewContorller.h"
 #include "ViewController/Main/KeyListViewController.h"
-#include "ViewController/Main/Master/MasterKeyViewController.h"
 #include "ViewController/Main/RegistrationKeyViewController.h"
-#include "ViewController/Main/User/RegistrationUserKeyViewController.h"
-#include "ViewController/Main/User/UserViewController.h"
 #include "app/AppFixture.h"
 
 namespace vantro::tests {
@@ -374,116 +371,6 @@ TEST_P(Registration, ByKeyboardAlone)
     pressKey(Qt::Key_Return);
     EXPECT_TRUE(isDismissed(dialog));
     EXPECT_EQ(stored(), kind().with({5}));
-}
-
-class UserRegistration : public AppFixture
-{
-  protected:
-    QPointer<RegistrationUserKeyViewController> open()
-    {
-        auto& list = page<UserViewController>("UserKey");
-        return present<RegistrationUserKeyViewController>(list, list.registerButton);
-    }
-    static QStringList titles(const QComboBox& popUp)
-    {
-        QStringList texts;
-        for (int index = 0; index < popUp.count(); ++index)
-            texts += popUp.itemText(index);
-        return texts;
-    }
-    /// Chooses an account by keyboard.
-    static void choose(QComboBox& popUp, const char* account)
-    {
-        popUp.setFocus();
-        while (popUp.currentIndex() > popUp.findText(account))
-            QTest::keyClick(&popUp, Qt::Key_Up);
-        while (popUp.currentIndex() < popUp.findText(account))
-            QTest::keyClick(&popUp, Qt::Key_Down);
-        ASSERT_EQ(popUp.currentText(), account);
-    }
-};
-
-TEST_F(UserRegistration, AnAccountThatTheDirectoryDoesNotListIsTheLastItem)
-{
-    const auto dialog = open();
-    ASSERT_TRUE(activate(*dialog->view()->window()));
-    EXPECT_EQ(titles(*dialog->accountPopUpButton), (QStringList{"Zed", "adam", "tester"}));
-    EXPECT_EQ(dialog->accountPopUpButton->currentText(), "tester");
-    auto* const fullName = dialog->view()->findChild<QLabel*>("fullNameLabel");
-    EXPECT_EQ(fullName->text(), "Test Person");
-    forgetLog();
-    choose(*dialog->accountPopUpButton, "adam");
-    EXPECT_FALSE(fullName->isVisible()) << "this account has no full name";
-    EXPECT_THAT(log("ViewController/Main/User/RegistrationUserKeyViewController"),
-                ElementsAre("onChangeAccount(_:) Called onChangeAccount", "updateDisplay() YubiKey is not connected."));
-    choose(*dialog->accountPopUpButton, "Zed");
-    EXPECT_EQ(fullName->text(), "Zed Zero");
-    EXPECT_TRUE(fullName->isVisible());
-}
-
-TEST_F(UserRegistration, AnAccountThatTheDirectoryListsStaysInItsPlace)
-{
-    // The first record of a name is that name's, and any record of a user id tells its name.
-    const char* const passwd = std::getenv("NSS_WRAPPER_PASSWD");
-    writeFile(passwd, "Zed:x:1801:100:Zed Zero:/:/bin/sh\nZed:x:" + std::to_string(::geteuid()) +
-                          ":100:Hidden:/:/bin/sh\nadam:x:1802:100::/:/bin/sh\n");
-    // A change within the second would not be seen.
-    std::filesystem::last_write_time(passwd, std::filesystem::last_write_time(passwd) + 10s);
-    const auto dialog = open();
-    EXPECT_EQ(titles(*dialog->accountPopUpButton), (QStringList{"Zed", "adam"}));
-    EXPECT_EQ(dialog->accountPopUpButton->currentText(), "Zed");
-    EXPECT_THAT(
-        messages("ViewController/Main/User/RegistrationUserKeyViewController"),
-        ElementsAre("Start viewDidLoad.", "YubiKey is not connected.", "Finished viewDidLoad.", "viewWillAppear"));
-}
-
-TEST_F(UserRegistration, ATokenMayBelongToSeveralAccounts)
-{
-    store({.users = {{"tester", {12345}}}, .masterKeys = {12345}, .adminKeys = {12345}});
-    plugIn(12345);
-    const auto dialog = open();
-    EXPECT_FALSE(dialog->OKButton->isEnabled());
-    choose(*dialog->accountPopUpButton, "adam");
-    EXPECT_EQ(dialog->serialLabelModel.text(), "12345");
-    forgetLog();
-    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    EXPECT_THAT(messages("ViewController/Main/User/RegistrationUserKeyViewController"),
-                ElementsAre("Called onClickOK.", "Allocate YubiKey.", "Create new user. [account: adam]",
-                            "Append allocaetd key. [accout: adam, serial: 12345]"));
-    EXPECT_EQ(stored(),
-              (DocumentContent{
-                  .users = {{"adam", {12345}}, {"tester", {12345}}}, .masterKeys = {12345}, .adminKeys = {12345}}));
-    EXPECT_TRUE(isDismissed(dialog));
-}
-
-TEST_F(UserRegistration, SortsTheWholeDocumentAndTheListAlike)
-{
-    // "é" as one code point and as two is one account; code points decide, not the letters.
-    const std::string composed = "\u00e9";
-    const std::string decomposed = "e\u0301";
-    store({.users = {{"tester", {9}},
-                     {decomposed, {1000, 999}},
-                     {"tester", {5}},
-                     {"adam", {18446744073709551615U, 2}},
-                     {"f", {}},
-                     {"Zed", {7}}}});
-    plugIn(5);
-    const auto dialog = open();
-    EXPECT_TRUE(dialog->OKButton->isEnabled()) << "only the first entry of an account counts";
-    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    EXPECT_EQ(stored().users, (std::vector<std::pair<std::string, Serials>>{{"Zed", {7}},
-                                                                            {"adam", {2, 18446744073709551615U}},
-                                                                            {"f", {}},
-                                                                            {"tester", {5, 9}},
-                                                                            {"tester", {5}},
-                                                                            {decomposed, {999, 1000}}}));
-    const auto& rows = page<UserViewController>("UserKey").userKeyModels.get();
-    std::vector<std::string> texts;
-    for (const UserKeyModel& row : rows)
-        texts.push_back(row.account() + " " + row.serial());
-    EXPECT_THAT(texts, ElementsAre("Zed 7", "adam 2", "adam 18446744073709551615", "tester 5", "tester 5", "tester 9",
-                                   decomposed + " 999", decomposed + " 1000"));
-    EXPECT_TRUE(isDismissed(dialog));
 }
 
 TEST_F(AppFixture, AnAdministratorKeyUnlocksItsSwitch)

@@ -1,0 +1,380 @@
+// The three deletion dialogs: what is asked, what is deleted, what is written and what the service is told.
+
+#include <QLabel>
+
+#include "AdminViewMessage.h"
+#include "CommonMessage.h"
+#include "MasterKeyViewMessage.h"
+#include "Resources/Storyboards.h"
+#include "UserViewMessage.h"
+#include "ViewController/Main/Admin/AdminViewContorller.h"
+#include "ViewController/Main/DeletionKeyViewController.h"
+#include "ViewController/Main/KeyListViewController.h"
+#include "app/AppFixture.h"
+#include "foundation/OperatingSystem.h"
+
+namespace vantro::tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+constexpr int ok = NSAlert::firstButtonReturn;
+constexpr int cancel = NSAlert::secondButtonReturn;
+constexpr OperatingSystemVersion strict{14, 0, 0};
+constexpr OperatingSystemVersion lenient{13, 6, 9};
+
+struct Case
+{
+    const char* name;
+    DocumentContent before;
+    /// The rows that are selected.
+    std::set<int> rows;
+    DocumentContent after;
+    int writes;
+    /// The answer to the warning; absent when none must come.
+    std::optional<int> answer = {};
+    /// What the service answers for the three files; empty when it must not be asked.
+    std::vector<ScriptedService::Answer> files = {};
+    OperatingSystemVersion system = strict;
+    /// The messages after "Called onClickOK."; absent where another case shows the same.
+    std::optional<std::vector<std::string>> messages = {};
+};
+
+class Deletion : public AppFixture
+{
+  protected:
+    /// Makes this the document of an open window. The settings page, which would write, is left alone.
+    void show(const std::string& tab, const DocumentContent& content)
+    {
+        window();
+        dataSet().vantroStandaloneSetting = content.asDocument();
+        dataSet().vantroStandaloneSetting.write();
+        switchTo(tab == "UserKey" ? "MasterKey" : "UserKey");
+        service->forgetCalls();
+        takeWrites();
+    }
+    QPointer<DeletionKeyViewController> open(const char* tab, const std::set<int>& rows)
+    {
+        auto& list = page<KeyListViewController>(tab);
+        auto& table = *list.view()->findChild<QTableView*>();
+        list.clearTableSelection();
+        for (const int row : rows)
+            table.selectionModel()->select(table.model()->index(row, 0),
+                                           QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        return present<DeletionKeyViewController>(list, list.deleteButton);
+    }
+
+    void check(const char* tab, const std::string& file, const QString& (*warning)(), std::vector<Case> cases)
+    {
+        for (Case& deletion : cases) {
+            SCOPED_TRACE(deletion.name);
+            show(tab, deletion.before);
+            if (!deletion.files.empty())
+                service->script("SavePamSetting", {deletion.files.begin(), deletion.files.end()});
+            ProcessInfo::setOperatingSystemVersion(deletion.system);
+            if (deletion.answer)
+                answers = {*deletion.answer};
+            const auto dialog = open(tab, deletion.rows);
+            forgetLog();
+            QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+            EXPECT_TRUE(isDismissed(dialog));
+
+            ASSERT_EQ(alerts.size(), deletion.answer ? 1U : 0U);
+            for (const ShownAlert& alert : alerts) {
+                EXPECT_EQ(alert.windowTitle, "Vantro Standalone (Version 1.0.0)");
+                EXPECT_EQ(alert.style, NSAlert::Style::Warning);
+                EXPECT_EQ(alert.message, CommonMessage::caution());
+                EXPECT_EQ(alert.information, warning());
+                EXPECT_EQ(alert.buttons, (QStringList{CommonMessage::ok(), CommonMessage::cancel()}));
+                EXPECT_EQ(alert.defaultButton, cancel) << "Enter never destroys";
+            }
+            alerts.clear();
+            EXPECT_EQ(takeWrites(), deletion.writes);
+            EXPECT_EQ(stored(), deletion.after);
+            EXPECT_THAT(service->pamCalls(),
+                        ElementsAreArray(
+                            deletion.files.empty()
+                                ? std::vector<std::string>{}
+                                : std::vector<std::string>{"authorization:3", "screensaver:3", "screensaver_new:3"}));
+            EXPECT_EQ(service->methods().size(), service->pamCalls().size()) << "no record is removed";
+            if (deletion.messages) {
+                deletion.messages->insert(deletion.messages->begin(), "Called onClickOK.");
+                EXPECT_THAT(messages(file), ElementsAreArray(*deletion.messages));
+            }
+            auto& table = *page<KeyListViewController>(tab).view()->findChild<QTableView*>();
+            EXPECT_EQ(table.model()->rowCount(), rowCountOf(tab, deletion.after));
+            EXPECT_EQ(table.selectionModel()->hasSelection(), deletion.answer == cancel);
+        }
+    }
+
+    static int rowCountOf(const std::string& tab, const DocumentContent& content)
+    {
+        if (tab != "UserKey")
+            return static_cast<int>((tab == "Admin" ? content.adminKeys : content.masterKeys).size());
+        std::size_t count = 0;
+        for (const auto& user : content.users)
+            count += user.second.size();
+        return static_cast<int>(count);
+    }
+};
+
+const char* const updated = "Update PAM setting. [Success. authorization: true, screensaver: true, screensaver_new: "
+                            "true]";
+
+TEST_F(Deletion, OfUserKeys)
+{
+    const DocumentContent last{.users = {{"adam", {1}}, {"zoe", {2}}}, .secureMode = true};
+    const DocumentContent none{};
+    const DocumentContent noneForced{.secureMode = true};
+    check("UserKey", "ViewController/Main/User/DeletionUserKeyViewController", CommonMessage::noRegistrationYubiKey,
+          {
+              {"one of two keys of an account",
+               {.users = {{"adam", {1, 2}}}, .secureMode = true},
+               {1},
+               {.users = {{"adam", {1}}}, .secureMode = true},
+               1,
+               {},
+               {},
+               strict,
+               {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 2]"}}},
+              {"an account's only key, and an entry that was empty",
+               {.users = {{"adam", {1}}, {"empty", {}}, {"zoe", {2}}}},
+               {0},
+               {.users = {{"zoe", {2}}}},
+               1},
+              {"one of two accounts with the same token",
+               {.users = {{"adam", {1}}, {"zoe", {1}}}},
+               {1},
+               {.users = {{"adam", {1}}}},
+               1},
+              {"the last, forced, cancelled", last, {0, 1}, last, 0, cancel, {}, strict, {{"Cancel alert."}}},
+              {"the last, forced",
+               last,
+               {0, 1},
+               none,
+               2,
+               ok,
+               {{true}, {true}, {true}},
+               strict,
+               {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 1]",
+                 "Remove allocated key. [Account: zoe, Serial: 2]", "No YubiKey is assigned.",
+                 "Start update PAM setting.", updated, "Update setting. [Forced YubiKey Logon: false]"}}},
+              {"the last, forced, but a master key is left",
+               {.users = {{"adam", {1}}}, .masterKeys = {9}, .secureMode = true},
+               {0},
+               {.masterKeys = {9}, .secureMode = true},
+               1},
+              {"the last, not forced", {.users = {{"adam", {1}}}}, {0}, none, 2, {}, {{true}, {true}, {true}}},
+              {"refused: the first file", last, {0, 1}, noneForced, 1, ok, {{false}, {true}, {true}}, strict},
+              {"refused: the second file", last, {0, 1}, noneForced, 1, ok, {{true}, {false}, {true}}, strict},
+              {"refused: the third file",
+               last,
+               {0, 1},
+               noneForced,
+               1,
+               ok,
+               {{true}, {true}, {false}},
+               strict,
+               {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 1]",
+                 "Remove allocated key. [Account: zoe, Serial: 2]", "No YubiKey is assigned.",
+                 "Start update PAM setting.",
+                 "Update PAM setting. [Success. authorization: true, screensaver: true, screensaver_new: false]",
+                 "onClickOK(_:) Failed update PAM setting."}}},
+              {"refused: two files", last, {0, 1}, noneForced, 1, ok, {{false}, {false}, {true}}, strict},
+              {"refused: all three files", last, {0, 1}, noneForced, 1, ok, {{false}, {false}, {false}}, lenient},
+              {"refused on an older system: the third", last, {0, 1}, none, 2, ok, {{true}, {true}, {false}}, lenient},
+              {"refused on an older system: the second",
+               last,
+               {0, 1},
+               noneForced,
+               1,
+               ok,
+               {{true}, {false}, {true}},
+               lenient},
+          });
+}
+
+TEST_F(Deletion, OfMasterKeys)
+{
+    const DocumentContent last{.masterKeys = {3, 9}, .secureMode = true};
+    check("MasterKey", "ViewController/Main/Master/DeletionMasterKeyViewController",
+          CommonMessage::noRegistrationYubiKey,
+          {
+              {"two of three",
+               {.masterKeys = {3, 5, 9}, .secureMode = true},
+               {0, 2},
+               {.masterKeys = {5}, .secureMode = true},
+               1,
+               {},
+               {},
+               strict,
+               {{"Update setting.", "Remove master key. [Serial: 3]", "Remove master key. [Serial: 9]"}}},
+              {"the last, forced, cancelled", last, {0, 1}, last, 0, cancel, {}, strict, {{"Cancel alert."}}},
+              {"the last, forced",
+               last,
+               {0, 1},
+               {},
+               2,
+               ok,
+               {{true}, {true}, {true}},
+               strict,
+               {{"Update setting.", "Remove master key. [Serial: 3]", "Remove master key. [Serial: 9]",
+                 "No YubiKey is assigned.", "Start update PAM setting.", updated,
+                 "Update setting. [Forced YubiKey Logon: false]"}}},
+              {"the last, forced, but a user key is left",
+               {.users = {{"adam", {1}}}, .masterKeys = {3}, .secureMode = true},
+               {0},
+               {.users = {{"adam", {1}}}, .secureMode = true},
+               1},
+              {"the last, forced, with an account that has no key",
+               {.users = {{"adam", {}}}, .masterKeys = {3}, .secureMode = true},
+               {0},
+               {.users = {{"adam", {}}}},
+               2,
+               {},
+               {{true}, {true}, {true}}},
+              {"the last, not forced", {.masterKeys = {3}}, {0}, {}, 2, {}, {{true}, {true}, {true}}},
+              {"refused: the third file", last, {0, 1}, {.secureMode = true}, 1, ok, {{true}, {true}, {false}}, strict},
+              {"refused on an older system: the third", last, {0, 1}, {}, 2, ok, {{true}, {true}, {false}}, lenient},
+          });
+}
+
+TEST_F(Deletion, OfAdministratorKeys)
+{
+    const DocumentContent all{
+        .users = {{"adam", {1}}}, .adminKeys = {1, 2, 3}, .secureMode = true, .toolLoginAuth = true};
+    DocumentContent unguarded = all;
+    unguarded.toolLoginAuth = false;
+    DocumentContent one = all;
+    one.adminKeys = {2};
+    DocumentContent none = unguarded;
+    none.adminKeys = {};
+    check("Admin", "ViewController/Main/Admin/DeletionAdminKeyViewController",
+          AdminViewMessage::noRegistrationAdminYubiKey,
+          {
+              {"two of three",
+               all,
+               {0, 2},
+               one,
+               1,
+               {},
+               {},
+               strict,
+               {{"Remove administrator key. [Serial: 1]", "Remove administrator key. [Serial: 3]", "Update setting."}}},
+              {"the last, guarded, cancelled", all, {0, 1, 2}, all, 0, cancel, {}, strict, {{"Cancel alert."}}},
+              {"the last, guarded",
+               one,
+               {0},
+               none,
+               2,
+               ok,
+               {},
+               strict,
+               {{"Remove administrator key. [Serial: 2]", "Update setting.",
+                 "The administrator's login YubiKey setting does not exist.", "Update setting. [Auth: false]"}}},
+              {"the last, not guarded", unguarded, {0, 1, 2}, none, 2},
+          });
+    const auto& page = this->page<AdminViewContorller>("Admin");
+    EXPECT_FALSE(page.adminModel.authCheckButtonModel.isEnabled());
+    EXPECT_FALSE(page.adminModel.authCheckButtonModel.state());
+}
+
+const struct
+{
+    const char* tab;
+    const char* file;
+    const char* dialog;
+    const QString& (*notSelected)();
+    const char* lines;
+    bool logsLoading;
+} dialogs[] = {
+    {"UserKey", "ViewController/Main/User/DeletionUserKeyViewController", "DeletionUserKeyViewController",
+     UserViewMessage::notSelectedForDeletion, "alice : 12345\nbob : 678", true},
+    {"MasterKey", "ViewController/Main/Master/DeletionMasterKeyViewController", "DeletionMasterKeyViewController",
+     MasterKeyViewMessage::notSelectedForDeletion, "12345\n678", true},
+    {"Admin", "ViewController/Main/Admin/DeletionAdminKeyViewController", "DeletionAdminKeyViewController",
+     AdminViewMessage::notSelectedForDeletion, "12345\n678", false},
+};
+
+const DocumentContent twoEach{
+    .users = {{"alice", {12345}}, {"bob", {678}}}, .masterKeys = {12345, 678}, .adminKeys = {12345, 678}};
+
+TEST_F(Deletion, ShowsWhatIsSelectedAndEnterDeletesNothing)
+{
+    store(twoEach);
+    for (const auto& dialog : dialogs) {
+        auto shown = open(dialog.tab, {0, 1});
+        auto* keys = shown->view()->findChild<QLabel*>("keysLabel");
+        EXPECT_EQ(keys->text(), dialog.lines);
+        EXPECT_TRUE(shown->confirmationLabel->isVisible());
+        EXPECT_THAT(messages(dialog.file),
+                    ElementsAreArray(dialog.logsLoading
+                                         ? std::vector<std::string>{"Start viewDidLoad.", "Finished viewDidLoad."}
+                                         : std::vector<std::string>{}));
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+            if (!shown)
+                shown = open(dialog.tab, {0, 1});
+            pressKey(key);
+            EXPECT_TRUE(isDismissed(shown));
+            EXPECT_EQ(messages(dialog.file).back(), "Called onClickCancel.");
+        }
+
+        forgetLog();
+        shown = open(dialog.tab, {});
+        keys = shown->view()->findChild<QLabel*>("keysLabel");
+        EXPECT_EQ(keys->text(), dialog.notSelected());
+        EXPECT_FALSE(shown->confirmationLabel->isVisible());
+        EXPECT_FALSE(shown->OKButton->isEnabled());
+        if (dialog.logsLoading)
+            EXPECT_EQ(messages(dialog.file)[1], "Not selected for deletion YubiKey.");
+        else
+            EXPECT_THAT(messages(dialog.file), IsEmpty());
+        pressKey(Qt::Key_Escape);
+        EXPECT_TRUE(isDismissed(shown));
+    }
+    EXPECT_EQ(stored(), twoEach);
+    EXPECT_EQ(takeWrites(), 0);
+}
+
+TEST_F(Deletion, WithoutItsListOrItsSelectionItOnlyCloses)
+{
+    store(twoEach);
+    for (const auto& dialog : dialogs) {
+        auto& other = switchTo("Setting");
+        forgetLog();
+        other.presentAsModalWindow(mainStoryboard().instantiateController(dialog.dialog));
+        QPointer shown(other.findChild<DeletionKeyViewController*>());
+        QTest::mouseClick(shown->OKButton, Qt::LeftButton);
+        EXPECT_TRUE(isDismissed(shown));
+        const auto withoutList = messages(dialog.file);
+        EXPECT_EQ(withoutList[withoutList.size() - 2], "Failed to get presenting view controller.");
+        EXPECT_EQ(withoutList.back(), "Called onClickOK.");
+
+        shown = open(dialog.tab, {0});
+        page<KeyListViewController>(dialog.tab).clearTableSelection();
+        QTest::mouseClick(shown->OKButton, Qt::LeftButton);
+        EXPECT_TRUE(isDismissed(shown));
+        EXPECT_EQ(messages(dialog.file).back(), "selectedRowIndexes is empty.");
+    }
+    EXPECT_EQ(stored(), twoEach);
+    EXPECT_EQ(takeWrites(), 0);
+    EXPECT_THAT(alerts, IsEmpty());
+}
+
+TEST_F(Deletion, OfARowWhoseAccountHasNoEntryAnyMore)
+{
+    store(twoEach);
+    const auto dialog = open("UserKey", {0, 1});
+    DocumentContent elsewhere = twoEach;
+    elsewhere.users = {{"bob", {678, 9}}};
+    dataSet().vantroStandaloneSetting = elsewhere.asDocument();
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    EXPECT_TRUE(isDismissed(dialog));
+    elsewhere.users = {{"bob", {9}}};
+    EXPECT_EQ(stored(), elsewhere);
+}
+
+} // namespace
+} // namespace vantro::tests
