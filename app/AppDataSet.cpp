@@ -99,7 +99,10 @@ void AppDataSet::monitorYubiKey()
         HIDDeviceConnected, [this](const Notification& notification) { onDeviceConnected(notification); }));
     observations_.push_back(
         center.addObserver(HIDDeviceDisconnected, [this](const Notification&) { onDeviceDisconnected(); }));
-    std::thread([this] { monitor_->start(); }).detach();
+    std::thread([this] {
+        if (const auto error = monitor_->start())
+            logger.error("Tokens can't be watched: " + error.message() + ".", "monitorYubiKey()");
+    }).detach();
 }
 
 void AppDataSet::onDeviceConnected(const Notification& notification)
