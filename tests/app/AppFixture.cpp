@@ -27,7 +27,10 @@ bool spinUntil(const std::function<bool()>& condition)
 bool activate(QWidget& window)
 {
     window.activateWindow();
-    return spinUntil([&window] { return QApplication::activeWindow() == &window; });
+    return spinUntil([&window] {
+        const QWidget* const modal = QApplication::activeModalWidget();
+        return QApplication::activeWindow() == &window || (modal != nullptr && modal != &window);
+    });
 }
 
 void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers)

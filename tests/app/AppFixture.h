@@ -46,7 +46,7 @@ constexpr auto ample = 20s;
 /// Handles events, and destroys what is to be destroyed, until `condition` holds; false when it does not in time.
 [[nodiscard]] bool spinUntil(const std::function<bool()>& condition);
 
-/// Gives a window the focus; false when it does not get it.
+/// Gives a window the focus, unless a modal one stands in front of it; false when it does not get it.
 [[nodiscard]] bool activate(QWidget& window);
 
 /// A key press for the modal window in front, or else for the one that has the focus.

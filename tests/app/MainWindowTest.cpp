@@ -1,5 +1,7 @@
 // The main window: its titles, the tool's start, the recovery of a broken document, and several tokens at once.
 
+#include <thread>
+
 #include <QLabel>
 
 #include "ApplicationVersion.h"
@@ -166,6 +168,40 @@ TEST_F(SeveralTokens, BringOneAlertThatOnlyTheLastTokenCloses)
         EXPECT_TRUE(spinUntil([&] { return shown.isNull(); }));
         EXPECT_THAT(messages(alertFile), Contains("Close window."));
     }
+}
+
+TEST_F(SeveralTokens, ThatWereThereBeforeTheWindowCount)
+{
+    store({});
+    plugIn(1);
+    plugIn(2);
+    EXPECT_TRUE(spinUntil([&] { return alert() && alert()->view()->isVisible(); }));
+    unplug();
+    unplug();
+    EXPECT_TRUE(spinUntil([&] { return alert().isNull(); }));
+}
+
+TEST_F(SeveralTokens, ThatHaveGoneBeforeTheAlertAppearsLeaveNone)
+{
+    store({});
+    window();
+    service->script("GetSerial", {{std::uint64_t{1}}, {std::uint64_t{2}}});
+    // The main thread is busy meanwhile, as with a request to the service.
+    std::thread([] {
+        postConnected(64);
+        postConnected(64);
+        for (int interface = 0; interface < 4; ++interface)
+            postDisconnected();
+    }).join();
+    EXPECT_EQ(dataSet().connectedYubiKeyCount(), 0);
+    EXPECT_TRUE(spinUntil([&] {
+        const auto all = messages(alertFile);
+        return !all.empty() && all.back() == "Close window.";
+    }));
+    EXPECT_TRUE(spinUntil([&] { return alert().isNull(); }));
+    plugIn(1);
+    plugIn(2);
+    EXPECT_TRUE(spinUntil([&] { return alert() && alert()->view()->isVisible(); })) << "the next one is shown again";
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 // The tool's own sign-in: the check and its dialog.
 
+#include <QAbstractButton>
+#include <QDialogButtonBox>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QTimer>
 
 #include "LoginAuthAlertMessage.h"
@@ -167,6 +170,36 @@ TEST_F(SignInDialog, RefusesUntilAnAdministratorKeyIsConfirmedAndShowsNothingBef
            }}});
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(dialog(), nullptr);
+}
+
+TEST_F(SignInDialog, ADoubleClickAndClicksDuringTheWaitStartOneCheck)
+{
+    plugIn(adminKey);
+    service->script("Validate", {{false, 100ms}, {true}});
+    const auto checks = [this] {
+        const auto methods = service->methods();
+        return std::count(methods.begin(), methods.end(), "Validate");
+    };
+    open({{isOpen,
+           [&] {
+               auto* const button = dialog()->findChild<QDialogButtonBox*>()->buttons().front();
+               const QPointF center = button->rect().center();
+               for (const auto& [type, buttons] : {std::pair(QEvent::MouseButtonPress, Qt::LeftButton),
+                                                   std::pair(QEvent::MouseButtonRelease, Qt::NoButton)})
+                   QCoreApplication::postEvent(button,
+                                               std::make_unique<QMouseEvent>(type, center, button->mapToGlobal(center),
+                                                                             Qt::LeftButton, buttons, Qt::NoModifier)
+                                                   .release());
+               QTest::mouseClick(button, Qt::LeftButton);
+               QTest::mouseDClick(button, Qt::LeftButton);
+               QTest::mouseRelease(button, Qt::LeftButton);
+           }},
+          {[] { return dialog()->findChild<QDialogButtonBox*>()->buttons().front()->isEnabled(); },
+           [&] {
+               EXPECT_EQ(checks(), 1);
+               press("authenticate_button");
+               EXPECT_EQ(checks(), 2);
+           }}});
 }
 
 TEST_F(SignInDialog, ClosingItInAnyOtherWayQuits)

@@ -1,6 +1,9 @@
 #include "ViewController/Alert/LoginAuthAlertViewController.h"
 
+#include <QCoreApplication>
 #include <QDialogButtonBox>
+#include <QEvent>
+#include <QEventLoop>
 
 #include "AppDataSet.h"
 #include "ApplicationVersion.h"
@@ -47,6 +50,7 @@ std::unique_ptr<QWidget> LoginAuthAlertViewController::loadView()
                                                                  QDialogButtonBox::RejectRole);
     quitButton->setAutoDefault(false);
     authenticateButton->setDefault(true);
+    authenticateButton->installEventFilter(this);
     errorMessageLabelModel.bindTo(outlets.errorMessageLabel);
     connect(authenticateButton, &QPushButton::clicked, this, [this] { onClickAuthenticate(authenticateButton); });
     connect(quitButton, &QPushButton::clicked, this, [this] { dismissController(); });
@@ -74,17 +78,26 @@ void LoginAuthAlertViewController::viewWillAppear()
 
 void LoginAuthAlertViewController::onClickAuthenticate(QObject* /*sender*/)
 {
-    // Seen at once, and further clicks are not taken while the token is asked.
+    // Seen at once.
     authenticateButton->setEnabled(false);
     errorMessageLabelModel.setTextColor(NSColor::LabelColor);
     errorMessageLabelModel.setText(localizedString("LoginAuthAlertView", "asking"));
     result = LoginAuthentication::authenticate();
+    // Clicks that came meanwhile are still to be delivered, and go to a disabled button here.
+    QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
     errorMessageLabelModel.setTextColor(NSColor::Red);
     errorMessageLabelModel.setText(errorText(result));
     authenticateButton->setEnabled(true);
     authenticateButton->setFocus();
     if (result == LoginAuthentication::AuthResult::Success)
         dismissController();
+}
+
+bool LoginAuthAlertViewController::eventFilter(QObject* watched, QEvent* event)
+{
+    // A double click starts one check.
+    return (watched == authenticateButton && event->type() == QEvent::MouseButtonDblClick) ||
+           NSViewController::eventFilter(watched, event);
 }
 
 void LoginAuthAlertViewController::viewDidDisappear()

@@ -33,6 +33,7 @@ class LoginAuthAlertViewController : public NSViewController
 
   protected:
     std::unique_ptr<QWidget> loadView() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     const Logger logger;

@@ -29,7 +29,8 @@ void MultipleConnectionsAlertViewController::viewDidLoad()
 {
     constexpr auto function = "viewDidLoad()";
     logger.info("Start viewDidLoad.", function);
-    observe(DisconnectedYubiKey, [log = logger, close = onMainQueue([this] { closeNow(); })](const Notification&) {
+    const auto close = onMainQueue([this] { closeNow(); });
+    observe(DisconnectedYubiKey, [log = logger, close](const Notification&) {
         const std::int64_t count = AppDataSet::shared().connectedYubiKeyCount();
         if (count != 0) {
             log.info("YubiKey is still plugged in. [connedted: " + std::to_string(count) + "]", closeFunction);
@@ -37,6 +38,9 @@ void MultipleConnectionsAlertViewController::viewDidLoad()
         }
         DispatchQueue::main().async(close);
     });
+    // When the last token has gone before anybody observed, nothing else would ever close the alert.
+    if (AppDataSet::shared().connectedYubiKeyCount() == 0)
+        DispatchQueue::main().async(close);
     logger.info("Finished viewDidLoad.", function);
 }
 

@@ -46,6 +46,9 @@ void TabViewController::viewDidLoad()
     NSTabViewController::viewDidLoad();
     logger.info("Start viewDidLoad.", function);
     observe(MultipleConnectedYubiKey, [this](const Notification&) { onMultipleConnectedYubiKey(); });
+    // Tokens that were counted before anybody observed count as well.
+    if (AppDataSet::shared().connectedYubiKeyCount() >= 2)
+        onMultipleConnectedYubiKey();
     if (AppDataSet::shared().vantroStandaloneSetting.adminSetting.toolLoginAuth)
         presentAsModalWindowAndWait(
             alertStoryboard().instantiateController<LoginAuthAlertViewController>("LoginAuthAlertViewController"));
@@ -54,13 +57,12 @@ void TabViewController::viewDidLoad()
 
 void TabViewController::onMultipleConnectedYubiKey()
 {
-    // On the monitor's thread. This controller is the main window's and lives as long as the process does.
+    // On the monitor's thread, as a rule. This controller is the main window's and lives as long as the process does.
     constexpr auto function = "onMultipleConnectedYubiKey()";
-    if (isDisplayingMultipleConnectionsAlert) {
+    if (isDisplayingMultipleConnectionsAlert.exchange(true)) {
         logger.info("An alert has already been displayed.", function);
         return;
     }
-    isDisplayingMultipleConnectionsAlert = true;
     DispatchQueue::main().async([this] {
         logger.info("Displays alerts.", function);
         presentAsModalWindow(alertStoryboard().instantiateController<MultipleConnectionsAlertViewController>(
