@@ -50,8 +50,6 @@ struct ScriptedService::Pending
             reply << *flag;
         else if (const auto* const number = std::get_if<std::uint64_t>(&answer.content))
             reply << *number;
-        else if (const auto* const text = std::get_if<std::string>(&answer.content))
-            reply << *text;
         reply.send();
     }
 };

@@ -35,15 +35,11 @@ class ScriptedService
     struct Silence
     {
     };
-    /// Answers without a value.
-    struct Nothing
-    {
-    };
 
-    /// The value of an answer may have a type that the method does not promise.
+    /// The value of an answer has the type that the method promises.
     struct Answer
     {
-        std::variant<bool, std::uint64_t, std::string, Refusal, Silence, Nothing> content;
+        std::variant<bool, std::uint64_t, Refusal, Silence> content;
         std::chrono::milliseconds delay{0};
     };
 
