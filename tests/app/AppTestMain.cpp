@@ -1,6 +1,7 @@
 // The main function of the tool's tests: without a display, under the device emulation, so that tokens of the machine
 // at hand are not seen, and with accounts of the tests' own.
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -47,5 +48,7 @@ int main(int argc, char** argv)
     const int result = RUN_ALL_TESTS();
     std::error_code ignored;
     std::filesystem::remove_all(std::filesystem::path(std::getenv(passwdVariable)).parent_path(), ignored);
-    return result;
+    // As the tool itself ends: its threads run to the very end, and nothing that they use may be destroyed before them.
+    std::fflush(nullptr);
+    std::quick_exit(result);
 }

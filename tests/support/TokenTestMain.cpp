@@ -1,5 +1,8 @@
 // The main function of a test program that plugs in virtual tokens.
 
+#include <cstdio>
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 #include "tokens/Preload.h"
@@ -15,5 +18,8 @@ int main(int argc, char** argv)
 {
     vantro::lab::reexecuteUnderPreload(argv);
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    // As the tool itself ends: its threads run to the very end, and nothing that they use may be destroyed before them.
+    std::fflush(nullptr);
+    std::quick_exit(result);
 }
