@@ -16,9 +16,9 @@ SlotKey keyOf(std::uint32_t serial)
     return key;
 }
 
-TokenSpecification specification(std::uint32_t serial, std::uint16_t productId)
+TokenProfile profile(std::uint32_t serial, std::uint16_t productId)
 {
-    TokenSpecification token;
+    TokenProfile token;
     token.otp.serial = serial;
     token.productId = productId;
     token.otp.slots[1].key = keyOf(serial);
@@ -31,17 +31,17 @@ std::vector<LabToken> makeLabTokens(TokenBed& bed)
 {
     constexpr std::uint16_t fullProduct = 0x0407;
     constexpr std::uint16_t olderProduct = 0x0116;
-    TokenSpecification empty = specification(7654321, fullProduct);
+    TokenProfile empty = profile(7654321, fullProduct);
     empty.otp.slots[1].key.reset();
-    TokenSpecification touched = specification(999, fullProduct);
+    TokenProfile touched = profile(999, fullProduct);
     touched.otp.slots[1].needsTouch = true;
 
     std::vector<LabToken> tokens;
-    const auto add = [&](const char* description, TokenSpecification token) {
+    const auto add = [&](const char* description, TokenProfile token) {
         tokens.push_back({description, std::make_unique<VirtualToken>(bed, std::move(token))});
     };
-    add("product 0407, slot 2 set up", specification(5550101, fullProduct));
-    add("product 0116, slot 2 set up", specification(12345678, olderProduct));
+    add("product 0407, slot 2 set up", profile(5550101, fullProduct));
+    add("product 0116, slot 2 set up", profile(12345678, olderProduct));
     add("product 0407, no slot set up", empty);
     add("product 0407, slot 2 answers after a touch", touched);
     return tokens;

@@ -8,7 +8,7 @@ namespace vantro::lab {
 TokenRow::TokenRow(LabToken& token, int number, QGridLayout& layout, QObject* parent)
     : QObject(parent), token_(token), number_(number), plug_(new QPushButton), finger_(new QPushButton)
 {
-    const QString serial = QString::number(token_.token->specification().otp.serial);
+    const QString serial = QString::number(token_.token->profile().otp.serial);
     auto* const label = new QLabel(tr("%1. Serial %2").arg(number).arg(serial));
     auto* const description = new QLabel(QString::fromStdString(token_.description));
     plug_->setCheckable(true);

@@ -82,12 +82,12 @@ void OtpApplication::execute(Clock::time_point now)
     }
     const std::uint8_t command = frame_[commandOffset];
     if (command == serialCommand) {
-        const std::uint32_t serial = specification_.serial;
+        const std::uint32_t serial = profile_.serial;
         answer({static_cast<std::uint8_t>(serial >> 24U), static_cast<std::uint8_t>(serial >> 16U),
                 static_cast<std::uint8_t>(serial >> 8U), static_cast<std::uint8_t>(serial)},
                false, now);
     } else if (command == slotOneCommand || command == slotTwoCommand) {
-        const SlotSpecification& slot = specification_.slots.at(command == slotOneCommand ? 0 : 1);
+        const SlotProfile& slot = profile_.slots.at(command == slotOneCommand ? 0 : 1);
         if (slot.key) {
             answer(respond(slot, payload), slot.needsTouch, now);
         }
@@ -101,13 +101,13 @@ void OtpApplication::answer(std::vector<std::uint8_t> payload, bool needsTouch, 
     payload.push_back(static_cast<std::uint8_t>(checksum >> 8U));
     answer_ = std::move(payload);
     nextReport_ = 0;
-    readyAt_ = now + specification_.replyDelay;
+    readyAt_ = now + profile_.replyDelay;
     if (needsTouch) {
         touchLimit_ = now + touchPatience;
     }
 }
 
-std::vector<std::uint8_t> OtpApplication::respond(const SlotSpecification& slot,
+std::vector<std::uint8_t> OtpApplication::respond(const SlotProfile& slot,
                                                   std::span<const std::uint8_t> challenge) const
 {
     if (!slot.isFixedLength) {
@@ -129,13 +129,13 @@ OtpApplication::Report OtpApplication::status() const
     Report report{};
     const std::array<std::uint8_t, 3> firmware{5, 4, 3};
     std::copy(firmware.begin(), firmware.end(), report.begin() + 1);
-    report[4] = std::any_of(specification_.slots.begin(), specification_.slots.end(),
-                            [](const SlotSpecification& slot) { return slot.key.has_value(); });
+    report[4] = std::any_of(profile_.slots.begin(), profile_.slots.end(),
+                            [](const SlotProfile& slot) { return slot.key.has_value(); });
     unsigned int level = 0;
-    for (std::size_t slot = 0; slot < specification_.slots.size(); ++slot) {
-        const SlotSpecification& specification = specification_.slots.at(slot);
-        level |= specification.key ? 0x01U << slot : 0U;
-        level |= specification.key && specification.needsTouch ? 0x04U << slot : 0U;
+    for (std::size_t slot = 0; slot < profile_.slots.size(); ++slot) {
+        const SlotProfile& profile = profile_.slots.at(slot);
+        level |= profile.key ? 0x01U << slot : 0U;
+        level |= profile.key && profile.needsTouch ? 0x04U << slot : 0U;
     }
     report[5] = static_cast<std::uint8_t>(level);
     return report;
@@ -169,7 +169,7 @@ void OtpApplication::touch(Clock::time_point now)
 {
     if (isWaitingForTouch(now)) {
         touchLimit_.reset();
-        readyAt_ = now + specification_.replyDelay;
+        readyAt_ = now + profile_.replyDelay;
     }
 }
 

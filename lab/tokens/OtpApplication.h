@@ -13,7 +13,7 @@ namespace vantro::lab {
 using SlotKey = std::array<std::uint8_t, 20>;
 
 /// One of the two slots of a token.
-struct SlotSpecification
+struct SlotProfile
 {
     /// Absent: the slot is not programmed and never answers.
     std::optional<SlotKey> key;
@@ -24,10 +24,10 @@ struct SlotSpecification
 };
 
 /// What a token's OTP application is like.
-struct OtpSpecification
+struct OtpProfile
 {
     std::uint32_t serial = 0;
-    std::array<SlotSpecification, 2> slots;
+    std::array<SlotProfile, 2> slots;
     /// Between the last chunk of a command and its answer, or between the touch and the answer.
     std::chrono::milliseconds replyDelay{0};
 };
@@ -44,7 +44,7 @@ class OtpApplication
     using Report = std::array<std::uint8_t, reportSize>;
     using Clock = std::chrono::steady_clock;
 
-    explicit OtpApplication(const OtpSpecification& specification) : specification_(specification) {}
+    explicit OtpApplication(const OtpProfile& profile) : profile_(profile) {}
 
     /// One feature report from the host.
     void write(const Report& report, Clock::time_point now);
@@ -64,11 +64,11 @@ class OtpApplication
     void reset();
     void execute(Clock::time_point now);
     void answer(std::vector<std::uint8_t> payload, bool needsTouch, Clock::time_point now);
-    [[nodiscard]] std::vector<std::uint8_t> respond(const SlotSpecification& slot,
+    [[nodiscard]] std::vector<std::uint8_t> respond(const SlotProfile& slot,
                                                     std::span<const std::uint8_t> challenge) const;
     [[nodiscard]] Report status() const;
 
-    OtpSpecification specification_;
+    OtpProfile profile_;
     std::array<std::uint8_t, chunkSize * chunkCount> frame_{};
     /// The answer with its checksum; empty when there is none.
     std::vector<std::uint8_t> answer_;

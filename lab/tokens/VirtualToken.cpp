@@ -32,8 +32,8 @@ std::string hexadecimal(unsigned int number)
 
 } // namespace
 
-VirtualToken::VirtualToken(TokenBed& bed, TokenSpecification specification)
-    : bed_(bed), specification_(std::move(specification)), otp_(specification_.otp)
+VirtualToken::VirtualToken(TokenBed& bed, TokenProfile profile)
+    : bed_(bed), profile_(std::move(profile)), otp_(profile_.otp)
 {
 }
 
@@ -50,12 +50,12 @@ void VirtualToken::plugInDevice()
     const unsigned int deviceNumber = bed_.nextNumber();
     usbName_ = "1-" + std::to_string(deviceNumber);
     char product[32];
-    std::snprintf(product, sizeof product, "%x/%x/543", specification_.vendorId, specification_.productId);
+    std::snprintf(product, sizeof product, "%x/%x/543", profile_.vendorId, profile_.productId);
     char node[32];
     std::snprintf(node, sizeof node, "/dev/bus/usb/001/%03u", deviceNumber);
     usbPath_ = bed_.addDevice("usb", usbName_, "",
-                              {{"idVendor", hexadecimal(specification_.vendorId)},
-                               {"idProduct", hexadecimal(specification_.productId)},
+                              {{"idVendor", hexadecimal(profile_.vendorId)},
+                               {"idProduct", hexadecimal(profile_.productId)},
                                {"bcdDevice", "0543"},
                                {"busnum", "1"},
                                {"devnum", std::to_string(deviceNumber)},
@@ -72,7 +72,7 @@ void VirtualToken::plugInDevice()
 
 void VirtualToken::plugIn()
 {
-    for (const TokenInterface interface : specification_.interfaces) {
+    for (const TokenInterface interface : profile_.interfaces) {
         plugIn(interface);
     }
 }
@@ -89,17 +89,17 @@ void VirtualToken::plugIn(TokenInterface interface)
     HidNode::Description description;
     description.usbPath = usbPath_;
     description.usbName = usbName_;
-    description.vendorId = specification_.vendorId;
-    description.productId = specification_.productId;
+    description.vendorId = profile_.vendorId;
+    description.productId = profile_.productId;
     description.productName = "Token Lab Virtual token";
-    description.transferTime = specification_.transferTime;
+    description.transferTime = profile_.transferTime;
     if (isKeyboard) {
         description.subClass = 1;
         description.protocol = 1;
         description.reportDescriptor = keyboardDescriptor;
     } else {
         description.interfaceNumber = 1;
-        description.reportDescriptor = fidoDescriptor(specification_.fidoReportSize);
+        description.reportDescriptor = fidoDescriptor(profile_.fidoReportSize);
     }
     node =
         std::make_unique<HidNode>(bed_, description, [this, isKeyboard](bool isWrite, std::span<std::uint8_t> report) {
@@ -135,7 +135,7 @@ void VirtualToken::unplug()
         usbPath_.clear();
     }
     const std::lock_guard otpLock(otpMutex_);
-    otp_ = OtpApplication(specification_.otp);
+    otp_ = OtpApplication(profile_.otp);
 }
 
 bool VirtualToken::isPluggedIn() const

@@ -22,17 +22,17 @@ enum class TokenInterface
 };
 
 /// What a virtual token is like. With another vendor, product or report size it is a foreign device.
-struct TokenSpecification
+struct TokenProfile
 {
     /// Serial number, slots and the time to an answer.
-    OtpSpecification otp;
+    OtpProfile otp;
     std::uint16_t vendorId = 0x1050;
     std::uint16_t productId = 0x0407;
     /// The FIDO interface's input report in bytes.
     std::uint16_t fidoReportSize = 64;
     /// The interfaces that plugIn() brings, in this order; a hidraw node gets its number when it comes.
     std::vector<TokenInterface> interfaces{TokenInterface::keyboard, TokenInterface::fido};
-    /// How long each transfer of a feature report takes: a slow bus, where OtpSpecification::replyDelay is a slow
+    /// How long each transfer of a feature report takes: a slow bus, where OtpProfile::replyDelay is a slow
     /// token.
     std::chrono::milliseconds transferTime{0};
 };
@@ -42,12 +42,12 @@ struct TokenSpecification
 class VirtualToken
 {
   public:
-    VirtualToken(TokenBed& bed, TokenSpecification specification);
+    VirtualToken(TokenBed& bed, TokenProfile profile);
     ~VirtualToken();
     VirtualToken(const VirtualToken&) = delete;
     VirtualToken& operator=(const VirtualToken&) = delete;
 
-    /// Plugs in every interface of the specification that is not there yet. When it returns, their events are sent.
+    /// Plugs in every interface of the profile that is not there yet. When it returns, their events are sent.
     void plugIn();
 
     /// Plugs in one interface alone, for an interface that comes later than another.
@@ -67,14 +67,14 @@ class VirtualToken
     /// The device node of an interface, for example /dev/hidraw0; empty while the interface is not there.
     [[nodiscard]] std::string deviceNode(TokenInterface interface) const;
 
-    [[nodiscard]] const TokenSpecification& specification() const { return specification_; }
+    [[nodiscard]] const TokenProfile& profile() const { return profile_; }
 
   private:
     void plugInDevice();
     [[nodiscard]] bool exchange(bool isWrite, std::span<std::uint8_t> report);
 
     TokenBed& bed_;
-    const TokenSpecification specification_;
+    const TokenProfile profile_;
     /// Held while plugging in and out; the emulation's thread never takes it.
     mutable std::mutex plugMutex_;
     std::string usbName_;

@@ -94,7 +94,7 @@ TEST_F(RealTokens, ComeAndGoInSequence)
         for (const auto& token : tokens) {
             token->plugIn();
             ++count;
-            ASSERT_TRUE(reaches(count, token->specification().otp.serial));
+            ASSERT_TRUE(reaches(count, token->profile().otp.serial));
         }
         for (const auto& token : tokens) {
             token->unplug();

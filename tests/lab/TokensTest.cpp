@@ -122,9 +122,9 @@ std::vector<std::uint8_t> hmac(const SlotKey& key, const std::vector<std::uint8_
     return response;
 }
 
-TokenSpecification specification(std::uint32_t serial)
+TokenProfile profile(std::uint32_t serial)
 {
-    TokenSpecification token;
+    TokenProfile token;
     token.otp.serial = serial;
     token.otp.slots[0].key = firstKey;
     token.otp.slots[1].key = secondKey;
@@ -138,7 +138,7 @@ const std::vector<std::uint8_t> serialOf0x01020304{1, 2, 3, 4};
 TEST(VirtualToken, AnswersAsATokenDoes)
 {
     TokenBed bed;
-    TokenSpecification description = specification(0x01020304);
+    TokenProfile description = profile(0x01020304);
     description.otp.slots[1].isFixedLength = true;
     VirtualToken token(bed, description);
     token.plugIn();
@@ -172,7 +172,7 @@ TEST(VirtualToken, AnswersAsATokenDoes)
 TEST(VirtualToken, KeepsSilentWithoutASecretAndWaitsForATouch)
 {
     TokenBed bed;
-    TokenSpecification description = specification(7);
+    TokenProfile description = profile(7);
     description.otp.slots[0].key.reset();
     description.otp.slots[1].needsTouch = true;
     description.otp.replyDelay = 30ms;
@@ -195,7 +195,7 @@ TEST(VirtualToken, KeepsSilentWithoutASecretAndWaitsForATouch)
 TEST(VirtualToken, IsGoneForWhoeverHasItOpen)
 {
     TokenBed bed;
-    TokenSpecification description = specification(0x01020304);
+    TokenProfile description = profile(0x01020304);
     description.transferTime = 50ms;
     VirtualToken token(bed, description);
     for (int round = 0; round < 3; ++round) {
@@ -309,7 +309,7 @@ TEST(TokenBed, TellsEveryListeningProcessInOrder)
     ASSERT_EQ(::read(ready[0], &descriptors[1], 1), 1);
     EXPECT_EQ(descriptors[0], descriptors[1]) << "the case that names by number alone confuse";
 
-    TokenSpecification description = specification(1);
+    TokenProfile description = profile(1);
     description.interfaces = {TokenInterface::fido};
     VirtualToken token(bed, description);
     token.plugIn();
@@ -327,7 +327,7 @@ TEST(TokenBed, WaitsForAListenerThatIsBehindAndOutlivesOneThatIsGone)
         const Listener gone;
     }
     const Listener listener;
-    TokenSpecification description = specification(1);
+    TokenProfile description = profile(1);
     VirtualToken token(bed, description);
     constexpr int rounds = 12;
     std::thread plugging([&token] {

@@ -191,9 +191,9 @@ TEST_F(PamServiceTest, KilledBetweenTwoFilesLeavesBothWhole)
 
 TEST_F(PamServiceTest, TokenThatIsWaitedForDelaysNoEntry)
 {
-    auto specification = tokenOf(11);
-    specification.otp.slots[1].needsTouch = true;
-    lab::VirtualToken token(bed, specification);
+    auto profile = tokenOf(11);
+    profile.otp.slots[1].needsTouch = true;
+    lab::VirtualToken token(bed, profile);
     token.plugIn();
     auto written = std::async(std::launch::async, [] { return ServiceClient().createCRSettingFile(11); });
     ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));

@@ -22,12 +22,12 @@ namespace vantro::tests {
 class ServiceFixture : public testing::Test
 {
   protected:
-    static lab::TokenSpecification tokenOf(std::uint32_t serial)
+    static lab::TokenProfile tokenOf(std::uint32_t serial)
     {
-        lab::TokenSpecification specification;
-        specification.otp.serial = serial;
-        specification.otp.slots[1].key = lab::SlotKey{1, 2, 3};
-        return specification;
+        lab::TokenProfile profile;
+        profile.otp.serial = serial;
+        profile.otp.slots[1].key = lab::SlotKey{1, 2, 3};
+        return profile;
     }
 
     [[nodiscard]] std::filesystem::path recordOf(std::uint64_t serial) const

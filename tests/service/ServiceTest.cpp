@@ -65,18 +65,18 @@ TEST_F(SerialTest, IsZeroInTimeWhenNoneCanBeRead)
     EXPECT_EQ(client.getSerial(), 0U);
     zero.unplug();
 
-    auto specification = tokenOf(11);
-    specification.interfaces = {TokenInterface::fido};
-    VirtualToken withoutKeyboard(bed, specification);
+    auto profile = tokenOf(11);
+    profile.interfaces = {TokenInterface::fido};
+    VirtualToken withoutKeyboard(bed, profile);
     withoutKeyboard.plugIn();
     const auto start = Clock::now();
     EXPECT_EQ(client.getSerial(), 0U);
     EXPECT_LT(Clock::now() - start, 5s);
     EXPECT_TRUE(logSays("keyboard interface did not appear"));
 
-    specification = tokenOf(12);
-    specification.productId = 0x0120;
-    VirtualToken unsupported(bed, specification);
+    profile = tokenOf(12);
+    profile.productId = 0x0120;
+    VirtualToken unsupported(bed, profile);
     withoutKeyboard.unplug();
     unsupported.plugIn();
     EXPECT_EQ(client.getSerial(), 0U);
@@ -85,9 +85,9 @@ TEST_F(SerialTest, IsZeroInTimeWhenNoneCanBeRead)
 
 TEST_F(SerialTest, HangingTokenIsGivenUpAndDelaysNobodyElse)
 {
-    auto specification = tokenOf(11);
-    specification.transferTime = 5s; // as long as the kernel waits for a transfer
-    VirtualToken hanging(bed, specification);
+    auto profile = tokenOf(11);
+    profile.transferTime = 5s; // as long as the kernel waits for a transfer
+    VirtualToken hanging(bed, profile);
     hanging.plugIn();
     EXPECT_TRUE(client.removeCRSettingFile(11)); // starts the service
     const auto start = Clock::now();
@@ -126,9 +126,9 @@ TEST_F(RecordTest, IsWrittenForTheTokenThatHasTheSerial)
 
 TEST_F(RecordTest, TakesSlotOneWhenSlotTwoIsNotProgrammed)
 {
-    auto specification = tokenOf(11);
-    std::swap(specification.otp.slots[0], specification.otp.slots[1]);
-    VirtualToken token(bed, specification);
+    auto profile = tokenOf(11);
+    std::swap(profile.otp.slots[0], profile.otp.slots[1]);
+    VirtualToken token(bed, profile);
     token.plugIn();
     ASSERT_TRUE(client.createCRSettingFile(11));
     EXPECT_NE(contentOf(recordOf(11)).find("\nslot 1\n"), std::string::npos);
@@ -136,9 +136,9 @@ TEST_F(RecordTest, TakesSlotOneWhenSlotTwoIsNotProgrammed)
 
 TEST_F(RecordTest, WaitsForATouch)
 {
-    auto specification = tokenOf(11);
-    specification.otp.slots[1].needsTouch = true;
-    VirtualToken token(bed, specification);
+    auto profile = tokenOf(11);
+    profile.otp.slots[1].needsTouch = true;
+    VirtualToken token(bed, profile);
     token.plugIn();
     auto written = std::async(std::launch::async, [this] { return client.createCRSettingFile(11); });
     ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
@@ -160,9 +160,9 @@ TEST_F(RecordTest, WaitsForATouch)
 
 TEST_F(RecordTest, RefusalsWriteNothing)
 {
-    auto specification = tokenOf(11);
-    specification.otp.slots[1].key.reset();
-    VirtualToken unprogrammed(bed, specification);
+    auto profile = tokenOf(11);
+    profile.otp.slots[1].key.reset();
+    VirtualToken unprogrammed(bed, profile);
     unprogrammed.plugIn();
     EXPECT_FALSE(client.createCRSettingFile(11));
     EXPECT_TRUE(logSays("No slot of the token is programmed"));
@@ -191,9 +191,9 @@ TEST_F(RecordTest, RefusalsWriteNothing)
 
 TEST_F(RecordTest, ServiceEndsCleanlyInTheMiddleOfARequest)
 {
-    auto specification = tokenOf(11);
-    specification.otp.slots[1].needsTouch = true;
-    VirtualToken token(bed, specification);
+    auto profile = tokenOf(11);
+    profile.otp.slots[1].needsTouch = true;
+    VirtualToken token(bed, profile);
     token.plugIn();
     auto written = std::async(std::launch::async, [] {
         try {

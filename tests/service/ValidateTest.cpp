@@ -45,9 +45,9 @@ TEST_F(ValidateTest, AnotherSecretOrNoTokenIsRefused)
     EXPECT_FALSE(client.validate(11));
     EXPECT_TRUE(logSays("No token is plugged in."));
 
-    auto specification = tokenOf(11);
-    specification.otp.slots[1].key = lab::SlotKey{3, 2, 1};
-    VirtualToken forged(bed, specification);
+    auto profile = tokenOf(11);
+    profile.otp.slots[1].key = lab::SlotKey{3, 2, 1};
+    VirtualToken forged(bed, profile);
     forged.plugIn();
     EXPECT_FALSE(client.validate(11));
     EXPECT_TRUE(logSays("Its response is not the one of the record"));
@@ -62,9 +62,9 @@ TEST_F(ValidateTest, AnotherSecretOrNoTokenIsRefused)
 
 TEST_F(ValidateTest, WaitsForATouchAndThenKeepsTheChallenge)
 {
-    auto specification = tokenOf(11);
-    specification.otp.slots[1].needsTouch = true;
-    VirtualToken token(bed, specification);
+    auto profile = tokenOf(11);
+    profile.otp.slots[1].needsTouch = true;
+    VirtualToken token(bed, profile);
     token.plugIn();
     auto written = std::async(std::launch::async, [this] { return client.createCRSettingFile(11); });
     ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));

@@ -93,7 +93,7 @@ TEST_F(HIDDeviceMonitorTest, PostsOnItsThreadForEveryInterface)
 
 TEST_F(HIDDeviceMonitorTest, ForeignDevicesAreNotPosted)
 {
-    lab::TokenSpecification foreign;
+    lab::TokenProfile foreign;
     foreign.productId = 0x0120;
     lab::VirtualToken foreignToken(bed_, foreign);
     foreign.productId = 0x0407;

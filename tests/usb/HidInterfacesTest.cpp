@@ -39,11 +39,11 @@ namespace {
 using lab::TokenInterface;
 using testing::ElementsAre;
 
-lab::TokenSpecification tokenOf(std::uint16_t productId)
+lab::TokenProfile tokenOf(std::uint16_t productId)
 {
-    lab::TokenSpecification specification;
-    specification.productId = productId;
-    return specification;
+    lab::TokenProfile profile;
+    profile.productId = productId;
+    return profile;
 }
 
 class HidInterfacesTest : public testing::Test
