@@ -21,6 +21,11 @@ constexpr const char* accessDenied = "org.freedesktop.DBus.Error.AccessDenied";
 constexpr const char* limitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
 constexpr const char* failedError = "org.freedesktop.DBus.Error.Failed";
 
+/// The names of arguments and results, which callers see when they ask what the object can do.
+constexpr const char* serialName = "serial";
+constexpr const char* settingName = "setting";
+constexpr const char* successName = "isSuccess";
+
 /// The one answer of one request: whoever gives it first. Any thread.
 template <class Value>
 class Answer
@@ -74,12 +79,15 @@ void StandaloneObject::registerTokenMethods()
     using Serial = std::uint64_t;
     object_->registerMethod(service_method::getSerial)
         .onInterface(label)
+        .withOutputParamNames(serialName)
         .implementedAs([this](sdbus::Result<Serial>&& result) {
             take<Serial>(service_method::getSerial, std::move(result), usualLimit, 0,
                          [this](const Limit& limit, const auto& answer) { answer(challengeResponse_.serial(limit)); });
         });
     object_->registerMethod(service_method::createCRSettingFile)
         .onInterface(label)
+        .withInputParamNames(serialName)
+        .withOutputParamNames(successName)
         .implementedAs([this](sdbus::Result<bool>&& result, Serial serial) {
             take<bool>(service_method::createCRSettingFile, std::move(result), usualLimit, false,
                        [this, serial](const Limit& limit, const auto& answer) {
@@ -88,12 +96,16 @@ void StandaloneObject::registerTokenMethods()
         });
     object_->registerMethod(service_method::removeCRSettingFile)
         .onInterface(label)
+        .withInputParamNames(serialName)
+        .withOutputParamNames(successName)
         .implementedAs([this](sdbus::Result<bool>&& result, Serial serial) {
             take<bool>(service_method::removeCRSettingFile, std::move(result), usualLimit, false,
                        [this, serial](const Limit&, const auto& answer) { answer(challengeResponse_.remove(serial)); });
         });
     object_->registerMethod(service_method::validate)
         .onInterface(label)
+        .withInputParamNames(serialName)
+        .withOutputParamNames(successName)
         .implementedAs([this](sdbus::Result<bool>&& result, Serial serial) {
             take<bool>(service_method::validate, std::move(result), validationLimit, false,
                        [this, serial](const Limit& limit, const auto& answer) {
@@ -105,8 +117,11 @@ void StandaloneObject::registerTokenMethods()
 void StandaloneObject::registerPamMethods()
 {
     const auto add = [this](const char* name, bool (PamStore::*change)(const ArchiveData&)) {
-        object_->registerMethod(name).onInterface(label).implementedAs(
-            [this, name, change](sdbus::Result<bool>&& result, const ArchiveData& setting) {
+        object_->registerMethod(name)
+            .onInterface(label)
+            .withInputParamNames(settingName)
+            .withOutputParamNames(successName)
+            .implementedAs([this, name, change](sdbus::Result<bool>&& result, const ArchiveData& setting) {
                 take<bool>(name, std::move(result), usualLimit, false,
                            [this, change, setting](const Limit&, const auto& answer) {
                                answer((pamStore_.*change)(setting));

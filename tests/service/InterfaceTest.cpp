@@ -1,0 +1,120 @@
+// What the documents say about the service, against the running one.
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <regex>
+#include <sstream>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <pugixml.hpp>
+#include <sdbus-c++/sdbus-c++.h>
+
+#include "VantroStandaloneSetting/PamSetting.h"
+#include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "service/ServiceFixture.h"
+
+namespace vantro::tests {
+namespace {
+
+using testing::IsEmpty;
+using testing::Not;
+
+/// The methods of the service's interface, an argument a line: "Validate in t serial".
+std::vector<std::string> methodsOf(const std::string& introspection)
+{
+    pugi::xml_document document;
+    EXPECT_TRUE(document.load_string(introspection.c_str())) << introspection;
+    std::vector<std::string> lines;
+    for (const auto& interface : document.child("node").children("interface")) {
+        if (std::string(interface.attribute("name").value()) != label)
+            continue;
+        for (const auto& method : interface.children("method"))
+            for (const auto& argument : method.children("arg"))
+                lines.push_back(std::string(method.attribute("name").value()) + " " +
+                                argument.attribute("direction").value() + " " + argument.attribute("type").value() +
+                                " " + argument.attribute("name").value());
+    }
+    return lines;
+}
+
+struct Call
+{
+    std::string command;
+    std::string output;
+};
+
+/// What stands in a page's blocks of the language "console": commands behind "$ " or "# ", each with its output below.
+std::vector<Call> callsIn(const std::string& page)
+{
+    std::vector<Call> calls;
+    std::istringstream text(page);
+    bool isConsole = false;
+    for (std::string line; std::getline(text, line);) {
+        if (line.starts_with("```"))
+            isConsole = line == "```console";
+        else if (isConsole && (line.starts_with("$ ") || line.starts_with("# ")))
+            calls.push_back({line.substr(2), {}});
+        else if (isConsole && !calls.empty())
+            calls.back().output += line + "\n";
+    }
+    return calls;
+}
+
+std::string outputOf(const std::string& command)
+{
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(
+        ::popen(("cd '" VANTRO_SOURCE_FOLDER "'; unset LD_PRELOAD; " + command + " 2>&1").c_str(), "r"), ::pclose);
+    std::string output;
+    std::array<char, 4096> buffer = {};
+    while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr)
+        output += buffer.data();
+    return output;
+}
+
+class InterfaceTest : public ServiceFixture
+{
+};
+
+TEST_F(InterfaceTest, InstalledFileDescribesTheRunningService)
+{
+    const auto connection = sdbus::createSystemBusConnection();
+    const auto proxy = sdbus::createProxy(*connection, label, serviceObjectPath);
+    std::string answer;
+    proxy->callMethod("Introspect").onInterface("org.freedesktop.DBus.Introspectable").storeResultsTo(answer);
+    const auto described = methodsOf(contentOf(VANTRO_SOURCE_FOLDER "/packaging/com.vantro.Standalone1.xml"));
+    EXPECT_THAT(described, Not(IsEmpty()));
+    EXPECT_THAT(described, testing::UnorderedElementsAreArray(methodsOf(answer)));
+}
+
+TEST_F(InterfaceTest, DocumentedRecoveryTakesTheEntriesOut)
+{
+    const std::string comment = "# To be included.\n";
+    writeFile(prefix.pamModules() / "pam_vantro_standalone.so", "");
+    for (const char* const service : {"authorization", "screensaver", "screensaver_new"}) {
+        writeFile(prefix.pamServices() / service, comment);
+        const PamSetting setting{service, ModuleInterface::Auth, ControlFlag::Required, "pam_vantro_standalone.so"};
+        ASSERT_TRUE(client.savePamSetting(setting.archived().value()));
+    }
+    const std::string page = std::regex_replace(contentOf(VANTRO_SOURCE_FOLDER "/docs/security.md"),
+                                                std::regex("/etc/pam\\.d"), prefix.pamServices().string());
+    for (const auto& call : callsIn(page))
+        EXPECT_EQ(outputOf(call.command), call.output) << call.command;
+    for (const auto& entry : std::filesystem::directory_iterator(prefix.pamServices()))
+        EXPECT_EQ(contentOf(entry.path()), comment) << entry.path();
+}
+
+TEST_F(InterfaceTest, DocumentedCallsAnswerAsShown)
+{
+    writeFile(prefix.pamServices() / "authorization", "# Empty.\n");
+    lab::VirtualToken token(bed, tokenOf(12345678));
+    token.plugIn();
+    const auto calls = callsIn(contentOf(VANTRO_SOURCE_FOLDER "/docs/service.md"));
+    EXPECT_THAT(calls, Not(IsEmpty()));
+    for (const auto& call : calls)
+        EXPECT_EQ(outputOf(call.command), call.output) << call.command;
+}
+
+} // namespace
+} // namespace vantro::tests
