@@ -1,5 +1,8 @@
 #include "appkit/NSApplication.h"
 
+#include <atomic>
+#include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <sys/eventfd.h>
@@ -13,6 +16,46 @@
 #include "foundation/DispatchQueue.h"
 
 namespace vantro {
+
+namespace {
+
+/// An event descriptor whose `handler` runs on the main thread after it was written to.
+int makeWakeEvent(std::function<void()> handler)
+{
+    const int wakeEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    auto* const notifier = new QSocketNotifier(wakeEvent, QSocketNotifier::Read, QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [wakeEvent, handler = std::move(handler)] {
+        std::uint64_t count = 0;
+        [[maybe_unused]] const ssize_t read = ::read(wakeEvent, &count, sizeof count);
+        handler();
+    });
+    return wakeEvent;
+}
+
+void wake(int wakeEvent)
+{
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = ::write(wakeEvent, &one, sizeof one);
+}
+
+/// What the signal handler, which may do next to nothing, writes to.
+std::atomic<int> activationEvent = -1;
+static_assert(std::atomic<int>::is_always_lock_free);
+
+void comeToFrontOnActivationSignal()
+{
+    activationEvent = makeWakeEvent(&NSApplication::activateIgnoringOtherApps);
+    struct sigaction action = {};
+    action.sa_handler = [](int) {
+        const int before = errno;
+        wake(activationEvent);
+        errno = before;
+    };
+    action.sa_flags = SA_RESTART;
+    ::sigaction(NSApplication::activationSignal, &action, nullptr);
+}
+
+} // namespace
 
 NSWindow::NSWindow(std::unique_ptr<NSViewController> contentViewController)
     : controller_(std::move(contentViewController))
@@ -46,17 +89,8 @@ void NSApplication::attachMainQueue()
 {
     // Woken through a file descriptor, since the toolkit's own way to reach its thread hands objects over that a
     // thread checker can't follow.
-    const int wakeEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    auto* const notifier = new QSocketNotifier(wakeEvent, QSocketNotifier::Read, QCoreApplication::instance());
-    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [wakeEvent] {
-        std::uint64_t count = 0;
-        [[maybe_unused]] const ssize_t read = ::read(wakeEvent, &count, sizeof count);
-        DispatchQueue::main().runPending();
-    });
-    DispatchQueue::main().attach([wakeEvent] {
-        const std::uint64_t one = 1;
-        [[maybe_unused]] const ssize_t written = ::write(wakeEvent, &one, sizeof one);
-    });
+    const int wakeEvent = makeWakeEvent([] { DispatchQueue::main().runPending(); });
+    DispatchQueue::main().attach([wakeEvent] { wake(wakeEvent); });
     // What was handed over before there was a queue to wake.
     DispatchQueue::main().async([] {});
 }
@@ -69,8 +103,12 @@ void NSApplication::activateIgnoringOtherApps()
             front = window;
     if (front == nullptr)
         return;
+    for (QWidget* window = front; window != nullptr; window = window->parentWidget())
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
     front->raise();
     front->activateWindow();
+    // A desktop that lets no window come to the front by itself marks it at least.
+    QApplication::alert(front);
 }
 
 void NSApplication::terminate()
@@ -85,6 +123,9 @@ int NSApplicationMain(int argc, char** argv, const MainStoryboard& storyboard)
     QApplication::setQuitOnLastWindowClosed(false);
     NSApplication::attachMainQueue();
     installStringTables(storyboard.stringTables);
+    comeToFrontOnActivationSignal();
+    if (!storyboard.mayLaunch())
+        NSApplication::terminate();
 
     const auto delegate = storyboard.makeDelegate();
     QObject::connect(&application, &QApplication::lastWindowClosed, &application, [&delegate] {

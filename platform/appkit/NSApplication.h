@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <functional>
 #include <memory>
 
@@ -26,6 +27,8 @@ class NSApplicationDelegate
 /// What the program's main storyboard makes at start, in this order.
 struct MainStoryboard
 {
+    /// Whether the program may start at all; false ends the process. It may show alerts.
+    std::function<bool()> mayLaunch;
     std::function<std::unique_ptr<NSApplicationDelegate>()> makeDelegate;
     std::function<std::unique_ptr<NSViewController>()> makeInitialController;
     /// The resource folder of the string tables.
@@ -65,6 +68,10 @@ class NSApplication
 
     /// Brings the application's front window before all others, as far as the desktop lets it.
     static void activateIgnoringOtherApps();
+
+    /// The signal by which another process of the same user asks this one to come to the front. It is understood from
+    /// before mayLaunch() on.
+    static constexpr int activationSignal = SIGUSR1;
 
     /// Ends the process at once, from anywhere, after flushing its output streams.
     [[noreturn]] static void terminate();

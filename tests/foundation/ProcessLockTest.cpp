@@ -1,0 +1,47 @@
+// The lock that one process at a time has.
+
+#include <csignal>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "foundation/ProcessLock.h"
+#include "support/LockHolder.h"
+#include "support/TemporaryFolder.h"
+
+namespace vantro::tests {
+namespace {
+
+TEST(ProcessLock, IsWithOneProcessUntilThatEnds)
+{
+    const TemporaryFolder folder;
+    const auto file = folder.path() / "lock";
+    {
+        LockHolder other(file);
+        const ProcessLock lock(file);
+        EXPECT_TRUE(lock.isHeldByAnother());
+        EXPECT_EQ(lock.holder(), ::geteuid());
+        EXPECT_TRUE(lock.signalHolder(SIGUSR1));
+        EXPECT_EQ(other.waitForEnd(), SIGUSR1);
+        EXPECT_FALSE(lock.signalHolder(SIGUSR1)) << "it has ended";
+    }
+    const ProcessLock lock(file);
+    EXPECT_FALSE(lock.isHeldByAnother());
+    EXPECT_EQ(lock.holder(), std::nullopt);
+    EXPECT_FALSE(lock.signalHolder(SIGUSR1));
+
+    struct stat status = {};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0666U) << "another account has to be able to take it";
+}
+
+TEST(ProcessLock, IsFreeWhereNothingCanBeWritten)
+{
+    const TemporaryFolder folder;
+    EXPECT_FALSE(ProcessLock(folder.path() / "missing" / "lock").isHeldByAnother());
+}
+
+} // namespace
+} // namespace vantro::tests
