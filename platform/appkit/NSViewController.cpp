@@ -1,8 +1,10 @@
 #include "appkit/NSViewController.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QApplication>
+#include <QDialog>
 #include <QEventLoop>
 
 #include "appkit/ModalWindow.h"
@@ -91,7 +93,14 @@ void NSViewController::dismissController()
     endObservations();
     modalWindow_->hide();
     viewDidDisappear();
-    deleteLater();
+    // An alert over this window has it as its parent, and still waits for its answer.
+    const auto over = modalWindow_->findChildren<QDialog*>(Qt::FindDirectChildrenOnly);
+    const auto shown =
+        std::find_if(over.begin(), over.end(), [](const QDialog* dialog) { return dialog->isVisible(); });
+    if (shown == over.end())
+        deleteLater();
+    else
+        connect(*shown, &QObject::destroyed, this, &QObject::deleteLater);
 }
 
 void NSViewController::observe(const NotificationName& name, NotificationCenter::Handler handler)

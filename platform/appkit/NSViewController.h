@@ -44,7 +44,8 @@ class NSViewController : public QObject
     void presentAsModalWindowAndWait(std::unique_ptr<NSViewController> presented);
 
     /// Closes the window of a presented controller. The controller hears no more notifications from here on and is
-    /// destroyed when control is back in the event loop. Does nothing when it is not presented.
+    /// destroyed when control is back in the event loop, and once no other window stands over its own. Does nothing
+    /// when it is not presented.
     void dismissController();
 
     /// The title of the window that shows this controller's view.

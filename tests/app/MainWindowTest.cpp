@@ -2,14 +2,19 @@
 
 #include <thread>
 
-#include <QLabel>
+#include <QAbstractButton>
+#include <QMessageBox>
+#include <QTimer>
 
+#include "Alerts.h"
 #include "ApplicationVersion.h"
 #include "CommonMessage.h"
 #include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
 #include "ViewController/Main/TabViewController.h"
+#include "ViewController/Main/User/RegistrationUserKeyViewController.h"
+#include "ViewController/Main/User/UserViewController.h"
 #include "app/AppFixture.h"
 #include "appkit/UserDefaults.h"
 
@@ -168,6 +173,51 @@ TEST_F(SeveralTokens, BringOneAlertThatOnlyTheLastTokenCloses)
         EXPECT_TRUE(spinUntil([&] { return shown.isNull(); }));
         EXPECT_THAT(messages(alertFile), Contains("Close window."));
     }
+}
+
+TEST_F(SeveralTokens, LeaveTheDialogBehindTheAlertAsItWas)
+{
+    store({});
+    auto& list = page<UserViewController>("UserKey");
+    const auto dialog = present<RegistrationUserKeyViewController>(list, list.registerButton);
+    ASSERT_TRUE(dialog);
+    plugIn(1);
+    plugIn(2);
+    ASSERT_TRUE(spinUntil([&] { return alert() && QApplication::activeModalWidget() == alert()->window(); }));
+    EXPECT_EQ(alert()->window()->parentWidget(), dialog->window());
+    unplug();
+    unplug();
+    ASSERT_TRUE(spinUntil([&] { return alert().isNull(); }));
+    EXPECT_EQ(QApplication::activeModalWidget(), dialog->window());
+    EXPECT_TRUE(dialog->window()->isVisible());
+}
+
+TEST_F(SeveralTokens, ThatGoLeaveAnAlertOverTheirs)
+{
+    store({});
+    window();
+    NSAlert::setPresenter({});
+    plugIn(1);
+    plugIn(2);
+    ASSERT_TRUE(spinUntil([&] { return alert() && alert()->view()->isVisible(); }));
+    const auto box = [] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); };
+    bool isAnswered = false;
+    QTimer whileShown;
+    QObject::connect(&whileShown, &QTimer::timeout, &whileShown, [&] {
+        if (box() == nullptr)
+            return;
+        whileShown.stop();
+        unplug();
+        unplug();
+        EXPECT_TRUE(spinUntil([&] { return !alert() || !alert()->view()->isVisible(); }));
+        EXPECT_FALSE(isAnswered);
+        ASSERT_NE(box(), nullptr);
+        box()->buttons().front()->click();
+    });
+    whileShown.start();
+    createOKButtonOnlyAlert(NSAlert::Style::Warning, QStringLiteral("message"), QString()).runModal();
+    isAnswered = true;
+    EXPECT_TRUE(spinUntil([&] { return alert().isNull(); }));
 }
 
 TEST_F(SeveralTokens, ThatWereThereBeforeTheWindowCount)
