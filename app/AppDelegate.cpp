@@ -2,6 +2,7 @@
 
 #include "AppDataSet.h"
 #include "ApplicationVersion.h"
+#include "StartChecks.h"
 
 namespace vantro {
 
@@ -13,6 +14,7 @@ void AppDelegate::applicationDidFinishLaunching()
     logger.info("Launched Application.", function);
     logger.info("AppVersion: " + APP_VERSION(), function);
     logger.info("OS: " + OS_VERSION(), function);
+    quitUnlessDocumentCanBeRead();
 }
 
 bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed()

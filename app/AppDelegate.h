@@ -6,7 +6,7 @@
 namespace vantro {
 
 /// The application's delegate: brings the shared data set into being before any window, writes the launch record, and
-/// ends the process with its last window.
+/// ends the process with its last window, or before any, when the settings document can't be read.
 class AppDelegate : public NSApplicationDelegate
 {
   public:

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "AppDelegate.h"
+#include "StartChecks.h"
 #include "ViewController/Alert/LoginAuthAlertViewController.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
 #include "ViewController/Main/Admin/AdminViewContorller.h"
@@ -72,7 +73,8 @@ const NSStoryboard& alertStoryboard()
 
 MainStoryboard applicationStoryboard()
 {
-    return {.makeDelegate = [] { return std::make_unique<AppDelegate>(); },
+    return {.mayLaunch = isOnlyTool,
+            .makeDelegate = [] { return std::make_unique<AppDelegate>(); },
             .makeInitialController = [] { return mainStoryboard().instantiateController("TabViewController"); },
             .stringTables = QStringLiteral(":/strings")};
 }

@@ -24,9 +24,21 @@ constexpr int asideNamesTried = 1000;
 /// then, even if it can be read again by the time something is written. Main thread.
 bool lastReadFailed = false;
 
+/// What keptAside() answers. Main thread.
+std::filesystem::path& asideOfLastWrite()
+{
+    static std::filesystem::path aside;
+    return aside;
+}
+
 Logger settingLogger()
 {
     return LoggerManager::logger("VantroStandalone").inFile("VantroStandaloneSetting/VantroStandaloneSetting");
+}
+
+std::error_code systemError()
+{
+    return {errno, std::generic_category()};
 }
 
 /// Moves the file to the first free name beside it. Never replaces anything.
@@ -38,18 +50,24 @@ std::error_code keepAside(const std::filesystem::path& file)
         if (::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0) {
             settingLogger().warning("The settings document can't be read and was kept as " + aside.string() + ".",
                                     "write()");
+            asideOfLastWrite() = aside;
             return {};
         }
         if (errno != EEXIST)
             break;
     }
-    return {errno, std::generic_category()};
+    return systemError();
 }
 
-bool canBeRead(const std::filesystem::path& file, const struct stat& status)
+std::error_code readabilityOf(const std::filesystem::path& file, const struct stat& status)
 {
-    return S_ISREG(status.st_mode) && static_cast<std::uintmax_t>(status.st_size) <= documentSizeLimit &&
-           FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!S_ISREG(status.st_mode))
+        return std::make_error_code(std::errc::not_supported);
+    if (static_cast<std::uintmax_t>(status.st_size) > documentSizeLimit)
+        return std::make_error_code(std::errc::file_too_large);
+    if (!FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)))
+        return systemError();
+    return {};
 }
 
 } // namespace
@@ -75,21 +93,42 @@ void VantroStandaloneSetting::write() const
     options.mode = newDocumentMode;
     std::error_code error;
     if (::stat(url().c_str(), &status) == 0) {
-        if (canBeRead(url(), status) && !lastReadFailed)
+        if (!readabilityOf(url(), status) && !lastReadFailed)
             options.mode = status.st_mode & 07777;
         else
             error = keepAside(url());
     } else if (errno != ENOENT) {
-        error = {errno, std::generic_category()};
+        error = systemError();
     }
     if (!error) {
         lastReadFailed = false;
         error = replaceFile(url(), serialised(*this), options);
     }
-    if (error)
-        settingLogger().error("The settings document can't be written to " + url().string() + ": " + error.message() +
-                                  ". The file is left as it was.",
-                              "write()");
+    if (!error)
+        return;
+    settingLogger().error("The settings document can't be written to " + url().string() + ": " + error.message() +
+                              ". The file is left as it was.",
+                          "write()");
+    NotificationCenter::defaultCenter().post(DocumentNotWritten);
+}
+
+std::error_code VantroStandaloneSetting::readability()
+{
+    struct stat status = {};
+    return ::stat(url().c_str(), &status) == 0 ? readabilityOf(url(), status) : systemError();
+}
+
+std::error_code VantroStandaloneSetting::writability()
+{
+    // The folder's permissions count alone: the file is replaced, not changed.
+    if (::faccessat(AT_FDCWD, url().parent_path().c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        return systemError();
+    return {};
+}
+
+const std::filesystem::path& VantroStandaloneSetting::keptAside()
+{
+    return asideOfLastWrite();
 }
 
 std::optional<std::string> readXML(const std::filesystem::path& url)

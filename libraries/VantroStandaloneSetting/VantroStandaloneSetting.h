@@ -9,6 +9,7 @@
 #include <system_error>
 #include <vector>
 
+#include "foundation/NotificationCenter.h"
 #include "foundation/XML.h"
 
 namespace vantro {
@@ -102,8 +103,17 @@ class VantroStandaloneSetting
     /// Replaces the file whole and durably and keeps its mode. A file that is there and can't be read (or is larger
     /// than readXML() takes) is first kept aside, under the name with ".unreadable" appended (or the first free "…-1"
     /// and so on behind it); where that can't be done it is left alone and nothing is written. A failure is logged and
-    /// leaves the old file.
+    /// leaves the old file, and posts DocumentNotWritten.
     void write() const;
+
+    /// Why the document's file can't be read at the moment, a file that is missing included; no error where it can.
+    [[nodiscard]] static std::error_code readability();
+
+    /// Why write() could not replace the file at the moment, as far as its folder tells; no error where it could.
+    [[nodiscard]] static std::error_code writability();
+
+    /// Where this process's last write() moved a file that could not be read; empty when it never had to.
+    [[nodiscard]] static const std::filesystem::path& keptAside();
 
   private:
     friend class SettingReader;
@@ -114,6 +124,9 @@ class VantroStandaloneSetting
     ForeignNodes foreignBeside_;
     friend std::string serialised(const VantroStandaloneSetting& setting);
 };
+
+/// Posted by write(), without an object, when the document could not be stored.
+inline const NotificationName DocumentNotWritten = "document_not_written";
 
 /// The document's file as text: one element a key, serials in plain decimal.
 [[nodiscard]] std::string serialised(const VantroStandaloneSetting& setting);

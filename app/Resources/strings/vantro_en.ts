@@ -56,6 +56,52 @@ On its very first start the tool closes when you close this message. Start it ag
     </message>
 </context>
 <context>
+    <name>StartMessage</name>
+    <message>
+        <source>already_open_heading</source>
+        <translation>Vantro Standalone is open already</translation>
+    </message>
+    <message>
+        <source>already_open_by</source>
+        <translation>%1 has it open on this computer. Two windows would overwrite each other's changes, so this one does not open.
+
+Ask %1 to close it, then start it again.</translation>
+    </message>
+    <message>
+        <source>already_open</source>
+        <translation>Another account has it open on this computer. Two windows would overwrite each other's changes, so this one does not open.
+
+Have it closed there, then start it again.</translation>
+    </message>
+    <message>
+        <source>document_unreadable_heading</source>
+        <translation>The settings can't be read</translation>
+    </message>
+    <message>
+        <source>document_unreadable</source>
+        <translation>The settings document "%1" can't be read: %2. Nothing was changed, and the tool closes.
+
+• Your account must be a member of the administrators' group. If it is not, run "adduser NAME sudo" as root, with your account's name, and sign in again.
+• If it is, have root see to it that the document and its folder are there and can be read, then start the tool again.</translation>
+    </message>
+    <message>
+        <source>document_kept_aside</source>
+        <translation>The settings document "%1" was there but could not be read. It was kept as "%2", nothing in it was lost, and a new document without any token took its place. The tool closes.
+
+To go on with the old settings, have root make that file readable, check it, and give it its old name again. To begin anew, start the tool again.</translation>
+    </message>
+    <message>
+        <source>document_not_written_heading</source>
+        <translation>Changes are not saved</translation>
+    </message>
+    <message>
+        <source>document_not_written</source>
+        <translation>The settings document "%1" can't be written. You see the settings, but what you change now is lost when the tool closes.
+
+Close the tool, have root see to it that your account may write to the document's folder and that the disk is not full, then start it again.</translation>
+    </message>
+</context>
+<context>
     <name>UserViewMessage</name>
     <message>
         <source>yubiKey_is_not_connected</source>

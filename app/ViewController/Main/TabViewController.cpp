@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <QUrl>
 
@@ -13,6 +14,7 @@
 #include "CommonMessage.h"
 #include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
+#include "StartMessage.h"
 #include "ViewController/Alert/LoginAuthAlertViewController.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
 #include "appkit/NSApplication.h"
@@ -46,6 +48,10 @@ void TabViewController::viewDidLoad()
     NSTabViewController::viewDidLoad();
     logger.info("Start viewDidLoad.", function);
     observe(MultipleConnectedYubiKey, [this](const Notification&) { onMultipleConnectedYubiKey(); });
+    // Told when the operation that wrote has ended, with its dialog.
+    observe(DocumentNotWritten, [tell = onMainQueue([this] { tellDocumentNotWritten(); })](const Notification&) {
+        DispatchQueue::main().async(tell);
+    });
     // Tokens that were counted before anybody observed count as well.
     if (AppDataSet::shared().connectedYubiKeyCount() >= 2)
         onMultipleConnectedYubiKey();
@@ -115,7 +121,19 @@ void TabViewController::viewDidAppear()
     if (window() != nullptr)
         window()->setWindowTitle(windowTitleWithVersion());
     resizeWindowToFit(selectedTabViewItem());
+    if (VantroStandaloneSetting::writability())
+        DispatchQueue::main().async(onMainQueue([this] { tellDocumentNotWritten(); }));
     logger.info("Finished viewDidAppear.", function);
+}
+
+void TabViewController::tellDocumentNotWritten()
+{
+    if (std::exchange(hasToldDocumentNotWritten, true))
+        return;
+    createOKButtonOnlyAlert(
+        NSAlert::Style::Warning, StartMessage::documentNotWrittenHeading(),
+        StartMessage::documentNotWritten().arg(QString::fromStdString(VantroStandaloneSetting::url().string())))
+        .runModal();
 }
 
 void TabViewController::tabViewWillSelect(const NSTabViewItem* item)

@@ -32,7 +32,12 @@ class TabViewController : public NSTabViewController
     void tabViewDidSelect(const NSTabViewItem* item) override;
 
   private:
+    /// The alert stands over whatever is in front: a dialog, another alert, the sign-in. Those can't be used until the
+    /// last token has gone, and then go on as they were, texts and input included. A request under way ends first, and
+    /// with it its dialog; the alert comes right after.
     void onMultipleConnectedYubiKey();
+    /// Says that changes are not stored, the first time that they aren't.
+    void tellDocumentNotWritten();
     void systemSettingAlert();
     [[nodiscard]] bool isFirstStart();
     void recoverSetting();
@@ -41,6 +46,7 @@ class TabViewController : public NSTabViewController
     std::map<const NSTabViewItem*, QSize> tabViewSizes;
     const Logger logger;
     bool didAppear = false;
+    bool hasToldDocumentNotWritten = false;
 };
 
 } // namespace vantro

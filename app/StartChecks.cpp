@@ -1,0 +1,77 @@
+#include "StartChecks.h"
+
+#include <filesystem>
+
+#include <QString>
+
+#include <unistd.h>
+
+#include "AppDataSet.h"
+#include "ApplicationVersion.h"
+#include "CommonMessage.h"
+#include "StartMessage.h"
+#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "appkit/NSAlert.h"
+#include "appkit/NSApplication.h"
+#include "foundation/Identity.h"
+#include "foundation/ProcessLock.h"
+
+namespace vantro {
+namespace {
+
+void sayGoodbye(const QString& message, const QString& informativeText)
+{
+    NSAlert alert;
+    alert.windowTitle = windowTitleWithVersion();
+    alert.alertStyle = NSAlert::Style::Critical;
+    alert.messageText = message;
+    alert.informativeText = informativeText;
+    alert.addButton(CommonMessage::close());
+    alert.runModal();
+}
+
+QString shownPath(const std::filesystem::path& path)
+{
+    return QString::fromStdString(path.string());
+}
+
+} // namespace
+
+bool isOnlyTool()
+{
+    std::filesystem::path lockFile = VantroStandaloneSetting::url();
+    lockFile.replace_extension("lock");
+    // Never closed: the kernel would take the lock back.
+    static const auto* const lock = new ProcessLock(lockFile);
+    if (!lock->isHeldByAnother())
+        return true;
+
+    const auto user = lock->holder();
+    if (user == ::geteuid()) {
+        lock->signalHolder(NSApplication::activationSignal);
+        return false;
+    }
+    const auto name = user ? loginName(*user) : std::nullopt;
+    sayGoodbye(StartMessage::alreadyOpenHeading(),
+               name ? StartMessage::alreadyOpenBy().arg(QString::fromStdString(*name)) : StartMessage::alreadyOpen());
+    return false;
+}
+
+void quitUnlessDocumentCanBeRead()
+{
+    const auto& document = VantroStandaloneSetting::url();
+    const auto& aside = VantroStandaloneSetting::keptAside();
+    const auto error = VantroStandaloneSetting::readability();
+    if (!error && aside.empty())
+        return;
+    AppDataSet::shared()
+        .logger.inFile("StartChecks")
+        .error("The settings document could not be read. The tool closes.", "quitUnlessDocumentCanBeRead()");
+    const QString& text = error ? StartMessage::documentUnreadable() : StartMessage::documentKeptAside();
+    // Both at once: a path may hold what looks like a place for the second.
+    sayGoodbye(StartMessage::documentUnreadableHeading(),
+               text.arg(shownPath(document), error ? QString::fromStdString(error.message()) : shownPath(aside)));
+    NSApplication::terminate();
+}
+
+} // namespace vantro

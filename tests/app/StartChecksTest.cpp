@@ -1,0 +1,116 @@
+// What stands in the way of a start: another tool that is open, a document that can't be read or written.
+
+#include <csignal>
+#include <filesystem>
+#include <iostream>
+
+#include <unistd.h>
+
+#include "AppDelegate.h"
+#include "CommonMessage.h"
+#include "Resources/Storyboards.h"
+#include "StartMessage.h"
+#include "app/AppFixture.h"
+#include "support/LockHolder.h"
+
+namespace vantro::tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class OneTool : public AppFixture
+{
+  protected:
+    const std::filesystem::path lockFile = prefix.settingsFolder() / "VantroStandaloneSetting.lock";
+
+    void expectNothingTouched()
+    {
+        EXPECT_FALSE(std::filesystem::exists(prefix.settingsDocument()));
+        EXPECT_EQ(takeWrites(), 0);
+    }
+};
+
+TEST_F(OneTool, ASecondStartCallsTheFirstAndEnds)
+{
+    LockHolder first(lockFile);
+    EXPECT_FALSE(applicationStoryboard().mayLaunch());
+    EXPECT_EQ(first.waitForEnd(), NSApplication::activationSignal);
+    EXPECT_THAT(alerts, IsEmpty());
+    expectNothingTouched();
+}
+
+TEST_F(OneTool, ASecondStartByAnotherAccountSaysWhoseTheFirstIs)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can start a process of another account";
+    constexpr uid_t daemon = 1;
+    const LockHolder first(lockFile, daemon);
+    EXPECT_FALSE(applicationStoryboard().mayLaunch());
+    ASSERT_EQ(alerts.size(), 1U);
+    EXPECT_EQ(alerts[0].message, StartMessage::alreadyOpenHeading());
+    // The machine's accounts are the tests' own, and this one may not be among them.
+    EXPECT_TRUE(alerts[0].information == StartMessage::alreadyOpenBy().arg(QStringLiteral("daemon")) ||
+                alerts[0].information == StartMessage::alreadyOpen());
+    EXPECT_THAT(alerts[0].buttons, ElementsAre(CommonMessage::close()));
+    expectNothingTouched();
+}
+
+TEST_F(OneTool, TheFirstStartGoesOn)
+{
+    EXPECT_TRUE(applicationStoryboard().mayLaunch());
+    EXPECT_TRUE(std::filesystem::exists(lockFile));
+}
+
+using DocumentAtStart = AppFixture;
+
+TEST_F(DocumentAtStart, ThatCantBeReadEndsTheTool)
+{
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    const auto launch = [this] {
+        whileAlert = [this] { std::cerr << alerts.back().information.toStdString() << '\n'; };
+        AppDelegate().applicationDidFinishLaunching();
+    };
+    // Each launch has an installation of its own, so that the paths differ.
+    const auto behindPaths = [](const QString& text) { return text.section(QStringLiteral("%2"), 1).toStdString(); };
+
+    // A folder that has taken the document's place is moved away like any file that can't be read.
+    std::filesystem::create_directory(prefix.settingsDocument());
+    EXPECT_EXIT(
+        launch(), testing::ExitedWithCode(EXIT_SUCCESS),
+        testing::HasSubstr("VantroStandaloneSetting.xml.unreadable" + behindPaths(StartMessage::documentKeptAside())));
+    std::filesystem::remove_all(prefix.settingsFolder());
+    EXPECT_EXIT(launch(), testing::ExitedWithCode(EXIT_SUCCESS),
+                testing::HasSubstr("No such file or directory" + behindPaths(StartMessage::documentUnreadable())));
+}
+
+class DocumentNotStored : public AppFixture, public testing::WithParamInterface<bool>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(At, DocumentNotStored, testing::Bool(),
+                         [](const auto& instance) { return instance.param ? "Start" : "Change"; });
+
+TEST_P(DocumentNotStored, IsToldOnce)
+{
+    const bool isSoAtStart = GetParam();
+    store({.users = {{"adam", {1}}}});
+    dataSet();
+    if (isSoAtStart)
+        std::filesystem::remove_all(prefix.settingsFolder());
+    EXPECT_TRUE(window().isVisible());
+    std::filesystem::remove_all(prefix.settingsFolder());
+    for (int change = 0; change < 2; ++change) {
+        dataSet().vantroStandaloneSetting.write();
+        bool isQueueEmpty = false;
+        DispatchQueue::main().async([&] { isQueueEmpty = true; });
+        ASSERT_TRUE(spinUntil([&] { return isQueueEmpty; }));
+    }
+    ASSERT_EQ(alerts.size(), 1U);
+    EXPECT_EQ(alerts[0].message, StartMessage::documentNotWrittenHeading());
+    EXPECT_EQ(alerts[0].information,
+              StartMessage::documentNotWritten().arg(QString::fromStdString(prefix.settingsDocument().string())));
+}
+
+} // namespace
+} // namespace vantro::tests
