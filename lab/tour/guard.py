@@ -18,6 +18,16 @@ def several_tokens(tour):
     tour.wait_for("it closes with the last token", lambda: tour.dialog() is None)
 
 
+def start_twice(tour):
+    """Started a second time the tool brings its window to the front, and changes nothing."""
+    document = tour.document_path().read_bytes()
+    tour.lab.windows[0].click_corner()
+    tour.wait_for("another window is in front", lambda: "active" not in tour.main_window().states)
+    tour.see(tour.start_another_tool() == 0, "the second start ends at once")
+    tour.wait_for("the first one's window is in front", lambda: "active" in tour.main_window().states)
+    tour.see(tour.document_path().read_bytes() == document, "the settings document is as it was")
+
+
 def sign_in(tour):
     """With the sign-in switch on the tool asks for an administrator key before it shows anything."""
     tour.choose_tab("Admin Keys")
@@ -25,6 +35,7 @@ def sign_in(tour):
     tour.wait_for("the document says so", lambda: tour.setting("AdminSetting/ToolLoginAuth") == "true")
     tour.restart_tool()
     dialog = tour.wait_for("the tool asks for a sign-in", tour.dialog)
+    tour.see(tour.start_another_tool() == 0, "a second start ends at once")
     tour.see(len(tour.tool.windows) == 1, "nothing else of it is to be seen")
     tour.screenshot("sign-in")
     for token, refusal in ((None, "No token is connected"), (2, "not an administrator key")):
@@ -44,6 +55,25 @@ def sign_in(tour):
     tour.pull_out(1)
 
 
+def refuse_unreadable(tour):
+    """Over a settings document that can't be read the tool opens no window, and ends."""
+    tour.stop_tool()
+    document = tour.document_path()
+    before = document.read_bytes()
+    document.unlink()
+    document.mkdir()
+    tour.start_tool()
+    alert = tour.wait_for("an alert appears", tour.alert)
+    tour.see(alert.says("could not be read"), "it says that the document could not be read")
+    tour.see(len(tour.tool.windows) == 1, "nothing else of the tool is to be seen")
+    tour.screenshot("unreadable-document")
+    alert.find("push button", "Close").press()
+    tour.wait_for_end_of_tool()
+    document.with_name(document.name + ".unreadable").rmdir()
+    document.write_bytes(before)
+    tour.start_tool()
+
+
 def recover(tour):
     """A broken settings document is kept aside and replaced, and the tool says so."""
     tour.stop_tool()
@@ -61,4 +91,4 @@ def recover(tour):
     tour.see(tour.document_users() == [], "the new document has no keys")
 
 
-ALL = [several_tokens, sign_in, recover]
+ALL = [several_tokens, start_twice, sign_in, refuse_unreadable, recover]
