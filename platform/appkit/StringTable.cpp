@@ -1,8 +1,10 @@
 #include "appkit/StringTable.h"
 
 #include <memory>
+#include <utility>
 
 #include <QCoreApplication>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
 
@@ -15,11 +17,26 @@ void install(std::unique_ptr<QTranslator> translator)
     QCoreApplication::installTranslator(translator.release());
 }
 
+/// The toolkit's texts, as in the menu of a text that can be selected. They also say which way the language is written,
+/// so they are taken for the language that the tables are in and for no other.
+void installToolkitTexts(const QLocale& language)
+{
+    auto translator = std::make_unique<QTranslator>();
+    if (translator->load(language, QStringLiteral("qtbase"), QStringLiteral("_"),
+                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        install(std::move(translator));
+}
+
 } // namespace
 
 QString localizedString(const char* table, const char* key)
 {
     return QCoreApplication::translate(table, key);
+}
+
+QString localizedString(const char* table, const char* key, int count)
+{
+    return QCoreApplication::translate(table, key, nullptr, count);
 }
 
 void installStringTables(const QString& folder)
@@ -28,9 +45,15 @@ void installStringTables(const QString& folder)
     if (base->load(folder + QStringLiteral("/vantro_en.qm")))
         install(std::move(base));
 
+    // As everywhere on the system, a list of languages does not count in the C locale.
+    const QLocale user;
+    if (user.language() == QLocale::C)
+        return;
     auto translated = std::make_unique<QTranslator>();
-    if (translated->load(QLocale(), QStringLiteral("vantro"), QStringLiteral("_"), folder))
-        install(std::move(translated));
+    if (!translated->load(user, QStringLiteral("vantro"), QStringLiteral("_"), folder))
+        return;
+    installToolkitTexts(QLocale(translated->language()));
+    install(std::move(translated));
 }
 
 } // namespace vantro

@@ -11,8 +11,13 @@ namespace vantro {
 /// the key itself where the table lacks it altogether. Any thread, once the tables are installed.
 [[nodiscard]] QString localizedString(const char* table, const char* key);
 
+/// The same for a text that speaks of `count` things, in the form that the language has for that number; the number
+/// itself takes the place of "%n". Any thread, once the tables are installed.
+[[nodiscard]] QString localizedString(const char* table, const char* key, int count);
+
 /// Installs the string tables that the program carries in its resources below `folder`: English as the base, and above
-/// it the first language of the user's that is there. Main thread, once, after the application was made.
+/// it the first language of the user's that is there, with the toolkit's own texts in that language where the system
+/// has them. Main thread, once, after the application was made.
 void installStringTables(const QString& folder);
 
 /// A text as a template argument.

@@ -25,7 +25,7 @@
     </message>
     <message>
         <source>no_registration_yubiKey</source>
-        <translation>These are the last tokens that open an account. After this deletion no token is registered, and forced token logon will be switched off.</translation>
+        <translation>After this deletion no token opens an account any more, and forced token logon will be switched off.</translation>
     </message>
     <message>
         <source>cr_failure_alert</source>
@@ -147,7 +147,7 @@ Close the tool, have root see to it that your account may write to the document'
     </message>
     <message>
         <source>no_registration_admin_yubiKey</source>
-        <translation>These are the last administrator keys. After this deletion the tool no longer asks for a token when it starts, and anyone who can start it can change its settings.</translation>
+        <translation>After this deletion there is no administrator key any more: the tool no longer asks for a token when it starts, and anyone who can start it can change its settings.</translation>
     </message>
 </context>
 <context>
@@ -400,9 +400,12 @@ Close the tool, have root see to it that your account may write to the document'
         <source>heading</source>
         <translation>Delete user keys</translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>confirmation</source>
-        <translation>Take these tokens away from their accounts?</translation>
+        <translation>
+            <numerusform>Take this token away from its account?</numerusform>
+            <numerusform>Take these %n tokens away from their accounts?</numerusform>
+        </translation>
     </message>
     <message>
         <source>keys_description</source>
@@ -423,9 +426,12 @@ Close the tool, have root see to it that your account may write to the document'
         <source>heading</source>
         <translation>Delete master keys</translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>confirmation</source>
-        <translation>Should these tokens no longer open every account?</translation>
+        <translation>
+            <numerusform>Should this token no longer open every account?</numerusform>
+            <numerusform>Should these %n tokens no longer open every account?</numerusform>
+        </translation>
     </message>
     <message>
         <source>keys_description</source>
@@ -446,9 +452,12 @@ Close the tool, have root see to it that your account may write to the document'
         <source>heading</source>
         <translation>Delete administrator keys</translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>confirmation</source>
-        <translation>Should these tokens no longer open this tool?</translation>
+        <translation>
+            <numerusform>Should this token no longer open this tool?</numerusform>
+            <numerusform>Should these %n tokens no longer open this tool?</numerusform>
+        </translation>
     </message>
     <message>
         <source>keys_description</source>

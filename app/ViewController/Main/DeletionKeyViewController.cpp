@@ -34,6 +34,7 @@ void DeletionKeyViewController::viewDidLoad()
             logger.info("Not selected for deletion YubiKey.", function);
         showNothingSelected();
     } else {
+        confirmationLabel->setText(localizedString(stringTable_, "confirmation", static_cast<int>(lines.size())));
         labelModel.setText(lines.join(QLatin1Char('\n')));
     }
     if (logsLoading())

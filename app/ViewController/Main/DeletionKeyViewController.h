@@ -41,12 +41,13 @@ class DeletionKeyViewController : public DialogViewController
     DeletionKeyViewController(const char* sourceFile, Texts texts);
 
     /// Makes the view of a dialog's form and connects the outlets that all three have. `stringTable` has the titles of
-    /// the buttons.
+    /// the buttons and the confirmation, and stays.
     template <class Form>
     std::unique_ptr<QWidget> loadForm(Form& outlets, const char* stringTable)
     {
         auto view = std::make_unique<QWidget>();
         outlets.setupUi(view.get());
+        stringTable_ = stringTable;
         confirmationLabel = outlets.confirmationLabel;
         labelModel.bindTo(outlets.keysLabel);
         // Enter never destroys.
@@ -85,6 +86,7 @@ class DeletionKeyViewController : public DialogViewController
     void deleteKeys();
 
     const Texts texts_;
+    const char* stringTable_ = nullptr;
     bool hasController_ = false;
 };
 

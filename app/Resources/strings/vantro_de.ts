@@ -1,0 +1,506 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de">
+<context>
+    <name>CommonMessage</name>
+    <message>
+        <source>ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>caution</source>
+        <translation>Vorsicht</translation>
+    </message>
+    <message>
+        <source>warning</source>
+        <translation>Warnung</translation>
+    </message>
+    <message>
+        <source>close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>no_registration_yubiKey</source>
+        <translation>Nach diesem Löschen gilt kein Token mehr für ein Konto, und die Token-Pflicht wird ausgeschaltet.</translation>
+    </message>
+    <message>
+        <source>cr_failure_alert</source>
+        <translation>Der Challenge-Response-Slot des Tokens ist nicht eingerichtet, das Token wurde abgezogen, oder der privilegierte Dienst antwortet nicht. Es wurde nichts registriert.
+
+Prüfen Sie, ob das Token angeschlossen ist und ob einer seiner Slots für Challenge-Response (HMAC-SHA1) programmiert ist, und versuchen Sie es dann erneut. Wenn es weiterhin fehlschlägt, prüfen Sie, ob der Vantro-Standalone-Dienst installiert ist.</translation>
+    </message>
+    <message>
+        <source>unexpected_change_setting</source>
+        <translation>Die Einstellungen konnten nicht gelesen werden, weil die Einstellungsdatei außerhalb dieses Programms geändert oder beschädigt wurde. Sie wurden zurückgesetzt: Es ist kein Token mehr registriert, und die Token-Pflicht ist ausgeschaltet. Die beschädigte Datei wurde neben der neuen aufbewahrt; ihr Name endet auf „.invalid“.</translation>
+    </message>
+    <message>
+        <source>install_after_alert_message</source>
+        <translation>Bevor Sie beginnen</translation>
+    </message>
+    <message>
+        <source>install_after_alert_info</source>
+        <translation>Dieses Programm ändert, wie man sich an diesem Computer anmeldet. Es funktioniert nur für Administratoren:
+
+• Ihr Konto muss zur Gruppe der Administratoren gehören. Falls nicht, führen Sie als root „adduser NAME sudo“ mit dem Namen Ihres Kontos aus und melden Sie sich neu an.
+• Der Vantro-Standalone-Dienst muss installiert sein.
+
+Beim allerersten Start beendet sich das Programm, wenn Sie diese Meldung schließen. Starten Sie es danach noch einmal.</translation>
+    </message>
+    <message>
+        <source>do_not_display</source>
+        <translation>Diese Meldung nicht mehr anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>UserViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>Es ist kein Token angeschlossen. Schließen Sie den YubiKey an, den Sie registrieren möchten.</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>Dieses Token ist dem gewählten Konto bereits zugeordnet.</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>Es ist kein Benutzerschlüssel ausgewählt. Schließen Sie diesen Dialog, und wählen Sie in der Liste die Schlüssel aus, die Sie löschen möchten.</translation>
+    </message>
+</context>
+<context>
+    <name>MasterKeyViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>Es ist kein Token angeschlossen. Schließen Sie den YubiKey an, der ein Hauptschlüssel werden soll.</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>Dieses Token ist bereits ein Hauptschlüssel.</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>Es ist kein Hauptschlüssel ausgewählt. Schließen Sie diesen Dialog, und wählen Sie in der Liste die Schlüssel aus, die Sie löschen möchten.</translation>
+    </message>
+</context>
+<context>
+    <name>AdminViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>Es ist kein Token angeschlossen. Schließen Sie den YubiKey an, der ein Administratorschlüssel werden soll.</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>Dieses Token ist bereits ein Administratorschlüssel.</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>Es ist kein Administratorschlüssel ausgewählt. Schließen Sie diesen Dialog, und wählen Sie in der Liste die Schlüssel aus, die Sie löschen möchten.</translation>
+    </message>
+    <message>
+        <source>no_registration_admin_yubiKey</source>
+        <translation>Nach diesem Löschen gibt es keinen Administratorschlüssel mehr: Das Programm verlangt beim Start kein Token mehr, und wer es starten kann, kann seine Einstellungen ändern.</translation>
+    </message>
+</context>
+<context>
+    <name>LoginAuthAlertMessage</name>
+    <message>
+        <source>not_connected_yubikey</source>
+        <translation>Es ist kein Token angeschlossen. Schließen Sie einen Administratorschlüssel an, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>not_admin_key</source>
+        <translation>Dieses Token ist kein Administratorschlüssel. Schließen Sie einen Administratorschlüssel an, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>auth_failure</source>
+        <translation>Das Token konnte nicht geprüft werden. Schließen Sie einen Administratorschlüssel und kein weiteres Token an, berühren Sie ihn, wenn er blinkt, und versuchen Sie es erneut.</translation>
+    </message>
+</context>
+<context>
+    <name>TabView</name>
+    <message>
+        <source>tab_settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>tab_user_keys</source>
+        <translation>Benutzer</translation>
+    </message>
+    <message>
+        <source>tab_master_keys</source>
+        <translation>Hauptschlüssel</translation>
+    </message>
+    <message>
+        <source>tab_admin_keys</source>
+        <translation>Administrator</translation>
+    </message>
+</context>
+<context>
+    <name>UserView</name>
+    <message>
+        <source>introduction</source>
+        <translation>Token, die je für ein Konto gelten:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>Benutzerschlüssel</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>Noch ist keinem Konto ein Token zugeordnet. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren…“.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Registrieren…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>Benutzerschlüssel registrieren</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Löschen…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>Benutzerschlüssel löschen</translation>
+    </message>
+    <message>
+        <source>column_account</source>
+        <translation>Konto</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>Seriennummer des Tokens</translation>
+    </message>
+</context>
+<context>
+    <name>MasterKeyView</name>
+    <message>
+        <source>introduction</source>
+        <translation>Token, die für alle Konten gelten:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>Hauptschlüssel</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>Es gibt noch keinen Hauptschlüssel. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren…“.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Registrieren…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>Hauptschlüssel registrieren</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Löschen…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>Hauptschlüssel löschen</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>Seriennummer des Tokens</translation>
+    </message>
+</context>
+<context>
+    <name>AdminView</name>
+    <message>
+        <source>introduction</source>
+        <translation>Token, die für dieses Programm gelten:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>Administratorschlüssel</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>Es gibt noch keinen Administratorschlüssel. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren…“.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Registrieren…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>Administratorschlüssel registrieren</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Löschen…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>Administratorschlüssel löschen</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>Seriennummer des Tokens</translation>
+    </message>
+    <message>
+        <source>tool_login_auth</source>
+        <translation>Beim &amp;Start einen Administratorschlüssel verlangen</translation>
+    </message>
+    <message>
+        <source>tool_login_auth_hint</source>
+        <translation>Um dies einzuschalten, registrieren Sie zuerst einen Administratorschlüssel.</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationUserKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Token für ein Konto registrieren</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>Token:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>Seriennummer des Tokens</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>Berühren Sie das Token, wenn es nach „Registrieren“ blinkt.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Registrieren</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>account_label</source>
+        <translation>&amp;Konto:</translation>
+    </message>
+    <message>
+        <source>account_name</source>
+        <translation>Konto</translation>
+    </message>
+    <message>
+        <source>full_name_description</source>
+        <translation>Vollständiger Name des Kontos</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationMasterKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Hauptschlüssel registrieren</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>Token:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>Seriennummer des Tokens</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>Berühren Sie das Token, wenn es nach „Registrieren“ blinkt.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Registrieren</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationAdminKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Administratorschlüssel registrieren</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>Token:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>Seriennummer des Tokens</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>Berühren Sie das Token, wenn es nach „Registrieren“ blinkt.</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>&amp;Registrieren</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionUserKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Benutzerschlüssel löschen</translation>
+    </message>
+    <message numerus="yes">
+        <source>confirmation</source>
+        <translation>
+            <numerusform>Die Zuordnung dieses Tokens zu seinem Konto aufheben?</numerusform>
+            <numerusform>Die Zuordnung dieser %n Token zu ihren Konten aufheben?</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>Zu löschende Schlüssel</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Löschen</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionMasterKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Hauptschlüssel löschen</translation>
+    </message>
+    <message numerus="yes">
+        <source>confirmation</source>
+        <translation>
+            <numerusform>Soll dieses Token künftig nicht mehr für alle Konten gelten?</numerusform>
+            <numerusform>Sollen diese %n Token künftig nicht mehr für alle Konten gelten?</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>Zu löschende Schlüssel</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Löschen</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionAdminKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>Administratorschlüssel löschen</translation>
+    </message>
+    <message numerus="yes">
+        <source>confirmation</source>
+        <translation>
+            <numerusform>Soll dieses Token künftig nicht mehr für dieses Programm gelten?</numerusform>
+            <numerusform>Sollen diese %n Token künftig nicht mehr für dieses Programm gelten?</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>Zu löschende Schlüssel</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>&amp;Löschen</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>SettingView</name>
+    <message>
+        <source>forced_yubikey_logon</source>
+        <translation>&amp;Token-Pflicht beim Anmelden und Entsperren</translation>
+    </message>
+    <message>
+        <source>forced_yubikey_logon_hint</source>
+        <translation>Solange dies eingeschaltet ist, kann sich niemand ohne registriertes Token an diesem Computer anmelden.</translation>
+    </message>
+    <message>
+        <source>forced_yubikey_logon_warning</source>
+        <translation>Um dies einzuschalten, registrieren Sie zuerst einen Benutzer- oder Hauptschlüssel. Sonst könnte sich niemand mehr anmelden.</translation>
+    </message>
+    <message>
+        <source>screen_lock</source>
+        <translation>&amp;Bildschirmsperre</translation>
+    </message>
+    <message>
+        <source>screen_lock_hint</source>
+        <translation>Die Anmelde-Erweiterung wirkt beim Sperren und Entsperren des Bildschirms mit.</translation>
+    </message>
+    <message>
+        <source>status_description</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>update_failed</source>
+        <translation>Die Änderung wurde nicht vorgenommen: Die Einträge für die Anmeldung konnten nicht geschrieben werden. Prüfen Sie, ob der Vantro-Standalone-Dienst installiert ist und ob Sie Administrator sind, und versuchen Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>reset_failed</source>
+        <translation>Das letzte Token wurde gelöscht, aber die Token-Pflicht konnte nicht ausgeschaltet werden. Registrieren Sie wieder ein Token, oder prüfen Sie, ob der Vantro-Standalone-Dienst installiert ist und ob Sie Administrator sind.</translation>
+    </message>
+</context>
+<context>
+    <name>LoginAuthAlertView</name>
+    <message>
+        <source>heading</source>
+        <translation>Bei Vantro Standalone anmelden</translation>
+    </message>
+    <message>
+        <source>introduction</source>
+        <translation>Schließen Sie einen Administratorschlüssel an, und wählen Sie „Anmelden“.</translation>
+    </message>
+    <message>
+        <source>error_description</source>
+        <translation>Ergebnis der Anmeldung</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>Berühren Sie das Token, wenn es blinkt.</translation>
+    </message>
+    <message>
+        <source>asking</source>
+        <translation>Das Token wird abgefragt. Berühren Sie es, wenn es blinkt…</translation>
+    </message>
+    <message>
+        <source>authenticate_button</source>
+        <translation>&amp;Anmelden</translation>
+    </message>
+    <message>
+        <source>quit_button</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+</context>
+<context>
+    <name>MultipleConnectionsAlertView</name>
+    <message>
+        <source>heading</source>
+        <translation>Mehrere Token sind angeschlossen</translation>
+    </message>
+    <message>
+        <source>message</source>
+        <translation>Vantro Standalone arbeitet mit jeweils nur einem Token. Ziehen Sie alle Token ab, um fortzufahren; diese Meldung schließt sich dann von selbst.</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,503 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja">
+<context>
+    <name>CommonMessage</name>
+    <message>
+        <source>ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>caution</source>
+        <translation>注意</translation>
+    </message>
+    <message>
+        <source>warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>close</source>
+        <translation>閉じる</translation>
+    </message>
+    <message>
+        <source>no_registration_yubiKey</source>
+        <translation>この削除を行うと、サインインに使えるトークンがなくなり、トークンの必須設定はオフになります。</translation>
+    </message>
+    <message>
+        <source>cr_failure_alert</source>
+        <translation>トークンのチャレンジレスポンス用スロットが設定されていないか、トークンが取り外されたか、特権サービスが応答していません。何も登録されませんでした。
+
+トークンが接続されていて、いずれかのスロットがチャレンジレスポンス（HMAC-SHA1）用にプログラムされていることを確認してから、もう一度お試しください。それでも失敗する場合は、Vantro Standaloneサービスがインストールされていることを確認してください。</translation>
+    </message>
+    <message>
+        <source>unexpected_change_setting</source>
+        <translation>設定ファイルがこのツール以外によって変更されたか破損したため、設定を読み込めませんでした。設定はリセットされ、登録されたトークンはなくなり、トークンの必須設定はオフになりました。破損したファイルは、名前の末尾に「.invalid」を付けて新しいファイルと同じ場所に残してあります。</translation>
+    </message>
+    <message>
+        <source>install_after_alert_message</source>
+        <translation>ご使用の前に</translation>
+    </message>
+    <message>
+        <source>install_after_alert_info</source>
+        <translation>このツールは、このコンピューターへのサインイン方法を変更します。使用できるのは管理者だけです。
+
+・お使いのアカウントが管理者グループのメンバーである必要があります。メンバーでない場合は、rootで「adduser NAME sudo」を実行し（NAMEはアカウント名）、サインインし直してください。
+・Vantro Standaloneサービスがインストールされている必要があります。
+
+初回の起動では、このメッセージを閉じるとツールが終了します。その後、もう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>do_not_display</source>
+        <translation>今後このメッセージを表示しない</translation>
+    </message>
+</context>
+<context>
+    <name>UserViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>トークンが接続されていません。登録するYubiKeyを接続してください。</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>このトークンは、選択したアカウントにすでに割り当てられています。</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>ユーザーキーが選択されていません。このダイアログを閉じ、削除するキーを一覧で選択してください。</translation>
+    </message>
+</context>
+<context>
+    <name>MasterKeyViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>トークンが接続されていません。マスターキーにするYubiKeyを接続してください。</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>このトークンはすでにマスターキーです。</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>マスターキーが選択されていません。このダイアログを閉じ、削除するキーを一覧で選択してください。</translation>
+    </message>
+</context>
+<context>
+    <name>AdminViewMessage</name>
+    <message>
+        <source>yubiKey_is_not_connected</source>
+        <translation>トークンが接続されていません。管理者キーにするYubiKeyを接続してください。</translation>
+    </message>
+    <message>
+        <source>already_allocated_key</source>
+        <translation>このトークンはすでに管理者キーです。</translation>
+    </message>
+    <message>
+        <source>not_selected_for_deletion</source>
+        <translation>管理者キーが選択されていません。このダイアログを閉じ、削除するキーを一覧で選択してください。</translation>
+    </message>
+    <message>
+        <source>no_registration_admin_yubiKey</source>
+        <translation>この削除を行うと、管理者キーがなくなります。ツールは起動時にトークンを求めなくなり、ツールを起動できる人なら誰でも設定を変更できるようになります。</translation>
+    </message>
+</context>
+<context>
+    <name>LoginAuthAlertMessage</name>
+    <message>
+        <source>not_connected_yubikey</source>
+        <translation>トークンが接続されていません。管理者キーを接続して、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>not_admin_key</source>
+        <translation>このトークンは管理者キーではありません。管理者キーを接続して、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>auth_failure</source>
+        <translation>トークンを確認できませんでした。管理者キーを1つだけ接続し、点滅したらタッチして、もう一度お試しください。</translation>
+    </message>
+</context>
+<context>
+    <name>TabView</name>
+    <message>
+        <source>tab_settings</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>tab_user_keys</source>
+        <translation>ユーザーキー</translation>
+    </message>
+    <message>
+        <source>tab_master_keys</source>
+        <translation>マスターキー</translation>
+    </message>
+    <message>
+        <source>tab_admin_keys</source>
+        <translation>管理者キー</translation>
+    </message>
+</context>
+<context>
+    <name>UserView</name>
+    <message>
+        <source>introduction</source>
+        <translation>特定のアカウントにサインインできるトークン:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>ユーザーキー</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>アカウントに割り当てられたトークンはまだありません。YubiKeyを接続して「登録…」を選択してください。</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>登録(&amp;R)…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>ユーザーキーを登録</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>削除(&amp;D)…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>ユーザーキーを削除</translation>
+    </message>
+    <message>
+        <source>column_account</source>
+        <translation>アカウント</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>トークンのシリアル番号</translation>
+    </message>
+</context>
+<context>
+    <name>MasterKeyView</name>
+    <message>
+        <source>introduction</source>
+        <translation>すべてのアカウントにサインインできるトークン:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>マスターキー</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>マスターキーはまだありません。YubiKeyを接続して「登録…」を選択してください。</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>登録(&amp;R)…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>マスターキーを登録</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>削除(&amp;D)…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>マスターキーを削除</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>トークンのシリアル番号</translation>
+    </message>
+</context>
+<context>
+    <name>AdminView</name>
+    <message>
+        <source>introduction</source>
+        <translation>このツールにサインインできるトークン:</translation>
+    </message>
+    <message>
+        <source>table_name</source>
+        <translation>管理者キー</translation>
+    </message>
+    <message>
+        <source>empty_list</source>
+        <translation>管理者キーはまだありません。YubiKeyを接続して「登録…」を選択してください。</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>登録(&amp;R)…</translation>
+    </message>
+    <message>
+        <source>register_button_name</source>
+        <translation>管理者キーを登録</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>削除(&amp;D)…</translation>
+    </message>
+    <message>
+        <source>delete_button_name</source>
+        <translation>管理者キーを削除</translation>
+    </message>
+    <message>
+        <source>column_serial</source>
+        <translation>トークンのシリアル番号</translation>
+    </message>
+    <message>
+        <source>tool_login_auth</source>
+        <translation>このツールの起動時に管理者キーを求める(&amp;A)</translation>
+    </message>
+    <message>
+        <source>tool_login_auth_hint</source>
+        <translation>オンにするには、まず管理者キーを登録してください。</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationUserKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>アカウントのトークンを登録</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>トークン:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>トークンのシリアル番号</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>「登録」を選択した後にトークンが点滅したら、タッチしてください。</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>登録(&amp;R)</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+    <message>
+        <source>account_label</source>
+        <translation>アカウント(&amp;A):</translation>
+    </message>
+    <message>
+        <source>account_name</source>
+        <translation>アカウント</translation>
+    </message>
+    <message>
+        <source>full_name_description</source>
+        <translation>アカウントのフルネーム</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationMasterKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>マスターキーを登録</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>トークン:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>トークンのシリアル番号</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>「登録」を選択した後にトークンが点滅したら、タッチしてください。</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>登録(&amp;R)</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>RegistrationAdminKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>管理者キーを登録</translation>
+    </message>
+    <message>
+        <source>token_label</source>
+        <translation>トークン:</translation>
+    </message>
+    <message>
+        <source>serial_description</source>
+        <translation>トークンのシリアル番号</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>「登録」を選択した後にトークンが点滅したら、タッチしてください。</translation>
+    </message>
+    <message>
+        <source>register_button</source>
+        <translation>登録(&amp;R)</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionUserKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>ユーザーキーを削除</translation>
+    </message>
+    <message numerus="yes">
+        <source>confirmation</source>
+        <translation>
+            <numerusform>選択した%n個のトークンの、アカウントへの割り当てを解除しますか？</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>削除するキー</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>削除(&amp;D)</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionMasterKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>マスターキーを削除</translation>
+    </message>
+    <message numerus="yes">
+        <source>confirmation</source>
+        <translation>
+            <numerusform>選択した%n個のトークンを、マスターキーから外しますか？</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>削除するキー</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>削除(&amp;D)</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>DeletionAdminKeyView</name>
+    <message>
+        <source>heading</source>
+        <translation>管理者キーを削除</translation>
+    </message>
+    <message numerus="yes">
+        <source>confirmation</source>
+        <translation>
+            <numerusform>選択した%n個のトークンを、管理者キーから外しますか？</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>keys_description</source>
+        <translation>削除するキー</translation>
+    </message>
+    <message>
+        <source>delete_button</source>
+        <translation>削除(&amp;D)</translation>
+    </message>
+    <message>
+        <source>cancel_button</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>SettingView</name>
+    <message>
+        <source>forced_yubikey_logon</source>
+        <translation>サインインとロック解除にトークンを必須にする(&amp;D)</translation>
+    </message>
+    <message>
+        <source>forced_yubikey_logon_hint</source>
+        <translation>オンの間は、登録済みのトークンがないと誰もこのコンピューターにサインインできません。</translation>
+    </message>
+    <message>
+        <source>forced_yubikey_logon_warning</source>
+        <translation>オンにするには、まずユーザーキーまたはマスターキーを登録してください。登録しないままでは、誰もサインインできなくなります。</translation>
+    </message>
+    <message>
+        <source>screen_lock</source>
+        <translation>画面のロック(&amp;L)</translation>
+    </message>
+    <message>
+        <source>screen_lock_hint</source>
+        <translation>画面のロックとロック解除に、サインイン用のアドオンが加わります。</translation>
+    </message>
+    <message>
+        <source>status_description</source>
+        <translation>状態</translation>
+    </message>
+    <message>
+        <source>update_failed</source>
+        <translation>サインイン用の項目に書き込めなかったため、変更は行われませんでした。Vantro Standaloneサービスがインストールされていることと、自分が管理者であることを確認して、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>reset_failed</source>
+        <translation>最後のトークンは削除されましたが、トークンの必須設定をオフにできませんでした。トークンをもう一度登録するか、Vantro Standaloneサービスがインストールされていることと、自分が管理者であることを確認してください。</translation>
+    </message>
+</context>
+<context>
+    <name>LoginAuthAlertView</name>
+    <message>
+        <source>heading</source>
+        <translation>Vantro Standaloneにサインイン</translation>
+    </message>
+    <message>
+        <source>introduction</source>
+        <translation>管理者キーを接続して「サインイン」を選択してください。</translation>
+    </message>
+    <message>
+        <source>error_description</source>
+        <translation>サインインの結果</translation>
+    </message>
+    <message>
+        <source>touch_hint</source>
+        <translation>トークンが点滅したら、タッチしてください。</translation>
+    </message>
+    <message>
+        <source>asking</source>
+        <translation>トークンに問い合わせています。点滅したらタッチしてください…</translation>
+    </message>
+    <message>
+        <source>authenticate_button</source>
+        <translation>サインイン(&amp;S)</translation>
+    </message>
+    <message>
+        <source>quit_button</source>
+        <translation>終了(&amp;Q)</translation>
+    </message>
+</context>
+<context>
+    <name>MultipleConnectionsAlertView</name>
+    <message>
+        <source>heading</source>
+        <translation>複数のトークンが接続されています</translation>
+    </message>
+    <message>
+        <source>message</source>
+        <translation>Vantro Standaloneで一度に使用できるトークンは1つです。続けるには、すべてのトークンを取り外してください。このメッセージは自動的に閉じます。</translation>
+    </message>
+</context>
+</TS>
