@@ -1,14 +1,20 @@
 // The road from a token to the data set with nothing pretended but the token: the real monitor, the real service.
 
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <future>
 #include <memory>
+#include <sstream>
+#include <sys/mount.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "AppDataSet.h"
 #include "LoggerManager/LoggerManager.h"
 #include "LoginAuthentication.h"
-#include "ServiceRequests.h"
 #include "foundation/Bundle.h"
 #include "service/ServiceFixture.h"
 
@@ -16,8 +22,8 @@ namespace vantro::tests {
 namespace {
 
 using AuthResult = LoginAuthentication::AuthResult;
+using namespace std::chrono_literals;
 using lab::VirtualToken;
-using testing::HasSubstr;
 
 class RealTokens : public ServiceFixture
 {
@@ -36,6 +42,25 @@ class RealTokens : public ServiceFixture
         EXPECT_EQ(dataSet().connectedYubiKeySerial(), serial);
         return isReached;
     }
+    /// Has the service write the record of a token that is gone again afterwards.
+    void writeRecord(std::uint32_t serial)
+    {
+        VirtualToken token(bed, tokenOf(serial));
+        token.plugIn();
+        ASSERT_TRUE(client.createCRSettingFile(serial));
+    }
+    /// What the check has logged since the log had this size.
+    [[nodiscard]] static std::string authenticationRecords(std::size_t since)
+    {
+        std::istringstream lines(toolLog().substr(since));
+        std::string records;
+        for (std::string line; std::getline(lines, line);) {
+            const auto function = line.find(" authenticate() ");
+            if (line.find(" info LoginAuthentication:") != std::string::npos && function != std::string::npos)
+                records += (records.empty() ? "" : " ") + line.substr(function + std::strlen(" authenticate() "));
+        }
+        return records;
+    }
     static std::string toolLog() { return contentOf(LoggerManager::logFile("VantroStandalone")); }
 };
 
@@ -50,6 +75,7 @@ TEST_F(RealTokens, AreCountedWithTheirSerials)
     EXPECT_TRUE(reaches(2, 4294967295U));
     first.unplug();
     EXPECT_TRUE(reaches(1, {})) << "which one is left is not known";
+    EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::SerialAcquisitionError);
     second.unplug();
     EXPECT_TRUE(reaches(0, {}));
     second.plugIn();
@@ -115,41 +141,184 @@ TEST_F(RealTokens, AServiceThatIsKilledIsStartedForTheNextToken)
     EXPECT_TRUE(reaches(2, 12));
 }
 
-TEST_F(RealTokens, OpenTheToolOnceTheirFileIsWritten)
+/// One sign-in, from what is plugged in to its result. The administrator key 11 has its record.
+struct SignIn
 {
-    VirtualToken token(bed, tokenOf(11));
-    token.plugIn();
-    EXPECT_TRUE(reaches(1, 11));
-    dataSet().vantroStandaloneSetting.adminSetting.adminKeys.emplace_back(11);
-    EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::CRFailure) << "there is no file yet";
-    EXPECT_TRUE(createCRSettingFile(11));
-    EXPECT_FALSE(createCRSettingFile(12)) << "this token is not there";
-    const std::string record = contentOf(recordOf(11));
-    EXPECT_NE(record, "");
-    EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::Success);
-    EXPECT_TRUE(waitUntil([&] { return contentOf(recordOf(11)) != record; })) << "the challenge is a new one";
+    const char* name;
+    AuthResult result;
+    /// The tokens that are plugged in, in this order.
+    std::vector<lab::TokenProfile> tokens;
+    /// What happens while the service asks the first token.
+    void (*meanwhile)(const PrivateBus&, VirtualToken&) = nullptr;
+};
 
-    token.unplug();
-    EXPECT_TRUE(reaches(0, {}));
-    EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::NotConnected);
-    auto other = tokenOf(11);
-    other.otp.slots[1].key = lab::SlotKey{9, 9, 9};
-    VirtualToken forged(bed, other);
-    forged.plugIn();
-    EXPECT_TRUE(reaches(1, 11));
-    EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::CRFailure) << "the same serial, another secret";
+constexpr std::uint32_t adminKey = 11;
+
+lab::TokenProfile blinking()
+{
+    auto profile = tokenOf(adminKey);
+    profile.otp.slots[1].needsTouch = true;
+    return profile;
 }
 
-TEST_F(RealTokens, ATokenWhoseSerialCannotBeReadIsCountedOnly)
+lab::TokenProfile withOtherSecret()
 {
-    auto mute = tokenOf(11);
-    mute.interfaces = {lab::TokenInterface::fido};
-    VirtualToken token(bed, mute);
-    dataSet();
+    auto profile = tokenOf(adminKey);
+    profile.otp.slots[1].key = lab::SlotKey{9, 9, 9};
+    return profile;
+}
+
+/// Its keyboard interface, which tells the serial, never comes.
+lab::TokenProfile withoutSerial()
+{
+    auto profile = tokenOf(adminKey);
+    profile.interfaces = {lab::TokenInterface::fido};
+    return profile;
+}
+
+void waitForBlinking(const VirtualToken& token)
+{
+    EXPECT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+}
+
+class Authentication : public RealTokens, public testing::WithParamInterface<SignIn>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    RealTokens, Authentication,
+    testing::Values(SignIn{"Success", AuthResult::Success, {tokenOf(adminKey)}},
+                    SignIn{"Touched",
+                           AuthResult::Success,
+                           {blinking()},
+                           [](const PrivateBus&, VirtualToken& token) {
+                               waitForBlinking(token);
+                               token.touch();
+                           }},
+                    SignIn{"NeverTouched",
+                           AuthResult::CRFailure,
+                           {blinking()},
+                           [](const PrivateBus&, VirtualToken& token) { waitForBlinking(token); }},
+                    SignIn{"PulledOut",
+                           AuthResult::CRFailure,
+                           {blinking()},
+                           [](const PrivateBus&, VirtualToken& token) {
+                               waitForBlinking(token);
+                               token.unplug();
+                           }},
+                    SignIn{"ServiceKilled",
+                           AuthResult::CRFailure,
+                           {blinking()},
+                           [](const PrivateBus& bus, VirtualToken& token) {
+                               waitForBlinking(token);
+                               EXPECT_TRUE(bus.endService(SIGKILL));
+                           }},
+                    SignIn{"OtherSecret", AuthResult::CRFailure, {withOtherSecret()}},
+                    SignIn{"NoRecord", AuthResult::CRFailure, {tokenOf(12)}},
+                    SignIn{"NotConnected", AuthResult::NotConnected, {}},
+                    SignIn{"MultipleConnected", AuthResult::MultipleConnected, {tokenOf(22), tokenOf(adminKey)}},
+                    SignIn{"SerialAcquisitionError", AuthResult::SerialAcquisitionError, {withoutSerial()}},
+                    SignIn{"NotAdminYubiKey", AuthResult::NotAdminYubiKey, {tokenOf(22)}}),
+    [](const auto& instance) { return instance.param.name; });
+
+TEST_P(Authentication, HasSixResults)
+{
+    const SignIn& signIn = GetParam();
+    writeRecord(adminKey);
+    auto& setting = dataSet().vantroStandaloneSetting;
+    setting.adminSetting.adminKeys = {YubiKey(5), YubiKey(12), YubiKey(adminKey)};
+    setting.masterKeySetting.masterKeys = {YubiKey(22)};
+    std::vector<std::unique_ptr<VirtualToken>> tokens;
+    for (const auto& profile : signIn.tokens) {
+        tokens.push_back(std::make_unique<VirtualToken>(bed, profile));
+        tokens.back()->plugIn();
+    }
+    const bool isSerialKnown = !tokens.empty() && signIn.result != AuthResult::SerialAcquisitionError;
+    const auto serial = isSerialKnown ? std::optional<std::uint64_t>(signIn.tokens.back().otp.serial) : std::nullopt;
+    ASSERT_TRUE(reaches(static_cast<std::int64_t>(tokens.size()), serial));
+    if (!tokens.empty() && !serial) {
+        EXPECT_TRUE(waitUntil([] { return toolLog().find("Serial is nil or 0. [Optional(0)]") != std::string::npos; }));
+    }
+    const std::string record = contentOf(recordOf(adminKey));
+    const std::size_t logged = toolLog().size();
+
+    auto meanwhile = std::async(std::launch::async, [&] {
+        if (signIn.meanwhile != nullptr)
+            signIn.meanwhile(bus, *tokens.front());
+    });
+    EXPECT_EQ(LoginAuthentication::authenticate(), signIn.result);
+    meanwhile.get();
+
+    std::string expected = "Start login authentication.";
+    if (serial && tokens.size() == 1)
+        expected += " [Serial: " + std::to_string(*serial) + "]";
+    expected += " [Result: " + LoginAuthentication::rawValue(signIn.result) + "]";
+    EXPECT_EQ(authenticationRecords(logged), expected);
+    const bool isAsked = signIn.result == AuthResult::Success || signIn.result == AuthResult::CRFailure;
+    EXPECT_EQ(bus.log().find("Validate") != std::string::npos, isAsked);
+    const bool isRenewed = signIn.result == AuthResult::Success && !signIn.tokens[0].otp.slots[1].needsTouch;
+    EXPECT_EQ(waitUntil([&] { return contentOf(recordOf(adminKey)) != record; }, isRenewed ? 20s : 100ms), isRenewed)
+        << "a challenge is good for one validation, but nobody touches a token twice";
+}
+
+/// The folder of records on a file system that can be made read-only; the service sees it, too.
+class UnreplaceableRecords : public RealTokens
+{
+  protected:
+    void SetUp() override
+    {
+        isMounted_ = ::mount("tmpfs", prefix.records().c_str(), "tmpfs", 0, "size=64k,mode=0700") == 0;
+        if (!isMounted_)
+            GTEST_SKIP() << "needs to be allowed to mount: " << std::strerror(errno);
+    }
+
+    void TearDown() override
+    {
+        RealTokens::TearDown();
+        if (isMounted_)
+            ::umount2(prefix.records().c_str(), MNT_DETACH);
+    }
+
+    /// Whether the token opens the tool twice, with a challenge that stays.
+    void expectSuccessWithTheOldChallenge()
+    {
+        const std::string record = contentOf(recordOf(adminKey));
+        EXPECT_NE(record, "");
+        for (int time = 0; time < 2; ++time) {
+            EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::Success);
+            ++validations_;
+            EXPECT_TRUE(waitUntil([this] { return timesKept() == validations_; }));
+        }
+        EXPECT_EQ(contentOf(recordOf(adminKey)), record);
+    }
+
+  private:
+    [[nodiscard]] int timesKept() const
+    {
+        const std::string log = bus.log();
+        int times = 0;
+        for (auto at = log.find(kept); at != std::string::npos; at = log.find(kept, at + 1))
+            ++times;
+        return times;
+    }
+    static constexpr auto kept = "The record keeps its challenge.";
+    int validations_ = 0;
+    bool isMounted_ = false;
+};
+
+TEST_F(UnreplaceableRecords, StillOpenTheTool)
+{
+    writeRecord(adminKey);
+    dataSet().vantroStandaloneSetting.adminSetting.adminKeys.emplace_back(adminKey);
+    VirtualToken token(bed, tokenOf(adminKey));
     token.plugIn();
-    EXPECT_TRUE(reaches(1, {}));
-    EXPECT_TRUE(waitUntil([] { return toolLog().find("Serial is nil or 0. [Optional(0)]") != std::string::npos; }));
-    EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::SerialAcquisitionError);
+    ASSERT_TRUE(reaches(1, adminKey));
+    const auto filler = prefix.records() / "filler";
+    std::ofstream(filler) << std::string(65536, ' ');
+    expectSuccessWithTheOldChallenge();
+    std::filesystem::remove(filler);
+    ASSERT_EQ(::mount(nullptr, prefix.records().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+    expectSuccessWithTheOldChallenge();
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The tool's own sign-in: the check and its dialog.
+// The dialog of the tool's own sign-in, and how the check ends without an answer.
 
 #include <QAbstractButton>
 #include <QDialogButtonBox>
@@ -17,59 +17,11 @@ namespace vantro::tests {
 namespace {
 
 using AuthResult = LoginAuthentication::AuthResult;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
-
-struct Check
-{
-    const char* name;
-    /// The tokens that are plugged in; 0 is one whose serial can't be read.
-    Serials tokens;
-    /// What the service answers.
-    ScriptedService::Answer answer;
-    AuthResult result;
-    bool isServiceAsked;
-};
-
-class Authentication : public AppFixture, public testing::WithParamInterface<Check>
-{
-};
 
 constexpr std::uint64_t adminKey = 11;
 
-INSTANTIATE_TEST_SUITE_P(
-    SignIn, Authentication,
-    testing::Values(Check{"Success", {adminKey}, {true}, AuthResult::Success, true},
-                    Check{"CRFailure", {adminKey}, {false}, AuthResult::CRFailure, true},
-                    Check{"ErrorReply", {adminKey}, {ScriptedService::Refusal{}}, AuthResult::CRFailure, true},
-                    Check{"NotConnected", {}, {true}, AuthResult::NotConnected, false},
-                    Check{"MultipleConnected", {22, adminKey}, {true}, AuthResult::MultipleConnected, false},
-                    Check{"SerialAcquisitionError", {0}, {true}, AuthResult::SerialAcquisitionError, false},
-                    Check{"NotAdminYubiKey", {22}, {true}, AuthResult::NotAdminYubiKey, false}),
-    [](const auto& instance) { return instance.param.name; });
-
-TEST_P(Authentication, HasSixResults)
-{
-    const Check& check = GetParam();
-    store({.users = {{"tester", {22}}}, .masterKeys = {22}, .adminKeys = {5, adminKey}});
-    for (const std::uint64_t token : check.tokens)
-        plugIn(token);
-    service->forgetCalls();
-    service->script("Validate", {check.answer});
-    forgetLog();
-
-    EXPECT_EQ(LoginAuthentication::authenticate(), check.result);
-
-    EXPECT_EQ(service->methods().size(), check.isServiceAsked ? 1U : 0U);
-    std::vector<std::string> expected = {"authenticate() Start login authentication."};
-    if (check.tokens.size() == 1 && check.tokens[0] != 0)
-        expected.push_back("authenticate() [Serial: " + std::to_string(check.tokens[0]) + "]");
-    expected.push_back("authenticate() [Result: " + LoginAuthentication::rawValue(check.result) + "]");
-    EXPECT_THAT(log("LoginAuthentication"), ElementsAreArray(expected));
-}
-
-TEST_F(AppFixture, ASilentServiceEndsTheCheckAtItsLimitAndADeadOneAtOnce)
+TEST_F(AppFixture, ASilentServiceEndsTheCheckAtItsLimitAndAnErrorAtOnce)
 {
     store({.adminKeys = {adminKey}});
     plugIn(adminKey);
@@ -78,8 +30,10 @@ TEST_F(AppFixture, ASilentServiceEndsTheCheckAtItsLimitAndADeadOneAtOnce)
     EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::CRFailure);
 
     LoginAuthentication::validationLimit = ample;
-    service.reset();
     const auto start = std::chrono::steady_clock::now();
+    service->script("Validate", {{ScriptedService::Refusal{}}});
+    EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::CRFailure);
+    service.reset();
     EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::CRFailure);
     EXPECT_LT(std::chrono::steady_clock::now() - start, ample / 2);
 }

@@ -18,18 +18,19 @@
 
 namespace vantro::tests {
 
+/// A token whose second slot is programmed.
+inline lab::TokenProfile tokenOf(std::uint32_t serial)
+{
+    lab::TokenProfile profile;
+    profile.otp.serial = serial;
+    profile.otp.slots[1].key = lab::SlotKey{1, 2, 3};
+    return profile;
+}
+
 /// The real service on a private bus, started by the first call, with virtual tokens to plug in.
 class ServiceFixture : public testing::Test
 {
   protected:
-    static lab::TokenProfile tokenOf(std::uint32_t serial)
-    {
-        lab::TokenProfile profile;
-        profile.otp.serial = serial;
-        profile.otp.slots[1].key = lab::SlotKey{1, 2, 3};
-        return profile;
-    }
-
     [[nodiscard]] std::filesystem::path recordOf(std::uint64_t serial) const
     {
         return prefix.records() / std::to_string(serial);

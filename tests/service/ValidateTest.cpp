@@ -1,8 +1,4 @@
-#include <cerrno>
 #include <chrono>
-#include <cstring>
-
-#include <sys/mount.h>
 #include <sys/stat.h>
 
 #include "service/ServiceFixture.h"
@@ -96,41 +92,6 @@ TEST_F(ValidateTest, RemovedRecordIsGoneForGood)
     EXPECT_FALSE(client.validate(11));
     EXPECT_FALSE(fs::exists(recordOf(11)));
     EXPECT_TRUE(client.removeCRSettingFile(18446744073709551615U));
-}
-
-/// The folder of records on a file system that can be made read-only.
-class ReadOnlyRecordsTest : public ServiceFixture
-{
-  protected:
-    void SetUp() override
-    {
-        isMounted_ = ::mount("tmpfs", prefix.records().c_str(), "tmpfs", 0, "size=64k,mode=0700") == 0;
-        if (!isMounted_)
-            GTEST_SKIP() << "needs to be allowed to mount: " << std::strerror(errno);
-    }
-
-    void TearDown() override
-    {
-        ServiceFixture::TearDown();
-        if (isMounted_)
-            ::umount2(prefix.records().c_str(), MNT_DETACH);
-    }
-
-  private:
-    bool isMounted_ = false;
-};
-
-TEST_F(ReadOnlyRecordsTest, FailedRenewalKeepsTheRecordAndTheValidation)
-{
-    VirtualToken token(bed, tokenOf(11));
-    token.plugIn();
-    ASSERT_TRUE(client.createCRSettingFile(11));
-    const std::string record = contentOf(recordOf(11));
-    ASSERT_EQ(::mount(nullptr, prefix.records().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
-    EXPECT_TRUE(client.validate(11));
-    EXPECT_TRUE(logSays("The record keeps its challenge."));
-    EXPECT_EQ(contentOf(recordOf(11)), record);
-    EXPECT_TRUE(client.validate(11));
 }
 
 } // namespace
