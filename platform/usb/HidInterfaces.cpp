@@ -4,10 +4,12 @@
 #include <cerrno>
 #include <charconv>
 #include <deque>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -75,17 +77,21 @@ bool readHidId(std::string_view property, HidInterface& interface)
     return true;
 }
 
-void readDescriptor(const std::string& hidPath, HidInterface& interface)
+/// False when the interface has gone meanwhile.
+bool readDescriptor(const std::string& hidPath, HidInterface& interface)
 {
     // libudev's own call for an attribute stops at the first zero byte.
     std::error_code error;
     const auto bytes = readFile(hidPath + "/report_descriptor", descriptorSizeLimit, error);
+    if (error == std::errc::no_such_file_or_directory || error == std::errc::no_such_device)
+        return false;
     const auto descriptor = bytes ? parseReportDescriptor(*bytes) : std::nullopt;
-    if (!descriptor)
-        return;
-    interface.usagePage = descriptor->usagePage;
-    interface.usage = descriptor->usage;
-    interface.maximumInputReportSize = descriptor->maximumInputReportSize;
+    if (descriptor) {
+        interface.usagePage = descriptor->usagePage;
+        interface.usage = descriptor->usage;
+        interface.maximumInputReportSize = descriptor->maximumInputReportSize;
+    }
+    return true;
 }
 
 /// Nothing for a device that is no USB HID interface or is gone already.
@@ -101,7 +107,8 @@ std::optional<HidInterface> describe(udev_device* device)
     interface.deviceNode = textOrEmpty(udev_device_get_devnode(device));
     interface.name = textOrEmpty(udev_device_get_property_value(hid, "HID_NAME"));
     const std::string hidPath(textOrEmpty(udev_device_get_syspath(hid)));
-    readDescriptor(hidPath, interface);
+    if (!readDescriptor(hidPath, interface))
+        return std::nullopt;
     const auto initialised = textOrEmpty(udev_device_get_property_value(device, "USEC_INITIALIZED"));
     interface.initialised = std::chrono::microseconds(number<std::int64_t>(initialised, 10).value_or(0));
 
@@ -111,6 +118,34 @@ std::optional<HidInterface> describe(udev_device* device)
         const auto deviceNumber = textOrEmpty(udev_device_get_sysattr_value(usb, "devnum"));
         interface.usbDeviceNumber = number<unsigned int>(deviceNumber, 10).value_or(0);
     }
+    return interface;
+}
+
+/// The USB device above an interface's syspath, DEVICE/DEVICE:1.N/BUS:VENDOR:PRODUCT.ID/hidraw/hidrawN.
+std::string usbDeviceAbove(const std::filesystem::path& sysPath)
+{
+    return sysPath.parent_path().parent_path().parent_path().parent_path();
+}
+
+/// What tells an interface apart from the others of its model: vendor, product, and its place in the device.
+using Kind = std::tuple<std::uint16_t, std::uint16_t, std::string>;
+
+Kind kindOf(const HidInterface& interface)
+{
+    const auto hid = std::filesystem::path(interface.sysPath).parent_path().parent_path();
+    const std::string place = hid.parent_path().filename();
+    return {interface.vendorId, interface.productId, place.substr(place.find(':') + 1)};
+}
+
+/// What the path of an interface that has gone still says about it; nothing for no USB HID interface.
+std::optional<HidInterface> describeGone(udev_device* device)
+{
+    HidInterface interface;
+    interface.sysPath = textOrEmpty(udev_device_get_syspath(device));
+    const auto hid = std::filesystem::path(interface.sysPath).parent_path().parent_path();
+    if (!readHidId(hid.stem().string(), interface))
+        return std::nullopt;
+    interface.usbDevicePath = usbDeviceAbove(interface.sysPath);
     return interface;
 }
 
@@ -244,15 +279,51 @@ class HidInterfaceWatcher::Udev
         const auto known = known_.find(textOrEmpty(udev_device_get_syspath(device)));
         if (action == "add" && known == known_.end()) {
             if (auto interface = describe(device))
-                queueCame(std::move(*interface));
+                takeDescribed(std::move(*interface));
+            else if (auto gone = describeGone(device))
+                takeGone(std::move(*gone));
         } else if (action == "remove" && known != known_.end()) {
             queue_.push_back({onWent_, std::move(known->second)});
             known_.erase(known);
+        } else if (action == "remove") {
+            missed_.erase(std::string(textOrEmpty(udev_device_get_syspath(device))));
         }
+    }
+
+    void takeDescribed(HidInterface interface)
+    {
+        const std::string usbDevice = usbDeviceAbove(interface.sysPath);
+        queueCame(std::move(interface));
+        for (auto missed = missed_.begin(); missed != missed_.end();) {
+            const bool isSibling = missed->second.usbDevicePath == usbDevice;
+            if (isSibling)
+                queueCame(missed->second);
+            missed = isSibling ? missed_.erase(missed) : std::next(missed);
+        }
+    }
+
+    /// A device that is pulled out while it is looked at: whoever heard of one of its interfaces hears of all.
+    void takeGone(HidInterface interface)
+    {
+        if (const auto model = models_.find(kindOf(interface)); model != models_.end()) {
+            interface.usagePage = model->second.usagePage;
+            interface.usage = model->second.usage;
+            interface.maximumInputReportSize = model->second.maximumInputReportSize;
+            interface.name = model->second.name;
+        }
+        const bool hasSibling = std::any_of(known_.begin(), known_.end(), [&interface](const auto& known) {
+            return usbDeviceAbove(known.first) == interface.usbDevicePath;
+        });
+        if (hasSibling)
+            queueCame(std::move(interface));
+        else
+            missed_.insert_or_assign(interface.sysPath, std::move(interface));
     }
 
     void queueCame(HidInterface interface)
     {
+        if (!interface.deviceNode.empty())
+            models_[kindOf(interface)] = interface;
         queue_.push_back({onCame_, interface});
         known_.insert_or_assign(interface.sysPath, std::move(interface));
     }
@@ -262,6 +333,10 @@ class HidInterfaceWatcher::Udev
     UdevPointer udev_;
     MonitorPointer monitor_;
     std::map<std::string, HidInterface, std::less<>> known_;
+    /// Had gone before they could be described, and nobody has heard of their devices.
+    std::map<std::string, HidInterface, std::less<>> missed_;
+    /// The last interface of each kind that could be described.
+    std::map<Kind, HidInterface> models_;
     std::deque<Report> queue_;
 };
 

@@ -14,7 +14,7 @@ struct HidInterface
 {
     /// Identifies the interface for as long as it is plugged in.
     std::string sysPath;
-    /// The device node, for example /dev/hidraw0.
+    /// The device node, for example /dev/hidraw0; empty when the interface had gone before it could be described.
     std::string deviceNode;
     /// The USB device that the interface belongs to; the interfaces of one token share it.
     std::string usbDevicePath;
@@ -35,8 +35,9 @@ struct HidInterface
 
 /// Watches the HID interfaces of the machine: which are there, which came, which went. Subscribes before it
 /// enumerates, so that nothing is missed in between. Each interface comes exactly once and goes exactly once, also when
-/// the socket's buffer ran full and its events are lost (then it enumerates again and reports the differences). An
-/// interface that is gone before its description could be read neither comes nor goes. One thread at a time.
+/// the socket's buffer ran full and its events are lost (then it enumerates again and reports the differences). A
+/// device that is gone before any of its interfaces could be described neither comes nor goes. When one could, the
+/// others come and go as well, as the last of their kind was described. One thread at a time.
 class HidInterfaceWatcher
 {
   public:

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,16 @@ class HidInterfacesTest : public testing::Test
                       interface.maximumInputReportSize);
         seen.emplace_back(text);
         interfaces.push_back(interface);
+    }
+
+    /// The report descriptor of the one interface with this place in its device.
+    static std::filesystem::path descriptorBelow(const std::filesystem::path& folder, const std::string& place)
+    {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+            if (entry.path().filename() == "report_descriptor" &&
+                entry.path().parent_path().parent_path().filename().string().ends_with(":" + place))
+                return entry.path();
+        return {};
     }
 
     std::vector<std::string> take() { return std::exchange(seen, {}); }
@@ -130,6 +141,31 @@ TEST_F(HidInterfacesTest, InterfaceThatIsGoneBeforeItsEventIsReadIsNotReported)
     first.unplug();
     watcher.processEvents();
     EXPECT_THAT(take(), ElementsAre());
+}
+
+TEST_F(HidInterfacesTest, OfADevicePulledOutWhileItIsLookedAtAllInterfacesComeAndGo)
+{
+    first.plugIn();
+    watcher.enumerate();
+    first.unplug();
+    watcher.processEvents();
+    take();
+
+    first.plugIn(TokenInterface::keyboard);
+    watcher.processEvents();
+    first.plugIn(TokenInterface::fido);
+    first.unplug();
+    watcher.processEvents();
+    EXPECT_THAT(take(), ElementsAre("+0407/8", "+0407/64", "-0407/8", "-0407/64"));
+    EXPECT_EQ(interfaces.back().deviceNode, "") << "another token's node may have the name by now";
+
+    // The other one is the first to go.
+    first.plugIn();
+    std::filesystem::remove(descriptorBelow(bed.rootFolder() / "sys" / "devices", "1.0"));
+    watcher.processEvents();
+    first.unplug();
+    watcher.processEvents();
+    EXPECT_THAT(take(), testing::UnorderedElementsAre("+0407/8", "+0407/64", "-0407/8", "-0407/64"));
 }
 
 TEST_F(HidInterfacesTest, HandlerThatTakesItsTimeHoldsUpNoEvent)
