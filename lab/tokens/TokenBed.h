@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is its library's.
 struct _UMockdevTestbed;
 
 namespace vantro::lab {

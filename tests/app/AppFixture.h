@@ -57,10 +57,11 @@ void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 /// the monitor's.
 class AppFixture : public testing::Test
 {
-  protected:
+  public:
     AppFixture();
     ~AppFixture() override;
 
+  protected:
     /// Writes the settings document's file; before the first dataSet().
     void store(const DocumentContent& content) const;
     /// The content of the settings document's file.
