@@ -45,7 +45,7 @@ Prüfen Sie, ob das Token angeschlossen ist und ob einer seiner Slots für Chall
         <source>install_after_alert_info</source>
         <translation>Dieses Programm ändert, wie man sich an diesem Computer anmeldet. Es funktioniert nur für Administratoren:
 
-• Ihr Konto muss zur Gruppe der Administratoren gehören. Falls nicht, führen Sie als root „adduser NAME sudo“ mit dem Namen Ihres Kontos aus und melden Sie sich neu an.
+• Ihr Konto muss zur Gruppe der Administratoren gehören. Falls nicht, führen Sie als root „adduser NAME sudo“ mit dem Namen Ihres Kontos aus, und melden Sie sich neu an.
 • Der Vantro-Standalone-Dienst muss installiert sein.
 
 Beim allerersten Start beendet sich das Programm, wenn Sie diese Meldung schließen. Starten Sie es danach noch einmal.</translation>
@@ -53,6 +53,52 @@ Beim allerersten Start beendet sich das Programm, wenn Sie diese Meldung schlie�
     <message>
         <source>do_not_display</source>
         <translation>Diese Meldung nicht mehr anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>StartMessage</name>
+    <message>
+        <source>already_open_heading</source>
+        <translation>Vantro Standalone ist bereits geöffnet</translation>
+    </message>
+    <message>
+        <source>already_open_by</source>
+        <translation>%1 hat das Programm an diesem Computer geöffnet. Zwei Fenster würden ihre Änderungen gegenseitig überschreiben, deshalb öffnet sich dieses nicht.
+
+Bitten Sie %1, es zu schließen, und starten Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>already_open</source>
+        <translation>Ein anderes Konto hat das Programm an diesem Computer geöffnet. Zwei Fenster würden ihre Änderungen gegenseitig überschreiben, deshalb öffnet sich dieses nicht.
+
+Lassen Sie es dort schließen, und starten Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>document_unreadable_heading</source>
+        <translation>Die Einstellungen können nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>document_unreadable</source>
+        <translation>Die Einstellungsdatei „%1“ kann nicht gelesen werden: %2. Es wurde nichts geändert, und das Programm wird geschlossen.
+
+• Ihr Konto muss zur Gruppe der Administratoren gehören. Falls nicht, führen Sie als root „adduser NAME sudo“ mit dem Namen Ihres Kontos aus, und melden Sie sich neu an.
+• Falls doch, lassen Sie root dafür sorgen, dass die Datei und ihr Ordner vorhanden und lesbar sind, und starten Sie das Programm dann erneut.</translation>
+    </message>
+    <message>
+        <source>document_kept_aside</source>
+        <translation>Die Einstellungsdatei „%1“ war vorhanden, konnte aber nicht gelesen werden. Sie wurde als „%2“ aufbewahrt, nichts darin ging verloren, und eine neue Datei ohne Token ist an ihre Stelle getreten. Das Programm wird geschlossen.
+
+Um mit den alten Einstellungen fortzufahren, lassen Sie root diese Datei lesbar machen, prüfen und ihr wieder den alten Namen geben. Um neu zu beginnen, starten Sie das Programm erneut.</translation>
+    </message>
+    <message>
+        <source>document_not_written_heading</source>
+        <translation>Änderungen werden nicht gespeichert</translation>
+    </message>
+    <message>
+        <source>document_not_written</source>
+        <translation>Die Einstellungsdatei „%1“ kann nicht geschrieben werden. Sie sehen die Einstellungen, aber was Sie jetzt ändern, geht verloren, wenn das Programm geschlossen wird.
+
+Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in den Ordner der Datei schreiben darf und der Datenträger nicht voll ist, und starten Sie es dann erneut.</translation>
     </message>
 </context>
 <context>

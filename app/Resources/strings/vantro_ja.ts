@@ -35,7 +35,7 @@
     </message>
     <message>
         <source>unexpected_change_setting</source>
-        <translation>設定ファイルがこのツール以外によって変更されたか破損したため、設定を読み込めませんでした。設定はリセットされ、登録されたトークンはなくなり、トークンの必須設定はオフになりました。破損したファイルは、名前の末尾に「.invalid」を付けて新しいファイルと同じ場所に残してあります。</translation>
+        <translation>設定ファイルがこのツールの外部で変更されたか破損したため、設定を読み込めませんでした。設定はリセットされ、登録されたトークンはなくなり、トークンの必須設定はオフになりました。破損したファイルは、名前の末尾に「.invalid」を付けて新しいファイルと同じ場所に残してあります。</translation>
     </message>
     <message>
         <source>install_after_alert_message</source>
@@ -53,6 +53,52 @@
     <message>
         <source>do_not_display</source>
         <translation>今後このメッセージを表示しない</translation>
+    </message>
+</context>
+<context>
+    <name>StartMessage</name>
+    <message>
+        <source>already_open_heading</source>
+        <translation>Vantro Standaloneはすでに開いています</translation>
+    </message>
+    <message>
+        <source>already_open_by</source>
+        <translation>このコンピューターで%1がこのツールを開いています。2つのウィンドウを同時に開くと互いの変更を上書きしてしまうため、このウィンドウは開きません。
+
+%1にツールを閉じてもらってから、もう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>already_open</source>
+        <translation>このコンピューターで別のアカウントがこのツールを開いています。2つのウィンドウを同時に開くと互いの変更を上書きしてしまうため、このウィンドウは開きません。
+
+そのツールを閉じてもらってから、もう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>document_unreadable_heading</source>
+        <translation>設定を読み込めません</translation>
+    </message>
+    <message>
+        <source>document_unreadable</source>
+        <translation>設定ファイル「%1」を読み込めません（%2）。何も変更されていません。ツールを終了します。
+
+・お使いのアカウントが管理者グループのメンバーである必要があります。メンバーでない場合は、rootで「adduser NAME sudo」を実行し（NAMEはアカウント名）、サインインし直してください。
+・メンバーである場合は、設定ファイルとそのフォルダーが存在し、読み込めるように、rootで対処してから、ツールをもう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>document_kept_aside</source>
+        <translation>設定ファイル「%1」は存在しましたが、読み込めませんでした。内容を失わずに「%2」として残し、トークンのない新しいファイルに置き換えました。ツールを終了します。
+
+以前の設定を引き続き使うには、rootでそのファイルを読み込めるようにし、内容を確認してから、元の名前に戻してください。新しく始めるには、ツールをもう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>document_not_written_heading</source>
+        <translation>変更は保存されません</translation>
+    </message>
+    <message>
+        <source>document_not_written</source>
+        <translation>設定ファイル「%1」に書き込めません。設定は表示されますが、ここで行う変更はツールを閉じると失われます。
+
+ツールを閉じ、お使いのアカウントが設定ファイルのフォルダーに書き込めることと、ディスクに空きがあることを、rootで確認してから、もう一度起動してください。</translation>
     </message>
 </context>
 <context>
