@@ -12,16 +12,18 @@ from pathlib import Path
 PR_SET_PDEATHSIG = 1
 PR_SET_CHILD_SUBREAPER = 36
 
-# The palette comes from outside, through a platform theme (package qt6ct) that reads it from the user's configuration.
-DARK_CONFIGURATION = """[Appearance]
+# Palette and font come from outside, through a platform theme (package qt6ct) that reads them from the user's
+# configuration.
+THEME_CONFIGURATION = """[Appearance]
 style=Fusion
-custom_palette=true
+custom_palette={is_dark}
 color_scheme_path=/usr/share/qt6ct/colors/darker.conf
 
 [Fonts]
-general="Sans,9"
-fixed="Monospace,9"
+general="Sans,{points}"
+fixed="Monospace,{points}"
 """
+PLAIN_POINTS = 9
 
 _libc = ctypes.CDLL(None, use_errno=True)
 
@@ -33,9 +35,11 @@ def _end_with_parent():
 class Desktop:
     """Starts everything on entry and ends it, with everything that was started from it, on exit."""
 
-    def __init__(self, scale=1, dark=False, log=None):
+    def __init__(self, language="en", scale=1, dark=False, points=PLAIN_POINTS, log=None):
+        self._language = language
         self._scale = scale
         self._dark = dark
+        self._points = points
         self._log = log or subprocess.DEVNULL
         self._processes = []
         self._runtime_folder = None
@@ -86,28 +90,34 @@ class Desktop:
         for name in ("WAYLAND_DISPLAY", "AT_SPI_BUS_ADDRESS", "DESKTOP_STARTUP_ID", "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME",
                      "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM"):
             environment.pop(name, None)
-        # The language decides what the tour reads on the buttons.
+        # A language needs no locale of its own that way. The second one chooses among the shapes of a character.
         environment.update({
             "LC_ALL": "C.UTF-8",
-            "LANGUAGE": "en",
+            "LANGUAGE": self._language,
+            "FC_LANG": self._language,
             "XDG_RUNTIME_DIR": self._runtime_folder,
             "GSETTINGS_BACKEND": "memory",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             "QT_QPA_PLATFORM": "xcb",
         })
-        if self._dark:
+        if self._has_theme():
             environment["QT_QPA_PLATFORMTHEME"] = "qt6ct"
             environment["XDG_CONFIG_HOME"] = self._runtime_folder
-            self.use_dark_palette(Path(self._runtime_folder))
+            self.configure_theme(Path(self._runtime_folder))
         if self._scale != 1:
             environment["QT_SCALE_FACTOR"] = str(self._scale)
 
-    @staticmethod
-    def use_dark_palette(configuration_folder):
-        """Makes programs that take their configuration from this folder dark."""
+    def _has_theme(self):
+        return self._dark or self._points != PLAIN_POINTS
+
+    def configure_theme(self, configuration_folder):
+        """Gives programs that take their configuration from this folder the palette and the font of this desktop."""
+        if not self._has_theme():
+            return
         folder = configuration_folder / "qt6ct"
         folder.mkdir(parents=True, exist_ok=True)
-        (folder / "qt6ct.conf").write_text(DARK_CONFIGURATION, encoding="ascii")
+        configuration = THEME_CONFIGURATION.format(is_dark=str(self._dark).lower(), points=self._points)
+        (folder / "qt6ct.conf").write_text(configuration, encoding="ascii")
 
     def _start_display(self):
         size = f"{1280 * self._scale}x{1000 * self._scale}x24"

@@ -9,9 +9,7 @@ TOUCH_TOKEN = 4
 TOUCHED = "999"
 SERIALS = {1: FIRST, 2: SECOND, TOUCH_TOKEN: TOUCHED}
 
-NO_TOKEN = "No token is connected"
-ALREADY = "already"
-FAILED = "challenge-response slot is not set up"
+PAGES = ("settings", "user_keys", "master_keys", "admin_keys")
 
 
 def start(tour):
@@ -19,7 +17,7 @@ def start(tour):
     window = tour.main_window()
     tour.see(window.name.startswith("Vantro Standalone (Version "), f"the window's title is \"{window.name}\"")
     tabs = [tab.name for tab in window.find_all("page tab")]
-    tour.see(tabs == ["Settings", "User Keys", "Master Keys", "Admin Keys"], f"the tabs are {', '.join(tabs)}")
+    tour.see(tabs == [tour.tab(page) for page in PAGES], f"the tabs are {', '.join(tabs)}")
     tour.see(tour.user_keys() == [], "the list of user keys is empty")
     tour.screenshot("empty-list")
 
@@ -27,16 +25,17 @@ def start(tour):
 def register_first(tour):
     """A token that is plugged in while the dialog is open is seen at once, and registered for alice."""
     dialog = tour.open_registration()
-    tour.see(dialog.says(NO_TOKEN), "the dialog says that no token is connected")
-    tour.see(not dialog.wait("push button", "Register").is_enabled, "Register is disabled")
+    tour.see(tour.says(dialog, "UserViewMessage", "yubiKey_is_not_connected"),
+             "the dialog says that no token is connected")
+    tour.see(not tour.button(dialog, "register").is_enabled, "Register is disabled")
     tour.screenshot("no-token")
     tour.plug_in(1)
     tour.wait_for(f"without a click the dialog shows the serial {FIRST}", lambda: tour.serial_text(dialog) == FIRST)
-    tour.wait_for("Register is enabled", lambda: dialog.find("push button", "Register").is_enabled)
+    tour.wait_for("Register is enabled", lambda: tour.button(dialog, "register").is_enabled)
     dialog.find("combo box").choose("alice")
     tour.see(tour.serial_text(dialog) == FIRST, "alice is chosen")
     tour.screenshot("register-alice")
-    dialog.find("push button", "Register").press()
+    tour.button(dialog, "register").press()
     tour.wait_for("the dialog closes", lambda: tour.dialog() is None)
     tour.wait_for(f"the list has the row alice, {FIRST}", lambda: tour.user_keys() == [("alice", FIRST)])
     tour.screenshot("alice-registered")
@@ -46,11 +45,12 @@ def register_second(tour):
     """A token is pulled out and another plugged in while the dialog is open; that one is registered for bob."""
     dialog = tour.open_registration()
     tour.pull_out(1)
-    tour.wait_for("the dialog says that no token is connected", lambda: dialog.says(NO_TOKEN))
+    tour.wait_for("the dialog says that no token is connected",
+                  lambda: tour.says(dialog, "UserViewMessage", "yubiKey_is_not_connected"))
     tour.plug_in(2)
     tour.wait_for(f"the dialog shows the serial {SECOND}", lambda: tour.serial_text(dialog) == SECOND)
     dialog.find("combo box").choose("bob")
-    dialog.find("push button", "Register").press()
+    tour.button(dialog, "register").press()
     tour.wait_for("the dialog closes", lambda: tour.dialog() is None)
     tour.wait_for("the list has two rows",
                   lambda: tour.user_keys() == [("alice", FIRST), ("bob", SECOND)])
@@ -61,11 +61,12 @@ def refuse_second_time(tour):
     """What is assigned already can't be registered again."""
     dialog = tour.open_registration()
     dialog.find("combo box").choose("bob")
+    already = tour.text("UserViewMessage", "already_allocated_key")
     tour.wait_for("the dialog says that bob has the token already",
-                  lambda: SECOND in tour.serial_text(dialog) and ALREADY in tour.serial_text(dialog))
-    tour.see(not dialog.find("push button", "Register").is_enabled, "Register is disabled")
+                  lambda: tour.serial_text(dialog).split("\n") == [SECOND, already])
+    tour.see(not tour.button(dialog, "register").is_enabled, "Register is disabled")
     tour.screenshot("already-assigned")
-    dialog.find("push button", "Cancel").press()
+    tour.button(dialog, "cancel").press()
     tour.wait_for("Cancel closes the dialog", lambda: tour.dialog() is None)
     tour.pull_out(2)
 
@@ -75,17 +76,18 @@ def fail(tour):
     tour.plug_in(EMPTY_TOKEN)
     dialog = tour.open_registration()
     dialog.find("combo box").choose("alice")
-    register = dialog.find("push button", "Register")
+    register = tour.button(dialog, "register")
     wait_for("Register is enabled", lambda: register.is_enabled)
     register.press()
     alert = tour.wait_for("an alert appears", lambda: tour.alert())
-    tour.see(alert.says(FAILED), "the alert says that the challenge-response slot is not set up")
+    tour.see(tour.says(alert, "CommonMessage", "cr_failure_alert"),
+             "the alert says that the challenge-response slot is not set up")
     tour.screenshot("failure")
-    alert.find("push button", "OK").press()
+    tour.button(alert, "ok").press()
     tour.wait_for("OK closes the alert", lambda: tour.alert() is None)
     tour.see(tour.dialog() is not None, "the dialog is still open")
     tour.see(register.is_enabled, "Register is still enabled")
-    dialog.find("push button", "Cancel").press()
+    tour.button(dialog, "cancel").press()
     tour.wait_for("Cancel closes the dialog", lambda: tour.dialog() is None)
     tour.pull_out(EMPTY_TOKEN)
 
@@ -104,8 +106,8 @@ def register_with_touch(tour):
     tour.plug_in(TOUCH_TOKEN)
     dialog = tour.open_registration()
     dialog.find("combo box").choose("alice")
-    wait_for("Register is enabled", lambda: dialog.find("push button", "Register").is_enabled)
-    dialog.find("push button", "Register").press()
+    wait_for("Register is enabled", lambda: tour.button(dialog, "register").is_enabled)
+    tour.button(dialog, "register").press()
     tour.wait_for("the token blinks", lambda: tour.is_blinking(TOUCH_TOKEN))
     tour.screenshot("waiting-for-touch")
     tour.touch(TOUCH_TOKEN)
