@@ -177,14 +177,17 @@ TEST_F(ServiceConnection, ASlowRequestDelaysNoOther)
 
 TEST_F(ServiceConnection, AMissingServiceFailsEachMessageUntilItComes)
 {
+    createFile();
+    ASSERT_TRUE(told.reaches(1));
     service.reset();
+    ASSERT_TRUE(told.reaches(2));
     validate();
     getSerial();
-    ASSERT_TRUE(told.reaches(2));
-    EXPECT_THAT(told.texts(), ElementsAre(unknown, unknown));
+    ASSERT_TRUE(told.reaches(4));
+    EXPECT_THAT(told.texts(), ElementsAre("true", "interrupted", unknown, unknown));
     service.emplace();
     validate();
-    ASSERT_TRUE(told.reaches(3));
+    ASSERT_TRUE(told.reaches(5));
     EXPECT_EQ(told.texts().back(), "true");
 }
 
