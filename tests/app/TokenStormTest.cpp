@@ -1,0 +1,195 @@
+// Tokens that come and go all the time, under the real monitor, while a person works the tool.
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <memory>
+#include <random>
+#include <thread>
+#include <utility>
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QTableView>
+#include <QTimer>
+
+#include "ViewController/Main/KeyListViewController.h"
+#include "app/AppFixture.h"
+#include "appkit/ModalWindow.h"
+#include "appkit/UserDefaults.h"
+#include "tokens/VirtualToken.h"
+
+namespace vantro::tests {
+namespace {
+
+constexpr int cycles = 1000;
+constexpr int cyclesBehindTheSignIn = 200;
+
+class TokenStorm : public AppFixture
+{
+  protected:
+    TokenStorm()
+    {
+        store({.users = {{"adam", {1}}}, .adminKeys = {11, 22}, .toolLoginAuth = true});
+        UserDefaults::standard().set(QStringLiteral("suppression"), true);
+        UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
+        // Now and then a serial can't be read, or the service refuses to say it.
+        std::deque<ScriptedService::Answer> serials;
+        for (std::uint64_t request = 0; request < cycles; ++request) {
+            if (request % 50 == 49)
+                serials.push_back({ScriptedService::Refusal{}});
+            else
+                serials.push_back({request % 20 == 19 ? 0 : 11 * (request % 3 + 1)});
+        }
+        service->script("GetSerial", serials);
+        service->script("Validate", {{false}});
+        for (auto& token : tokens_) {
+            lab::TokenProfile profile;
+            profile.otp.serial = 1;
+            token = std::make_unique<lab::VirtualToken>(bed, profile);
+        }
+    }
+
+    /// Plugs one of the tokens in or pulls it out, a thousand times; in the end all are out.
+    void rage()
+    {
+        std::mt19937 random(1);
+        while (plugged_ < cycles)
+            toggle(*tokens_.at(random() % tokens_.size()));
+        for (const auto& token : tokens_)
+            token->unplug();
+    }
+
+    /// What a person may do with the window that is in front, one thing a call.
+    void work()
+    {
+        EXPECT_LE(alertsShown(), 1);
+        QWidget* const front = QApplication::activeModalWidget();
+        if (front == nullptr)
+            openDialog();
+        else if (auto* const buttons = front->findChild<QDialogButtonBox*>())
+            answer(*front, *buttons);
+        else
+            insist(*front);
+    }
+
+    /// The windows of dialogs and of the alert, which alone has no buttons.
+    [[nodiscard]] static int dialogs()
+    {
+        const auto all = QApplication::topLevelWidgets();
+        return static_cast<int>(std::count_if(all.begin(), all.end(), [](const QWidget* widget) {
+            return qobject_cast<const ModalWindow*>(widget) != nullptr;
+        }));
+    }
+    [[nodiscard]] static int alertsShown()
+    {
+        const auto all = QApplication::topLevelWidgets();
+        return static_cast<int>(std::count_if(all.begin(), all.end(), [](const QWidget* widget) {
+            return widget->isVisible() && qobject_cast<const ModalWindow*>(widget) != nullptr &&
+                   widget->findChild<QDialogButtonBox*>() == nullptr;
+        }));
+    }
+
+    std::array<std::unique_ptr<lab::VirtualToken>, 3> tokens_;
+    std::atomic<int> plugged_ = 0;
+    /// What the person has done: dialogs opened, sign-ins tried.
+    int opened_ = 0;
+    int tries_ = 0;
+
+  private:
+    void toggle(lab::VirtualToken& token)
+    {
+        if (token.isPluggedIn()) {
+            token.unplug();
+            return;
+        }
+        token.plugIn();
+        ++plugged_;
+    }
+
+    void openDialog()
+    {
+        if (!window().isVisible())
+            return;
+        constexpr std::array pages = {"UserKey", "MasterKey", "Admin"};
+        auto& list = page<KeyListViewController>(pages.at(random_() % pages.size()));
+        const bool isDeletion = random_() % 2 == 0;
+        if (isDeletion)
+            list.view()->findChild<QTableView*>()->selectAll();
+        QTest::mouseClick(isDeletion ? list.deleteButton : list.registerButton, Qt::LeftButton);
+        ++opened_;
+    }
+
+    void answer(QWidget& dialog, const QDialogButtonBox& buttons)
+    {
+        const bool isSignIn = dialog.findChild<QLabel*>("errorMessageLabel") != nullptr;
+        if (isSignIn) {
+            ++tries_;
+            if (plugged_ >= cyclesBehindTheSignIn)
+                service->script("Validate", {{true}});
+        }
+        for (auto* const button : buttons.buttons())
+            if (buttons.buttonRole(button) == QDialogButtonBox::AcceptRole && (isSignIn || random_() % 2 == 0)) {
+                QTest::mouseClick(button, Qt::LeftButton);
+                return;
+            }
+        if (!isSignIn)
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+    }
+
+    static void insist(QWidget& alert)
+    {
+        QTest::keyClick(&alert, Qt::Key_Escape);
+        alert.close();
+    }
+
+    std::mt19937 random_{2};
+};
+
+TEST_F(TokenStorm, LeavesCountAndAlertRight)
+{
+    dataSet();
+    std::atomic<bool> isOver = false;
+    std::thread storm([&] {
+        rage();
+        isOver = true;
+    });
+    QTimer person;
+    bool isWorking = false;
+    QObject::connect(&person, &QTimer::timeout, &person, [&] {
+        if (std::exchange(isWorking, true))
+            return;
+        work();
+        isWorking = false;
+    });
+    person.start(5ms);
+    window();
+    EXPECT_GE(plugged_, cyclesBehindTheSignIn) << "the sign-in was passed before it was confirmed";
+    EXPECT_GT(tries_, 0);
+    while (!isOver)
+        QTest::qWait(1);
+    storm.join();
+    person.stop();
+    ASSERT_TRUE(spinUntil([&] { return dataSet().connectedYubiKeyCount() == 0 && alertsShown() == 0; }));
+    EXPECT_EQ(dataSet().connectedYubiKeySerial(), std::nullopt);
+
+    EXPECT_GT(opened_, 50) << "hardly a dialog was open meanwhile";
+
+    // Nothing hangs: the dialog that is left can be closed, and the next tokens bring the next alert.
+    if (QWidget* const front = QApplication::activeModalWidget())
+        QTest::keyClick(front, Qt::Key_Escape);
+    ASSERT_TRUE(spinUntil([] { return dialogs() == 0; }));
+    service->script("GetSerial", {{std::uint64_t{11}}});
+    for (const int count : {1, 2, 3}) {
+        tokens_.at(static_cast<std::size_t>(count) - 1)->plugIn();
+        EXPECT_TRUE(spinUntil([&] { return dataSet().connectedYubiKeyCount() == count; }));
+    }
+    EXPECT_TRUE(spinUntil([] { return alertsShown() == 1; }));
+    for (const auto& token : tokens_)
+        token->unplug();
+    EXPECT_TRUE(spinUntil([] { return dialogs() == 0; }));
+    EXPECT_EQ(dataSet().connectedYubiKeyCount(), 0);
+}
+
+} // namespace
+} // namespace vantro::tests
