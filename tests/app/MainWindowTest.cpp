@@ -12,6 +12,8 @@
 #include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
+#include "ViewController/DialogViewController.h"
+#include "ViewController/Main/KeyListViewController.h"
 #include "ViewController/Main/TabViewController.h"
 #include "ViewController/Main/User/RegistrationUserKeyViewController.h"
 #include "ViewController/Main/User/UserViewController.h"
@@ -98,21 +100,53 @@ class Recovery : public AppFixture, public testing::WithParamInterface<std::pair
 {
 };
 
-const std::string emptySections =
-    "<SwitchSetting><SecureMode>false</SecureMode><ScreenLock>false</ScreenLock></SwitchSetting><Users/>"
-    "<MasterKeySetting><MasterKeys/></MasterKeySetting>";
+/// A document with these users and this administrator section, and else empty.
+std::string documentWith(const std::string& users, const std::string& adminSetting)
+{
+    return "<VantroStandaloneSetting version=\"1\"><SwitchSetting><SecureMode>false</SecureMode>"
+           "<ScreenLock>false</ScreenLock></SwitchSetting><Users>" +
+           users + "</Users><MasterKeySetting><MasterKeys/></MasterKeySetting>" + adminSetting +
+           "</VantroStandaloneSetting>";
+}
+
+std::string documentWithUser(const std::string& account, const std::string& serial)
+{
+    return documentWith("<UserSetting><Account>" + account + "</Account><Keys><YubiKey><Serial>" + serial +
+                            "</Serial></YubiKey></Keys></UserSetting>",
+                        "<AdminSetting><ToolLoginAuth>false</ToolLoginAuth><AdminKeys/></AdminSetting>");
+}
 
 INSTANTIATE_TEST_SUITE_P(
     MainWindow, Recovery,
     testing::Values(std::pair("Empty", ""), std::pair("Truncated", "<VantroStandaloneSetting version=\"1\"><Users>"),
                     std::pair("OtherRoot", "<Setting/>"),
                     std::pair("NewerVersion", "<VantroStandaloneSetting version=\"2\"/>"),
-                    std::pair("SectionMissing",
-                              "<VantroStandaloneSetting version=\"1\">" + emptySections + "</VantroStandaloneSetting>"),
-                    std::pair("BadSwitch", "<VantroStandaloneSetting version=\"1\">" + emptySections +
-                                               "<AdminSetting><ToolLoginAuth>maybe</ToolLoginAuth><AdminKeys/>"
-                                               "</AdminSetting></VantroStandaloneSetting>")),
+                    std::pair("SectionMissing", documentWith("", "")),
+                    std::pair("BadSwitch", documentWith("", "<AdminSetting><ToolLoginAuth>maybe</ToolLoginAuth>"
+                                                            "<AdminKeys/></AdminSetting>")),
+                    std::pair("NoNumber", documentWithUser("adam", "-1")),
+                    std::pair("NoSerial", documentWithUser("adam", "0")),
+                    std::pair("NoAccount", documentWithUser("", "1")),
+                    std::pair("ControlCharacter", documentWithUser("ad&#9;am", "1"))),
     [](const auto& instance) { return instance.param.first; });
+
+TEST_F(MainWindow, RecoversWithoutTheService)
+{
+    writeFile(prefix.settingsDocument(), "<Setting/>");
+    service.reset();
+    serviceReplyLimit = 100ms;
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(alerts.size(), 1U);
+
+    // And the window works: what is registered once the service is there ends up in the new document.
+    service.emplace();
+    plugIn(7);
+    auto& list = page<KeyListViewController>("MasterKey");
+    const auto dialog = present<DialogViewController>(list, list.registerButton);
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    EXPECT_TRUE(isDismissed(dialog));
+    EXPECT_EQ(stored(), DocumentContent{.masterKeys = {7}});
+}
 
 TEST_P(Recovery, KeepsTheBrokenDocumentAndStartsAfresh)
 {
