@@ -76,7 +76,10 @@ MainStoryboard applicationStoryboard()
     return {.mayLaunch = isOnlyTool,
             .makeDelegate = [] { return std::make_unique<AppDelegate>(); },
             .makeInitialController = [] { return mainStoryboard().instantiateController("TabViewController"); },
-            .stringTables = QStringLiteral(":/strings")};
+            .stringTables = QStringLiteral(":/strings"),
+            .desktopName = QStringLiteral("com.vantro.Standalone1"),
+            .icons = {QStringLiteral(":/icons/com.vantro.Standalone1.svg"),
+                      QStringLiteral(":/icons/com.vantro.Standalone1-16.svg")}};
 }
 
 } // namespace vantro

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include <QApplication>
+#include <QIcon>
 #include <QSocketNotifier>
 
 #include "appkit/StringTable.h"
@@ -53,6 +54,14 @@ void comeToFrontOnActivationSignal()
     };
     action.sa_flags = SA_RESTART;
     ::sigaction(NSApplication::activationSignal, &action, nullptr);
+}
+
+QIcon iconOf(const QStringList& files)
+{
+    QIcon icon;
+    for (const QString& file : files)
+        icon.addFile(file);
+    return icon;
 }
 
 } // namespace
@@ -121,6 +130,8 @@ int NSApplicationMain(int argc, char** argv, const MainStoryboard& storyboard)
 {
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setDesktopFileName(storyboard.desktopName);
+    QApplication::setWindowIcon(iconOf(storyboard.icons));
     NSApplication::attachMainQueue();
     installStringTables(storyboard.stringTables);
     comeToFrontOnActivationSignal();

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include <QMainWindow>
+#include <QStringList>
 #include <QWidget>
 
 #include "appkit/NSViewController.h"
@@ -33,6 +34,10 @@ struct MainStoryboard
     std::function<std::unique_ptr<NSViewController>()> makeInitialController;
     /// The resource folder of the string tables.
     QString stringTables;
+    /// The name of the program's desktop file, without its suffix: by it a desktop knows which program a window is of.
+    QString desktopName;
+    /// The resource files of the program's icon, drawn for different sizes.
+    QStringList icons;
 };
 
 /// A window that shows the view of a controller and takes the controller along the view's life cycle. Main thread.
