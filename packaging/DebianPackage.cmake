@@ -1,0 +1,41 @@
+# The Debian package, made by the target "debian_package" of the release preset.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME vantro-standalone)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_VENDOR Vantro)
+set(CPACK_PACKAGE_CONTACT "Vantro Standalone maintainers <maintainers@vantro.example>")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "settings tool of a login add-on for YubiKey tokens
+An administrator decides with it which tokens open which local accounts, which
+are master keys that open every account, which guard the tool itself, and
+whether a token is mandatory.
+.
+The package holds the desktop tool and its privileged service, which the system
+bus starts on demand for administrators (members of the group sudo). The PAM
+module that takes part in signing in is not part of it.")
+
+# What the programs link is found out; what they load, and what the maintainer scripts call, is named.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS
+    "default-dbus-system-bus | dbus-system-bus, libqt6svg6, systemd | systemd-standalone-tmpfiles")
+# The toolkit's own texts in other languages than English, and windows without X.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n, qt6-wayland")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
+    ${CMAKE_CURRENT_SOURCE_DIR}/debian/postinst
+    ${CMAKE_CURRENT_SOURCE_DIR}/debian/prerm
+    ${CMAKE_CURRENT_SOURCE_DIR}/debian/postrm)
+include(CPack)
+
+# Builds what is installed and nothing else.
+add_custom_target(debian_package
+    COMMAND ${CMAKE_CPACK_COMMAND} --config ${CMAKE_BINARY_DIR}/CPackConfig.cmake
+    WORKING_DIRECTORY ${CMAKE_BINARY_DIR}
+    USES_TERMINAL VERBATIM)
+add_dependencies(debian_package vantro-standalone vantro-standalone-service compressed_documents)

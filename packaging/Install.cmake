@@ -1,0 +1,48 @@
+# What an installed copy consists of. The desktop, the bus and systemd know it by one name, and look in fixed folders:
+# an installation outside /usr takes part in none of them.
+set(name com.vantro.Standalone1)
+set(made ${CMAKE_CURRENT_BINARY_DIR}/installed)
+set(manuals vantro-standalone.1 vantro-standalone-service.8)
+
+set(VANTRO_SETTINGS_FOLDER /var/lib/vantro-standalone/settings)
+set(VANTRO_RECORDS_FOLDER /var/lib/vantro-standalone/challenge-response)
+set(VANTRO_PAM_SERVICES_FOLDER /etc/pam.d)
+set(VANTRO_PAM_MODULES_FOLDER /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/security)
+configure_file(Info.plist.in ${made}/Info.plist @ONLY)
+configure_file(${name}.service.in ${made}/activation/${name}.service @ONLY)
+configure_file(${name}.unit.in ${made}/unit/${name}.service @ONLY)
+configure_file(${name}.metainfo.xml.in ${made}/${name}.metainfo.xml @ONLY)
+configure_file(${name}.tmpfiles ${made}/tmpfiles/${name}.conf COPYONLY)
+configure_file(icons/${name}-16.svg ${made}/16x16/${name}.svg COPYONLY)
+
+# vantro_compress(FILE NAME): packs a text the same way each time.
+function(vantro_compress file packed)
+    add_custom_command(OUTPUT ${made}/${packed}
+        COMMAND gzip -9nc ${CMAKE_CURRENT_SOURCE_DIR}/${file} > ${made}/${packed}
+        DEPENDS ${file} VERBATIM)
+    set_property(GLOBAL APPEND PROPERTY VANTRO_COMPRESSED ${made}/${packed})
+endfunction()
+foreach(manual IN LISTS manuals)
+    vantro_compress(man/${manual} ${manual}.gz)
+endforeach()
+vantro_compress(debian/changelog changelog.gz)
+get_property(compressed GLOBAL PROPERTY VANTRO_COMPRESSED)
+add_custom_target(compressed_documents ALL DEPENDS ${compressed})
+
+install(TARGETS vantro-standalone RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS vantro-standalone-service RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR})
+install(FILES ${made}/Info.plist pam-service without-pam-entries.awk
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/vantro-standalone)
+install(FILES ${name}.conf DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/system.d)
+install(FILES ${name}.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
+install(FILES ${made}/activation/${name}.service DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/system-services)
+install(FILES ${made}/unit/${name}.service DESTINATION /lib/systemd/system)
+install(FILES ${made}/tmpfiles/${name}.conf DESTINATION lib/tmpfiles.d)
+install(FILES ${name}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES ${made}/${name}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+install(FILES icons/${name}.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(FILES ${made}/16x16/${name}.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/16x16/apps)
+install(FILES ${made}/vantro-standalone.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${made}/vantro-standalone-service.8.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+install(FILES debian/copyright ${made}/changelog.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vantro-standalone)
+install(FILES debian/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME vantro-standalone)
