@@ -7,10 +7,10 @@ fail() {
     exit 1
 }
 
-# Installs what packages.txt names and the machine lacks; says what that is.
+# install_packages [LIST...]: installs what the lists (packages.txt) name and the machine lacks; says what that is.
 install_packages() {
     local wanted missing as_root=()
-    wanted=$(sed 's/#.*//' packages.txt)
+    wanted=$(cat "${@:-packages.txt}" | sed 's/#.*//')
     missing=$(for package in $wanted; do
         dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || echo "$package"
     done)

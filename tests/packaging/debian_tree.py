@@ -1,0 +1,96 @@
+"""A Debian tree of its own to install packages into: made once by debootstrap, unpacked anew for each use."""
+
+import hashlib
+import shutil
+import subprocess
+from pathlib import Path
+
+
+def run(*command, **options):
+    """Runs a program that must succeed; what it says is shown when it does not."""
+    ran = subprocess.run(command, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False, **options)
+    if ran.returncode != 0:
+        raise RuntimeError(f"{' '.join(map(str, command))}\n{ran.stdout}")
+    return ran.stdout
+
+
+class DebianTree:
+    """To be used in a mount and process namespace of its own, by root: what is mounted and started ends with that."""
+
+    def __init__(self, folder, packages):
+        """Unpacks a tree with these packages below the folder. The packed tree is kept there for the next time."""
+        folder.mkdir(parents=True, exist_ok=True)
+        self.root = folder / "tree"
+        release = self._release()
+        key = hashlib.sha256(" ".join([release, *packages]).encode()).hexdigest()[:16]
+        packed = folder / f"base-{key}.tar"
+        if self.root.exists():
+            shutil.rmtree(self.root)
+        if packed.exists():
+            self.root.mkdir()
+            run("tar", "-xpf", packed, "--numeric-owner", "-C", self.root)
+            self._mount()
+            return
+        print(f"Making a Debian tree ({release}); the next time it is there.", flush=True)
+        run("debootstrap", "--variant=minbase", release, self.root, self._mirror())
+        self._take_over_apt()
+        self._mount()
+        self.apt("update")
+        self.apt("install", *packages)
+        for old in folder.glob("base-*.tar*"):
+            old.unlink()
+        making = packed.with_suffix(".tar.new")
+        run("tar", "-cpf", making, "--numeric-owner", "--one-file-system", "-C", self.root, ".")
+        making.rename(packed)
+
+    @staticmethod
+    def _release():
+        pairs = (line.partition("=") for line in Path("/etc/os-release").read_text(encoding="utf-8").splitlines())
+        return next(value for name, _, value in pairs if name == "VERSION_CODENAME").strip('"')
+
+    @staticmethod
+    def _mirror():
+        """Where this machine's apt has its own packages from."""
+        sites = run("apt-get", "indextargets", "--format", "$(SITE) $(CODENAME)", "Created-By: Packages").splitlines()
+        own = (site.split()[0] for site in sites if site.endswith(" " + DebianTree._release()))
+        return next(own, "http://deb.debian.org/debian")
+
+    def _take_over_apt(self):
+        """So that the tree reaches packages in the way that this machine does."""
+        for name in ("sources.list", "sources.list.d", "apt.conf.d", "trusted.gpg.d", "auth.conf.d"):
+            source, target = Path("/etc/apt") / name, self.root / "etc/apt" / name
+            if source.is_dir():
+                shutil.copytree(source, target, dirs_exist_ok=True)
+            elif source.exists():
+                shutil.copy(source, target)
+        for name in ("resolv.conf", "hosts"):
+            shutil.copy(Path("/etc") / name, self.root / "etc" / name)
+
+    def _mount(self):
+        run("mount", "--bind", self.root, self.root)
+        run("mount", "-t", "proc", "proc", self.root / "proc")
+        run("mount", "-t", "tmpfs", "tmpfs", self.root / "run")
+        for name in ("dev", "sys"):
+            run("mount", "--rbind", f"/{name}", self.root / name)
+
+    def run(self, *command, user="root", environment=None):
+        """A program of the tree, as one of its users; its exit status and what it says."""
+        variables = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", **(environment or {})}
+        as_user = ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups"]
+        ran = subprocess.run(["chroot", self.root, *as_user, *command], env=variables, text=True,
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+        return ran.returncode, ran.stdout
+
+    def must(self, *command, **options):
+        """The same for a program that must succeed; what it says."""
+        status, said = self.run(*command, **options)
+        if status != 0:
+            raise RuntimeError(f"{' '.join(map(str, command))} ends with {status}:\n{said}")
+        return said
+
+    def apt(self, *arguments):
+        return self.must("apt-get", "-q", "-y", "--no-install-recommends", *arguments,
+                         environment={"DEBIAN_FRONTEND": "noninteractive"})
+
+    def path(self, name):
+        return self.root / name.lstrip("/")

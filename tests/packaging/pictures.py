@@ -1,0 +1,109 @@
+"""Screenshots of the tool as it is installed in a Debian tree: every language, light and dark, as an administrator sees it
+and as somebody else does."""
+
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "lab" / "tour"))
+
+from desktop import Desktop  # noqa: E402
+from words import LANGUAGES  # noqa: E402
+
+# What a desktop brings along: fonts, the toolkit's texts in other languages, a theme.
+TOOLS_FOR_PICTURES = ["fonts-dejavu-core", "fonts-vlgothic", "qt6-translations-l10n", "qt6ct"]
+TOOL = "vantro-standalone"
+PATIENCE_SECONDS = 30
+
+
+def ask(desktop, *command):
+    return subprocess.run(command, env=desktop.environment, capture_output=True, text=True, check=False).stdout
+
+
+def wait_for_window_manager(desktop):
+    """A window that is mapped while the window manager starts may stay unmapped."""
+    limit = time.monotonic() + PATIENCE_SECONDS
+    while "EWMH" in (said := ask(desktop, "sh", "-c", "xdotool get_desktop 2>&1")) or not said.strip().isdigit():
+        if time.monotonic() > limit:
+            raise RuntimeError(f"the window manager does not come up: {said}")
+        time.sleep(0.05)
+
+
+def steady_picture(desktop, file):
+    """Saves what the display shows once it shows the same twice."""
+    limit = time.monotonic() + PATIENCE_SECONDS
+    before = None
+    while True:
+        desktop.screenshot(file)
+        now = ask(desktop, "identify", "-format", "%#", file)
+        if now == before:
+            return
+        if time.monotonic() > limit:
+            raise RuntimeError(f"the display does not come to rest: {file}")
+        before = now
+        time.sleep(0.3)
+
+
+def windows(desktop):
+    return ask(desktop, "xdotool", "search", "--onlyvisible", "--class", TOOL).split()
+
+
+def wait_for_window(desktop, tool, known=()):
+    """Gives a window of the tool that is none of the known ones the keyboard, and answers all that there are."""
+    limit = time.monotonic() + PATIENCE_SECONDS
+    while not (there := windows(desktop)) or set(there) & set(known):
+        if tool.poll() is not None or time.monotonic() > limit:
+            raise RuntimeError("the installed tool shows no window")
+        time.sleep(0.05)
+    ask(desktop, "xdotool", "windowactivate", "--sync", there[-1])
+    return there
+
+
+def start_tool(desktop, tree, user):
+    passed_on = ("DISPLAY", "LANGUAGE", "FC_LANG", "LC_ALL", "QT_QPA_PLATFORM", "QT_QPA_PLATFORMTHEME")
+    variables = [f"{name}={value}" for name, value in desktop.environment.items() if name in passed_on]
+    desktop.configure_theme(tree.path(f"/home/{user}/.config"))
+    tree.must("chown", "-R", f"{user}:{user}", f"/home/{user}")
+    as_user = ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups"]
+    wait_for_window_manager(desktop)
+    return desktop.start(["chroot", str(tree.root), *as_user, "env", "-i", f"HOME=/home/{user}", "PATH=/usr/bin", *variables,
+                          TOOL])
+
+
+def make_first_start(tree):
+    """The tool ends after the message that it shows to an administrator at the very first start."""
+    with Desktop() as desktop:
+        tool = start_tool(desktop, tree, "alice")
+        wait_for_window(desktop, tool)
+        ask(desktop, "xdotool", "key", "Escape")
+        if tool.wait(PATIENCE_SECONDS) != 0:
+            raise RuntimeError("the first start does not end cleanly")
+
+
+def take_pictures_of_pages(desktop, tree, name):
+    tool = start_tool(desktop, tree, "alice")
+    message = wait_for_window(desktop, tool)
+    steady_picture(desktop, f"{name}-before-you-begin.png")
+    ask(desktop, "xdotool", "key", "Escape")
+    wait_for_window(desktop, tool, message)
+    for page in ("user-keys", "master-keys", "administrator-keys", "settings"):
+        steady_picture(desktop, f"{name}-{page}.png")
+        ask(desktop, "xdotool", "key", "ctrl+Tab")
+
+
+def take_picture_of_refusal(desktop, tree, name):
+    wait_for_window(desktop, start_tool(desktop, tree, "bob"))
+    steady_picture(desktop, f"{name}-no-administrator.png")
+
+
+def take_pictures(tree, folder):
+    folder.mkdir(parents=True, exist_ok=True)
+    with open(folder / "log", "w", encoding="utf-8") as log:
+        make_first_start(tree)
+        for language in LANGUAGES:
+            for is_dark in (False, True):
+                name = folder / f"installed-{language}-{'dark' if is_dark else 'light'}"
+                for take in (take_pictures_of_pages, take_picture_of_refusal):
+                    with Desktop(language, dark=is_dark, log=log) as desktop:
+                        take(desktop, tree, name)
