@@ -94,8 +94,11 @@ void PrivateBus::writeConfiguration(const ServicePrefix& prefix, Policy policy) 
 {
     const auto folder = temporary_.path();
     std::filesystem::create_directory(folder / "services");
+    // The command that is to start the service, for a test that shuts the service in.
+    const char* const wrapper = ::getenv("VANTRO_TEST_SERVICE_WRAPPER");
+    const std::string start = wrapper == nullptr ? std::string() : std::string(wrapper) + " ";
     writeFile(folder / "services" / (std::string(label) + ".service"),
-              "[D-BUS Service]\nName=" + std::string(label) + "\nExec=" + prefix.program().string() + "\n");
+              "[D-BUS Service]\nName=" + std::string(label) + "\nExec=" + start + prefix.program().string() + "\n");
 
     const std::string user = std::to_string(::geteuid());
     const std::string own = "<allow own=\"" + std::string(label) + "\"/>";
