@@ -25,13 +25,13 @@
     </message>
     <message>
         <source>no_registration_yubiKey</source>
-        <translation>Nach diesem Löschen gilt kein Token mehr für ein Konto, und die Token-Pflicht wird ausgeschaltet.</translation>
+        <translation>Nach dem Löschen gilt kein Token mehr für ein Konto, und die Token-Pflicht wird ausgeschaltet.</translation>
     </message>
     <message>
         <source>cr_failure_alert</source>
         <translation>Der Challenge-Response-Slot des Tokens ist nicht eingerichtet, das Token wurde abgezogen, oder der privilegierte Dienst antwortet nicht. Es wurde nichts registriert.
 
-Prüfen Sie, ob das Token angeschlossen ist und ob einer seiner Slots für Challenge-Response (HMAC-SHA1) programmiert ist, und versuchen Sie es dann erneut. Wenn es weiterhin fehlschlägt, prüfen Sie, ob der Vantro-Standalone-Dienst installiert ist.</translation>
+Prüfen Sie, ob das Token angeschlossen ist und ob einer seiner Slots für Challenge-Response (HMAC-SHA1) programmiert ist, und versuchen Sie es dann erneut. Wenn die Registrierung weiterhin fehlschlägt, prüfen Sie, ob der Vantro-Standalone-Dienst installiert ist.</translation>
     </message>
     <message>
         <source>unexpected_change_setting</source>
@@ -82,13 +82,13 @@ Lassen Sie es dort schließen, und starten Sie es dann erneut.</translation>
         <translation>Die Einstellungsdatei „%1“ kann nicht gelesen werden: %2. Es wurde nichts geändert, und das Programm wird geschlossen.
 
 • Ihr Konto muss zur Gruppe der Administratoren gehören. Falls nicht, führen Sie als root „adduser NAME sudo“ mit dem Namen Ihres Kontos aus, und melden Sie sich neu an.
-• Falls doch, lassen Sie root dafür sorgen, dass die Datei und ihr Ordner vorhanden und lesbar sind, und starten Sie das Programm dann erneut.</translation>
+• Falls doch, sorgen Sie als root dafür, dass die Datei und ihr Ordner vorhanden und lesbar sind, und starten Sie das Programm dann erneut.</translation>
     </message>
     <message>
         <source>document_kept_aside</source>
         <translation>Die Einstellungsdatei „%1“ war vorhanden, konnte aber nicht gelesen werden. Sie wurde als „%2“ aufbewahrt, nichts darin ging verloren, und eine neue Datei ohne Token ist an ihre Stelle getreten. Das Programm wird geschlossen.
 
-Um mit den alten Einstellungen fortzufahren, lassen Sie root diese Datei lesbar machen, prüfen und ihr wieder den alten Namen geben. Um neu zu beginnen, starten Sie das Programm erneut.</translation>
+Um mit den alten Einstellungen fortzufahren, machen Sie diese Datei als root lesbar, prüfen Sie sie, und geben Sie ihr wieder den alten Namen. Um neu zu beginnen, starten Sie das Programm erneut.</translation>
     </message>
     <message>
         <source>document_not_written_heading</source>
@@ -98,7 +98,7 @@ Um mit den alten Einstellungen fortzufahren, lassen Sie root diese Datei lesbar 
         <source>document_not_written</source>
         <translation>Die Einstellungsdatei „%1“ kann nicht geschrieben werden. Sie sehen die Einstellungen, aber was Sie jetzt ändern, geht verloren, wenn das Programm geschlossen wird.
 
-Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in den Ordner der Datei schreiben darf und der Datenträger nicht voll ist, und starten Sie es dann erneut.</translation>
+Schließen Sie das Programm, sorgen Sie als root dafür, dass Ihr Konto in den Ordner der Datei schreiben darf und der Datenträger nicht voll ist, und starten Sie es dann erneut.</translation>
     </message>
 </context>
 <context>
@@ -147,7 +147,7 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>no_registration_admin_yubiKey</source>
-        <translation>Nach diesem Löschen gibt es keinen Administratorschlüssel mehr: Das Programm verlangt beim Start kein Token mehr, und wer es starten kann, kann seine Einstellungen ändern.</translation>
+        <translation>Nach dem Löschen gibt es keinen Administratorschlüssel mehr: Das Programm verlangt beim Start kein Token mehr, und wer es starten kann, kann seine Einstellungen ändern.</translation>
     </message>
 </context>
 <context>
@@ -196,11 +196,11 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>empty_list</source>
-        <translation>Noch ist keinem Konto ein Token zugeordnet. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren…“.</translation>
+        <translation>Noch ist keinem Konto ein Token zugeordnet. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren …“.</translation>
     </message>
     <message>
         <source>register_button</source>
-        <translation>&amp;Registrieren…</translation>
+        <translation>&amp;Registrieren …</translation>
     </message>
     <message>
         <source>register_button_name</source>
@@ -208,7 +208,7 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>delete_button</source>
-        <translation>&amp;Löschen…</translation>
+        <translation>&amp;Löschen …</translation>
     </message>
     <message>
         <source>delete_button_name</source>
@@ -235,11 +235,11 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>empty_list</source>
-        <translation>Es gibt noch keinen Hauptschlüssel. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren…“.</translation>
+        <translation>Es gibt noch keinen Hauptschlüssel. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren …“.</translation>
     </message>
     <message>
         <source>register_button</source>
-        <translation>&amp;Registrieren…</translation>
+        <translation>&amp;Registrieren …</translation>
     </message>
     <message>
         <source>register_button_name</source>
@@ -247,7 +247,7 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>delete_button</source>
-        <translation>&amp;Löschen…</translation>
+        <translation>&amp;Löschen …</translation>
     </message>
     <message>
         <source>delete_button_name</source>
@@ -270,11 +270,11 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>empty_list</source>
-        <translation>Es gibt noch keinen Administratorschlüssel. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren…“.</translation>
+        <translation>Es gibt noch keinen Administratorschlüssel. Schließen Sie einen YubiKey an, und wählen Sie „Registrieren …“.</translation>
     </message>
     <message>
         <source>register_button</source>
-        <translation>&amp;Registrieren…</translation>
+        <translation>&amp;Registrieren …</translation>
     </message>
     <message>
         <source>register_button_name</source>
@@ -282,7 +282,7 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>delete_button</source>
-        <translation>&amp;Löschen…</translation>
+        <translation>&amp;Löschen …</translation>
     </message>
     <message>
         <source>delete_button_name</source>
@@ -298,7 +298,7 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>tool_login_auth_hint</source>
-        <translation>Um dies einzuschalten, registrieren Sie zuerst einen Administratorschlüssel.</translation>
+        <translation>Um diese Option einzuschalten, registrieren Sie zuerst einen Administratorschlüssel.</translation>
     </message>
 </context>
 <context>
@@ -480,11 +480,11 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>forced_yubikey_logon_hint</source>
-        <translation>Solange dies eingeschaltet ist, kann sich niemand ohne registriertes Token an diesem Computer anmelden.</translation>
+        <translation>Solange diese Option eingeschaltet ist, kann sich niemand ohne registriertes Token an diesem Computer anmelden.</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_warning</source>
-        <translation>Um dies einzuschalten, registrieren Sie zuerst einen Benutzer- oder Hauptschlüssel. Sonst könnte sich niemand mehr anmelden.</translation>
+        <translation>Um diese Option einzuschalten, registrieren Sie zuerst einen Benutzer- oder Hauptschlüssel. Sonst könnte sich niemand mehr anmelden.</translation>
     </message>
     <message>
         <source>screen_lock</source>
@@ -527,7 +527,7 @@ Schließen Sie das Programm, lassen Sie root dafür sorgen, dass Ihr Konto in de
     </message>
     <message>
         <source>asking</source>
-        <translation>Das Token wird abgefragt. Berühren Sie es, wenn es blinkt…</translation>
+        <translation>Das Token wird abgefragt. Berühren Sie es, wenn es blinkt …</translation>
     </message>
     <message>
         <source>authenticate_button</source>

@@ -45,7 +45,7 @@
         <source>install_after_alert_info</source>
         <translation>このツールは、このコンピューターへのサインイン方法を変更します。使用できるのは管理者だけです。
 
-・お使いのアカウントが管理者グループのメンバーである必要があります。メンバーでない場合は、rootで「adduser NAME sudo」を実行し（NAMEはアカウント名）、サインインし直してください。
+・お使いのアカウントが管理者グループのメンバーである必要があります。メンバーでない場合は、root権限で「adduser NAME sudo」を実行し（NAMEはアカウント名）、サインインし直してください。
 ・Vantro Standaloneサービスがインストールされている必要があります。
 
 初回の起動では、このメッセージを閉じるとツールが終了します。その後、もう一度起動してください。</translation>
@@ -81,14 +81,14 @@
         <source>document_unreadable</source>
         <translation>設定ファイル「%1」を読み込めません（%2）。何も変更されていません。ツールを終了します。
 
-・お使いのアカウントが管理者グループのメンバーである必要があります。メンバーでない場合は、rootで「adduser NAME sudo」を実行し（NAMEはアカウント名）、サインインし直してください。
-・メンバーである場合は、設定ファイルとそのフォルダーが存在し、読み込めるように、rootで対処してから、ツールをもう一度起動してください。</translation>
+・お使いのアカウントが管理者グループのメンバーである必要があります。メンバーでない場合は、root権限で「adduser NAME sudo」を実行し（NAMEはアカウント名）、サインインし直してください。
+・メンバーである場合は、設定ファイルとそのフォルダーが存在し、読み込めることをroot権限で確認してから、ツールをもう一度起動してください。</translation>
     </message>
     <message>
         <source>document_kept_aside</source>
         <translation>設定ファイル「%1」は存在しましたが、読み込めませんでした。内容を失わずに「%2」として残し、トークンのない新しいファイルに置き換えました。ツールを終了します。
 
-以前の設定を引き続き使うには、rootでそのファイルを読み込めるようにし、内容を確認してから、元の名前に戻してください。新しく始めるには、ツールをもう一度起動してください。</translation>
+以前の設定を引き続き使うには、root権限でそのファイルを読み込めるようにし、内容を確認してから、元の名前に戻してください。新しく始めるには、ツールをもう一度起動してください。</translation>
     </message>
     <message>
         <source>document_not_written_heading</source>
@@ -98,7 +98,7 @@
         <source>document_not_written</source>
         <translation>設定ファイル「%1」に書き込めません。設定は表示されますが、ここで行う変更はツールを閉じると失われます。
 
-ツールを閉じ、お使いのアカウントが設定ファイルのフォルダーに書き込めることと、ディスクに空きがあることを、rootで確認してから、もう一度起動してください。</translation>
+ツールを閉じ、お使いのアカウントが設定ファイルのフォルダーに書き込めることと、ディスクに空きがあることをroot権限で確認してから、もう一度起動してください。</translation>
     </message>
 </context>
 <context>
@@ -317,7 +317,7 @@
     </message>
     <message>
         <source>touch_hint</source>
-        <translation>「登録」を選択した後にトークンが点滅したら、タッチしてください。</translation>
+        <translation>「登録」の選択後、トークンが点滅したらタッチしてください。</translation>
     </message>
     <message>
         <source>register_button</source>
@@ -356,7 +356,7 @@
     </message>
     <message>
         <source>touch_hint</source>
-        <translation>「登録」を選択した後にトークンが点滅したら、タッチしてください。</translation>
+        <translation>「登録」の選択後、トークンが点滅したらタッチしてください。</translation>
     </message>
     <message>
         <source>register_button</source>
@@ -383,7 +383,7 @@
     </message>
     <message>
         <source>touch_hint</source>
-        <translation>「登録」を選択した後にトークンが点滅したら、タッチしてください。</translation>
+        <translation>「登録」の選択後、トークンが点滅したらタッチしてください。</translation>
     </message>
     <message>
         <source>register_button</source>
@@ -403,7 +403,7 @@
     <message numerus="yes">
         <source>confirmation</source>
         <translation>
-            <numerusform>選択した%n個のトークンの、アカウントへの割り当てを解除しますか？</numerusform>
+            <numerusform>選択した%n個のトークンの割り当てを解除しますか？</numerusform>
         </translation>
     </message>
     <message>
@@ -489,7 +489,7 @@
     </message>
     <message>
         <source>screen_lock_hint</source>
-        <translation>画面のロックとロック解除に、サインイン用のアドオンが加わります。</translation>
+        <translation>画面のロックと解除の際に、サインイン用のアドオンが動作します。</translation>
     </message>
     <message>
         <source>status_description</source>
@@ -497,11 +497,11 @@
     </message>
     <message>
         <source>update_failed</source>
-        <translation>サインイン用の項目に書き込めなかったため、変更は行われませんでした。Vantro Standaloneサービスがインストールされていることと、自分が管理者であることを確認して、もう一度お試しください。</translation>
+        <translation>サインイン用の項目に書き込めなかったため、変更は行われませんでした。Vantro Standaloneサービスがインストールされていることと、お使いのアカウントが管理者であることを確認して、もう一度お試しください。</translation>
     </message>
     <message>
         <source>reset_failed</source>
-        <translation>最後のトークンは削除されましたが、トークンの必須設定をオフにできませんでした。トークンをもう一度登録するか、Vantro Standaloneサービスがインストールされていることと、自分が管理者であることを確認してください。</translation>
+        <translation>最後のトークンは削除されましたが、トークンの必須設定をオフにできませんでした。トークンをもう一度登録するか、Vantro Standaloneサービスがインストールされていることと、お使いのアカウントが管理者であることを確認してください。</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,219 @@
+// Every language says all that English says, in its own way of writing.
+
+#include <algorithm>
+#include <ostream>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDir>
+#include <QLocale>
+#include <QMenu>
+#include <QRegularExpression>
+#include <QScrollBar>
+#include <QTimer>
+#include <QTranslator>
+#include <gtest/gtest.h>
+
+#include "app/AppFixture.h"
+#include "app/StringTableFile.h"
+#include "appkit/StringTable.h"
+
+namespace vantro::tests {
+namespace {
+
+/// How a language is written.
+struct Language
+{
+    QString code;
+    qsizetype pluralForms;
+    /// What ends a sentence that ends with "." in English, and a question.
+    QString stop;
+    QString questionMark;
+    /// What no text may contain.
+    QRegularExpression foreign;
+};
+
+void PrintTo(const Language& language, std::ostream* stream)
+{
+    *stream << language.code.toStdString();
+}
+
+const QString english = QStringLiteral("en");
+
+std::vector<Language> languages()
+{
+    // A straight quotation mark is English only. German ones are low and then high; an ellipsis that stands for words
+    // has a space before it, which does not break. Japanese has marks of its own, and no space beside its characters.
+    return {{english, 2, QStringLiteral("."), QStringLiteral("?"), QRegularExpression(QStringLiteral("[„“”]"))},
+            {QStringLiteral("de"), 2, QStringLiteral("."), QStringLiteral("?"),
+             QRegularExpression(QStringLiteral("[\"'”]|„[^“]*(„|$)|“[^„]*“|^[^„]*“|[^\u00a0]…"))},
+            {QStringLiteral("ja"), 1, QStringLiteral("。"), QStringLiteral("？"),
+             QRegularExpression(
+                 QStringLiteral("[\"'“”„!?;,•]|\\.(?!\\w)| [ぁ-ヿ一-龠]|[ぁ-ヿ一-龠。、] |「[^」]*(「|$)"))}};
+}
+
+std::multiset<QString> matches(const QString& text, const QString& pattern)
+{
+    std::multiset<QString> found;
+    for (auto match = QRegularExpression(pattern).globalMatch(text); match.hasNext();)
+        found.insert(match.next().captured());
+    return found;
+}
+
+std::set<QString> placeholders(const QString& text)
+{
+    const auto found = matches(text, QStringLiteral("%(\\d+|n)"));
+    return {found.begin(), found.end()};
+}
+
+class LanguageOf : public testing::TestWithParam<Language>
+{
+  protected:
+    /// Calls `check` with each text of the language, its English original and its place.
+    template <class Check>
+    void forEachText(Check check)
+    {
+        const TableTexts originals = tableTexts(english);
+        for (const auto& [place, text] : tableTexts(GetParam().code)) {
+            SCOPED_TRACE(place.first.toStdString() + ' ' + place.second.toStdString());
+            const auto original = originals.find(place);
+            ASSERT_NE(original, originals.end()) << "not in English";
+            ASSERT_FALSE(text.forms.isEmpty());
+            check(text, original->second, place);
+        }
+    }
+};
+
+TEST_P(LanguageOf, HasEveryTextAndPluralFormAndNoOther)
+{
+    EXPECT_EQ(tableTexts(GetParam().code).size(), tableTexts(english).size());
+    forEachText([](const TableText& text, const TableText& original, const auto& /*place*/) {
+        EXPECT_TRUE(text.isFinished);
+        EXPECT_EQ(text.counts, original.counts);
+        EXPECT_EQ(text.forms.size(), text.counts ? GetParam().pluralForms : 1);
+        for (const QString& form : text.forms) {
+            EXPECT_EQ(form, form.trimmed());
+            EXPECT_FALSE(form.isEmpty());
+        }
+        EXPECT_EQ(placeholders(text.forms.back()), placeholders(original.forms.back()));
+    });
+}
+
+TEST_P(LanguageOf, IsWhatTheProgramCarries)
+{
+    QTranslator carried;
+    ASSERT_TRUE(carried.load(QStringLiteral(":/strings/vantro_%1.qm").arg(GetParam().code)));
+    EXPECT_EQ(carried.language(), GetParam().code);
+    forEachText([&](const TableText& text, const TableText& /*original*/, const auto& place) {
+        const auto shown = [&, table = place.first.toUtf8(), key = place.second.toUtf8()](int count) {
+            return carried.translate(table.constData(), key.constData(), nullptr, count);
+        };
+        if (!text.counts) {
+            EXPECT_EQ(shown(-1), text.forms.front());
+            return;
+        }
+        EXPECT_EQ(shown(1), text.forms.front());
+        for (const int several : {0, 2, 5, 21})
+            EXPECT_EQ(shown(several), text.forms.back());
+    });
+}
+
+TEST_P(LanguageOf, IsPunctuatedByItsOwnRules)
+{
+    forEachText([](const TableText& text, const TableText& original, const auto& /*place*/) {
+        const QString& form = text.forms.back();
+        const QString& pattern = original.forms.back();
+        const auto foreign = GetParam().foreign.match(form);
+        EXPECT_FALSE(foreign.hasMatch()) << foreign.captured().toStdString() << " in " << form.toStdString();
+        for (const auto& [mark, own] : {std::pair(QStringLiteral("."), GetParam().stop),
+                                        {QStringLiteral("?"), GetParam().questionMark},
+                                        {QStringLiteral(":"), QStringLiteral(":")}})
+            if (pattern.endsWith(mark)) {
+                EXPECT_TRUE(form.endsWith(own)) << form.toStdString();
+            }
+        EXPECT_EQ(form.count(QChar(u'…')), pattern.count(QChar(u'…'))) << form.toStdString();
+        EXPECT_EQ(form.count(QLatin1Char('\n')), pattern.count(QLatin1Char('\n'))) << form.toStdString();
+    });
+}
+
+TEST_P(LanguageOf, HasItsOwnLetterForWhateverALetterPresses)
+{
+    std::map<QString, std::set<QString>> lettersOfScreens;
+    forEachText([&](const TableText& text, const TableText& original, const auto& place) {
+        const auto letter = matches(text.forms.front().toLower(), QStringLiteral("&\\w"));
+        EXPECT_EQ(letter.size(), original.forms.front().count(QLatin1Char('&')));
+        for (const QString& one : letter)
+            EXPECT_TRUE(lettersOfScreens[place.first].insert(one).second) << "presses two: " << one.toStdString();
+    });
+    EXPECT_FALSE(lettersOfScreens.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, LanguageOf, testing::ValuesIn(languages()),
+                         [](const auto& language) { return language.param.code.toStdString(); });
+
+TEST(Languages, AreAllKnownHere)
+{
+    QStringList known;
+    for (const Language& language : languages())
+        known += QStringLiteral("vantro_%1.ts").arg(language.code);
+    QStringList there = QDir(QStringLiteral(APP_RESOURCES "/strings")).entryList({QStringLiteral("*.ts")});
+    std::sort(known.begin(), known.end());
+    std::sort(there.begin(), there.end());
+    EXPECT_EQ(there, known);
+}
+
+struct User
+{
+    const char* name;
+    const char* locale;
+    const char* quit;
+    const char* scroll;
+};
+
+void PrintTo(const User& user, std::ostream* stream)
+{
+    *stream << user.locale;
+}
+
+class LanguageOfUser : public testing::TestWithParam<User>
+{
+};
+
+TEST_P(LanguageOfUser, IsThatOfTheToolAndOfTheToolkitsOwnTexts)
+{
+    int count = 1;
+    char name[] = "vantro-standalone";
+    char* arguments[] = {name, nullptr};
+    QLocale::setDefault(QLocale(QLatin1String(GetParam().locale)));
+    const QApplication application(count, arguments);
+    installStringTables(QStringLiteral(":/strings"));
+    EXPECT_EQ(localizedString("LoginAuthAlertView", "quit_button"), QString::fromUtf8(GetParam().quit));
+
+    // What people see of the toolkit's own texts is the menu of a list's scroll bar.
+    QScrollBar bar;
+    bar.show();
+    QString first;
+    QTimer::singleShot(0, &bar, [&] {
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        first = menu->actions().front()->text();
+        menu->close();
+    });
+    QContextMenuEvent asked(QContextMenuEvent::Mouse, {1, 1}, bar.mapToGlobal(QPoint(1, 1)));
+    QApplication::sendEvent(&bar, &asked);
+    EXPECT_EQ(first, QString::fromUtf8(GetParam().scroll)) << "is qt6-translations-l10n installed?";
+}
+
+INSTANTIATE_TEST_SUITE_P(Users, LanguageOfUser,
+                         testing::Values(User{"American", "en_US", "&Quit", "Scroll here"},
+                                         User{"Austrian", "de_AT", "&Beenden", "Hierher scrollen"},
+                                         User{"Japanese", "ja_JP", "終了(&Q)", "ここにスクロール"},
+                                         // Both in one language, also where the toolkit would know another.
+                                         User{"French", "fr_FR", "&Quit", "Scroll here"}),
+                         [](const auto& user) { return user.param.name; });
+
+} // namespace
+} // namespace vantro::tests
