@@ -17,8 +17,8 @@ void install(std::unique_ptr<QTranslator> translator)
     QCoreApplication::installTranslator(translator.release());
 }
 
-/// The toolkit's texts, as in the menu of a text that can be selected. They also say which way the language is written,
-/// so they are taken for the language that the tables are in and for no other.
+/// The toolkit's texts, as in the menu of a scroll bar or in what a screen reader says that a button does. They also
+/// say which way the language is written, so they are taken for the language that the tables are in and for no other.
 void installToolkitTexts(const QLocale& language)
 {
     auto translator = std::make_unique<QTranslator>();
