@@ -102,11 +102,6 @@ class Element:
     def says(self, text):
         return any(text in label for label in self.texts())
 
-    def click_corner(self):
-        """Clicks the lower left corner of a window, which then comes to the front."""
-        area = Atspi.Component.get_extents(self._fresh(), Atspi.CoordType.SCREEN)
-        Atspi.generate_mouse_event(area.x + 4, area.y + area.height - 4, "b1c")
-
     def press(self):
         """Presses a button, toggles a check box, chooses a tab."""
         wait_for(f"the {self.role} {self.name} can be pressed", lambda: self._action("Press", "Toggle") is not None)

@@ -17,7 +17,7 @@ def several_tokens(tour):
 def start_twice(tour):
     """Started a second time the tool brings its window to the front, and changes nothing."""
     document = tour.document_path().read_bytes()
-    tour.lab.windows[0].click_corner()
+    tour.bring_lab_to_front()
     tour.wait_for("another window is in front", lambda: "active" not in tour.main_window().states)
     tour.see(tour.start_another_tool() == 0, "the second start ends at once")
     tour.wait_for("the first one's window is in front", lambda: "active" in tour.main_window().states)
