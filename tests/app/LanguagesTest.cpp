@@ -9,9 +9,11 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDir>
+#include <QFont>
 #include <QLocale>
 #include <QMenu>
 #include <QRegularExpression>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QTimer>
 #include <QTranslator>
@@ -152,6 +154,33 @@ TEST_P(LanguageOf, HasItsOwnLetterForWhateverALetterPresses)
 }
 
 INSTANTIATE_TEST_SUITE_P(Tables, LanguageOf, testing::ValuesIn(languages()),
+                         [](const auto& language) { return language.param.code.toStdString(); });
+
+/// A user whose language the parameter is.
+class UserOfLanguage : public testing::WithParamInterface<Language>
+{
+  protected:
+    UserOfLanguage() { QLocale::setDefault(QLocale(GetParam().code)); }
+};
+
+class ToolInLanguage : public UserOfLanguage, public AppFixture
+{
+};
+
+TEST_P(ToolInLanguage, HasPagesAsWideAsItsWindowEvenWithALargeFont)
+{
+    store({});
+    QApplication::setFont(QFont(QStringLiteral("Sans"), 14));
+    for (const char* const identifier : {"Setting", "UserKey", "MasterKey", "Admin"}) {
+        const auto* const page = switchTo(identifier).view()->parentWidget()->parentWidget();
+        const auto* const area = qobject_cast<const QScrollArea*>(page);
+        ASSERT_NE(area, nullptr);
+        QApplication::processEvents();
+        EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << identifier;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, ToolInLanguage, testing::ValuesIn(languages()),
                          [](const auto& language) { return language.param.code.toStdString(); });
 
 TEST(Languages, AreAllKnownHere)

@@ -220,7 +220,7 @@ Schließen Sie das Programm, sorgen Sie als root dafür, dass Ihr Konto in den O
     </message>
     <message>
         <source>column_serial</source>
-        <translation>Seriennummer des Tokens</translation>
+        <translation>Seriennummer</translation>
     </message>
 </context>
 <context>
@@ -255,7 +255,7 @@ Schließen Sie das Programm, sorgen Sie als root dafür, dass Ihr Konto in den O
     </message>
     <message>
         <source>column_serial</source>
-        <translation>Seriennummer des Tokens</translation>
+        <translation>Seriennummer</translation>
     </message>
 </context>
 <context>
@@ -290,11 +290,11 @@ Schließen Sie das Programm, sorgen Sie als root dafür, dass Ihr Konto in den O
     </message>
     <message>
         <source>column_serial</source>
-        <translation>Seriennummer des Tokens</translation>
+        <translation>Seriennummer</translation>
     </message>
     <message>
         <source>tool_login_auth</source>
-        <translation>Beim &amp;Start einen Administratorschlüssel verlangen</translation>
+        <translation>Anmeldung beim &amp;Start verlangen</translation>
     </message>
     <message>
         <source>tool_login_auth_hint</source>
@@ -476,11 +476,11 @@ Schließen Sie das Programm, sorgen Sie als root dafür, dass Ihr Konto in den O
     <name>SettingView</name>
     <message>
         <source>forced_yubikey_logon</source>
-        <translation>&amp;Token-Pflicht beim Anmelden und Entsperren</translation>
+        <translation>&amp;Token-Pflicht bei der Anmeldung</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_hint</source>
-        <translation>Solange diese Option eingeschaltet ist, kann sich niemand ohne registriertes Token an diesem Computer anmelden.</translation>
+        <translation>Solange diese Option eingeschaltet ist, ist zum Anmelden an diesem Computer und zum Entsperren ein registriertes Token nötig.</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_warning</source>

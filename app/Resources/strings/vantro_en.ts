@@ -294,7 +294,7 @@ Close the tool, have root see to it that your account may write to the document'
     </message>
     <message>
         <source>tool_login_auth</source>
-        <translation>&amp;Ask for an administrator key when this tool starts</translation>
+        <translation>&amp;Ask for an administrator key at start</translation>
     </message>
     <message>
         <source>tool_login_auth_hint</source>

@@ -220,7 +220,7 @@
     </message>
     <message>
         <source>column_serial</source>
-        <translation>トークンのシリアル番号</translation>
+        <translation>シリアル番号</translation>
     </message>
 </context>
 <context>
@@ -255,7 +255,7 @@
     </message>
     <message>
         <source>column_serial</source>
-        <translation>トークンのシリアル番号</translation>
+        <translation>シリアル番号</translation>
     </message>
 </context>
 <context>
@@ -290,11 +290,11 @@
     </message>
     <message>
         <source>column_serial</source>
-        <translation>トークンのシリアル番号</translation>
+        <translation>シリアル番号</translation>
     </message>
     <message>
         <source>tool_login_auth</source>
-        <translation>このツールの起動時に管理者キーを求める(&amp;A)</translation>
+        <translation>起動時に管理者キーを求める(&amp;A)</translation>
     </message>
     <message>
         <source>tool_login_auth_hint</source>
@@ -473,11 +473,11 @@
     <name>SettingView</name>
     <message>
         <source>forced_yubikey_logon</source>
-        <translation>サインインとロック解除にトークンを必須にする(&amp;D)</translation>
+        <translation>トークンを必須にする(&amp;D)</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_hint</source>
-        <translation>オンの間は、登録済みのトークンがないと誰もこのコンピューターにサインインできません。</translation>
+        <translation>オンの間は、登録済みのトークンがないと、誰もこのコンピューターへのサインインやロック解除ができません。</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_warning</source>
