@@ -480,7 +480,7 @@ Schließen Sie das Programm, sorgen Sie als root dafür, dass Ihr Konto in den O
     </message>
     <message>
         <source>forced_yubikey_logon_hint</source>
-        <translation>Solange diese Option eingeschaltet ist, ist zum Anmelden an diesem Computer und zum Entsperren ein registriertes Token nötig.</translation>
+        <translation>Solange diese Option eingeschaltet ist, braucht man zum Anmelden an diesem Computer und zum Entsperren ein registriertes Token.</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_warning</source>

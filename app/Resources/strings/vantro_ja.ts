@@ -520,7 +520,7 @@
     </message>
     <message>
         <source>touch_hint</source>
-        <translation>トークンが点滅したら、タッチしてください。</translation>
+        <translation>トークンが点滅したらタッチしてください。</translation>
     </message>
     <message>
         <source>asking</source>
