@@ -126,18 +126,18 @@ TEST_P(LanguageOf, IsWhatTheProgramCarries)
 TEST_P(LanguageOf, IsPunctuatedByItsOwnRules)
 {
     forEachText([](const TableText& text, const TableText& original, const auto& /*place*/) {
-        const QString& form = text.forms.back();
         const QString& pattern = original.forms.back();
-        const auto foreign = GetParam().foreign.match(form);
-        EXPECT_FALSE(foreign.hasMatch()) << foreign.captured().toStdString() << " in " << form.toStdString();
-        for (const auto& [mark, own] : {std::pair(QStringLiteral("."), GetParam().stop),
-                                        {QStringLiteral("?"), GetParam().questionMark},
-                                        {QStringLiteral(":"), QStringLiteral(":")}})
-            if (pattern.endsWith(mark)) {
-                EXPECT_TRUE(form.endsWith(own)) << form.toStdString();
-            }
-        EXPECT_EQ(form.count(QChar(u'…')), pattern.count(QChar(u'…'))) << form.toStdString();
-        EXPECT_EQ(form.count(QLatin1Char('\n')), pattern.count(QLatin1Char('\n'))) << form.toStdString();
+        for (const QString& form : text.forms) {
+            SCOPED_TRACE(form.toStdString());
+            const auto foreign = GetParam().foreign.match(form);
+            EXPECT_FALSE(foreign.hasMatch()) << foreign.captured().toStdString();
+            for (const auto& [mark, own] : {std::pair(QStringLiteral("."), GetParam().stop),
+                                            {QStringLiteral("?"), GetParam().questionMark},
+                                            {QStringLiteral(":"), QStringLiteral(":")}})
+                EXPECT_TRUE(!pattern.endsWith(mark) || form.endsWith(own));
+            EXPECT_EQ(form.count(QChar(u'…')), pattern.count(QChar(u'…')));
+            EXPECT_EQ(form.count(QLatin1Char('\n')), pattern.count(QLatin1Char('\n')));
+        }
     });
 }
 
