@@ -75,12 +75,12 @@ class Element:
         found = (accessible.get_child_at_index(index) for index in range(accessible.get_child_count()))
         return [Element(child) for child in found if child is not None]
 
-    def walk(self):
-        """Everything below that is to be seen."""
+    def walk(self, is_hidden_too=False):
+        """Everything below that is to be seen, or everything below."""
         for child in self.children:
-            if "showing" in child.states:
+            if is_hidden_too or "showing" in child.states:
                 yield child
-                yield from child.walk()
+                yield from child.walk(is_hidden_too)
 
     def find_all(self, role, name=None, description=None):
         return [element for element in self.walk()

@@ -85,12 +85,6 @@ class Desktop:
     def screenshot(self, path):
         subprocess.run(["import", "-window", "root", path], env=self.environment, check=True)
 
-    def bring_to_front(self, process):
-        """Brings the window of a process to the front, wherever it lies."""
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process)], env=self.environment,
-                               stdout=subprocess.PIPE, text=True, check=True)
-        subprocess.run(["xdotool", "windowactivate", found.stdout.split()[-1]], env=self.environment, check=True)
-
     def _prepare_environment(self):
         environment = self.environment
         for name in ("WAYLAND_DISPLAY", "AT_SPI_BUS_ADDRESS", "DESKTOP_STARTUP_ID", "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME",

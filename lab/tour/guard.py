@@ -1,5 +1,18 @@
 """How the tool guards itself: sign-in, several tokens at once, a broken settings document."""
 
+import display
+
+# What leads from one control, page or menu to another, or to a window's own menu.
+WAYS_TO_THE_WINDOW = ["Tab", "shift+Tab", "ctrl+Tab", "ctrl+shift+Tab", "ctrl+Page_Down", "ctrl+Page_Up", "F6", "F10",
+                      "shift+F10", "Menu", "alt+1", "alt+2", "alt+3", "alt+4", "ctrl+1", "ctrl+2", "ctrl+n", "ctrl+w"]
+WAYS_TO_CLOSE = ["Escape", "Return", "KP_Enter", "space", "alt+F4", "ctrl+w", "ctrl+q", "ctrl+F4"]
+
+
+def leave(tour, window):
+    """Goes to another program's window; what was pressed before has been dealt with then."""
+    display.bring_to_front(*display.windows(tour.lab.process))
+    tour.wait_for("another window is in front", lambda: "active" not in window.states)
+
 
 def several_tokens(tour):
     """A second token brings an alert that closes itself when the last one has gone."""
@@ -8,6 +21,13 @@ def several_tokens(tour):
     alert = tour.wait_for("an alert appears", tour.dialog)
     tour.see(tour.says(alert, "MultipleConnectionsAlertView", "heading"), "it says that several tokens are plugged in")
     tour.screenshot("several-tokens")
+    page = tour.main_window().name
+    window = display.windows(tour.tool.process)[-1]
+    display.press(window, *WAYS_TO_CLOSE, *WAYS_TO_THE_WINDOW)
+    display.ask_to_close(window)
+    leave(tour, alert)
+    tour.see("showing" in alert.states, "no key closes it, and no window manager")
+    tour.see(tour.main_window().name == page, "no key gets past it")
     tour.pull_out(1)
     tour.see(tour.dialog() is not None, "with one token left it stays")
     tour.pull_out(2)
@@ -17,11 +37,23 @@ def several_tokens(tour):
 def start_twice(tour):
     """Started a second time the tool brings its window to the front, and changes nothing."""
     document = tour.document_path().read_bytes()
-    tour.bring_lab_to_front()
-    tour.wait_for("another window is in front", lambda: "active" not in tour.main_window().states)
+    leave(tour, tour.main_window())
     tour.see(tour.start_another_tool() == 0, "the second start ends at once")
     tour.wait_for("the first one's window is in front", lambda: "active" in tour.main_window().states)
     tour.see(tour.document_path().read_bytes() == document, "the settings document is as it was")
+
+
+def see_sign_in_alone(tour, dialog):
+    """Nothing of the main window is there, neither for the eye nor for the window manager nor for a screen reader."""
+    process = tour.tool.process
+    tour.see(len(display.windows(process)) == 1, "the display shows no other window of the tool")
+    tour.see(len(display.windows(process, "^Vantro Standalone", is_hidden_too=True)) == 1, "and hides none")
+    tour.see([window.role for window in tour.tool.children] == ["dialog"], "a screen reader finds the dialog alone")
+    others = [element for element in dialog.walk(is_hidden_too=True)
+              if element.role not in ("filler", "panel", "label")]
+    found = sorted(f"{element.role} {element.name}" for element in others)
+    expected = sorted(f"push button {tour.button(dialog, name).name}" for name in ("sign_in", "quit"))
+    tour.see(found == expected, f"and in it nothing but texts and: {', '.join(found)}")
 
 
 def sign_in(tour):
@@ -30,10 +62,18 @@ def sign_in(tour):
     tour.check_box("AdminView", "tool_login_auth").press()
     tour.wait_for("the document says so", lambda: tour.setting("AdminSetting/ToolLoginAuth") == "true")
     tour.restart_tool()
+    document = tour.document_path().read_bytes()
     dialog = tour.wait_for("the tool asks for a sign-in", tour.dialog)
-    tour.see(tour.start_another_tool() == 0, "a second start ends at once")
-    tour.see(len(tour.tool.windows) == 1, "nothing else of it is to be seen")
+    see_sign_in_alone(tour, dialog)
     tour.screenshot("sign-in")
+    display.press(*display.windows(tour.tool.process), *WAYS_TO_THE_WINDOW)
+    leave(tour, dialog)
+    print("Whatever keys were pressed:", flush=True)
+    see_sign_in_alone(tour, dialog)
+    tour.see(tour.start_another_tool() == 0, "a second start ends at once")
+    tour.wait_for("it brings the dialog to the front", lambda: "active" in dialog.states)
+    see_sign_in_alone(tour, dialog)
+    tour.see(tour.document_path().read_bytes() == document, "the settings document is as it was")
     for token, refusal in ((None, "not_connected_yubikey"), (2, "not_admin_key")):
         if token:
             tour.plug_in(token)
