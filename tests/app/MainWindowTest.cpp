@@ -226,6 +226,30 @@ TEST_F(SeveralTokens, LeaveTheDialogBehindTheAlertAsItWas)
     EXPECT_TRUE(dialog->window()->isVisible());
 }
 
+TEST_F(SeveralTokens, OutliveTheDialogBehindTheAlert)
+{
+    store({});
+    auto& list = page<UserViewController>("UserKey");
+    for (int round = 0; round < 2; ++round) {
+        const auto dialog = present<RegistrationUserKeyViewController>(list, list.registerButton);
+        ASSERT_TRUE(dialog);
+        plugIn(1);
+        plugIn(2);
+        ASSERT_TRUE(spinUntil([&] { return alert() && QApplication::activeModalWidget() == alert()->window(); }));
+        // As assistive technology does, which reaches the dialog's button although another window is in front.
+        dialog->onClickCancel(dialog);
+        EXPECT_FALSE(dialog->view()->isVisible());
+        unplug();
+        ASSERT_TRUE(alert());
+        EXPECT_TRUE(dialog) << "the alert's window goes with the dialog's";
+        EXPECT_EQ(QApplication::activeModalWidget(), alert()->window());
+        EXPECT_TRUE(alert()->view()->isVisible());
+        unplug();
+        EXPECT_TRUE(spinUntil([&] { return alert().isNull(); }));
+        EXPECT_TRUE(isDismissed(dialog));
+    }
+}
+
 TEST_F(SeveralTokens, ThatGoLeaveAnAlertOverTheirs)
 {
     store({});
