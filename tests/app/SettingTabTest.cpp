@@ -2,8 +2,12 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QTableView>
 
+#include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
+#include "ViewController/Main/DeletionKeyViewController.h"
+#include "ViewController/Main/KeyListViewController.h"
 #include "ViewController/Main/Setting/SettingViewController.h"
 #include "app/AppFixture.h"
 #include "foundation/OperatingSystem.h"
@@ -146,6 +150,30 @@ TEST_F(SettingTab, ASilentServiceIsWaitedForThreeTimesAndThenTheSwitchSpringsBac
     EXPECT_FALSE(checkBox.isChecked());
     EXPECT_TRUE(checkBox.isEnabled());
     EXPECT_FALSE(stored().secureMode);
+}
+
+TEST_F(SettingTab, SaysUntilTheNextChangeThatTheLastKeysDeletionLeftLogonForced)
+{
+    store({.masterKeys = {7}, .secureMode = true});
+    EXPECT_TRUE(label("statusLabel").isHidden());
+    service->script("SavePamSetting", {{false}});
+    auto& list = AppFixture::page<KeyListViewController>("MasterKey");
+    list.view()->findChild<QTableView*>()->selectAll();
+    const auto deletion = present<DeletionKeyViewController>(list, list.deleteButton);
+    ASSERT_TRUE(deletion);
+    QTest::mouseClick(deletion->OKButton, Qt::LeftButton);
+    ASSERT_TRUE(isDismissed(deletion));
+    EXPECT_EQ(stored(), DocumentContent{.secureMode = true});
+    EXPECT_EQ(label("statusLabel").text(), localizedString("SettingView", "reset_failed"));
+    EXPECT_FALSE(label("statusLabel").isHidden());
+
+    switchTo("MasterKey");
+    dataSet().vantroStandaloneSetting.masterKeySetting.masterKeys.emplace_back(8U);
+    EXPECT_FALSE(label("statusLabel").isHidden());
+    service->script("SavePamSetting", {{true}});
+    forcedLogon().click();
+    EXPECT_FALSE(forcedLogon().isChecked());
+    EXPECT_TRUE(label("statusLabel").isHidden());
 }
 
 } // namespace
