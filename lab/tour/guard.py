@@ -1,5 +1,6 @@
 """How the tool guards itself: sign-in, several tokens at once, a broken settings document."""
 
+import accessibility
 import display
 
 # What leads from one control, page or menu to another, or to a window's own menu.
@@ -46,6 +47,7 @@ def start_twice(tour):
 def see_sign_in_alone(tour, dialog):
     """Nothing of the main window is there, neither for the eye nor for the window manager nor for a screen reader."""
     process = tour.tool.process
+    accessibility.wait_for("the display shows the dialog", lambda: display.windows(process))
     tour.see(len(display.windows(process)) == 1, "the display shows no other window of the tool")
     tour.see(len(display.windows(process, "^Vantro Standalone", is_hidden_too=True)) == 1, "and hides none")
     tour.see([window.role for window in tour.tool.children] == ["dialog"], "a screen reader finds the dialog alone")

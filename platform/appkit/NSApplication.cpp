@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -64,6 +65,21 @@ QIcon iconOf(const QStringList& files)
     return icon;
 }
 
+/// The toolkit ends the process by exit() when the display has gone, which destroys what other threads still use. The
+/// main thread's own objects are the first to be destroyed, and the process ends there.
+class ExitGuard
+{
+  public:
+    ExitGuard() = default;
+    ~ExitGuard()
+    {
+        std::fflush(nullptr);
+        std::_Exit(EXIT_FAILURE);
+    }
+    ExitGuard(const ExitGuard&) = delete;
+    ExitGuard& operator=(const ExitGuard&) = delete;
+};
+
 } // namespace
 
 NSWindow::NSWindow(std::unique_ptr<NSViewController> contentViewController)
@@ -123,11 +139,13 @@ void NSApplication::activateIgnoringOtherApps()
 void NSApplication::terminate()
 {
     // The other threads run to the very end, so nothing that they use may be destroyed before them.
+    std::fflush(nullptr);
     std::quick_exit(EXIT_SUCCESS);
 }
 
 int NSApplicationMain(int argc, char** argv, const MainStoryboard& storyboard)
 {
+    thread_local const ExitGuard exitGuard;
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setDesktopFileName(storyboard.desktopName);

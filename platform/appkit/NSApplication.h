@@ -83,7 +83,8 @@ class NSApplication
 };
 
 /// Runs the application: makes what the main storyboard names, shows the initial window, and handles events until the
-/// process ends. Does not return in normal operation.
+/// process ends. Does not return in normal operation. An exit() on the main thread ends the process with EXIT_FAILURE,
+/// without destroying any static object.
 int NSApplicationMain(int argc, char** argv, const MainStoryboard& storyboard);
 
 } // namespace vantro
