@@ -1,7 +1,6 @@
 // The main function of the tool's tests: without a display, under the device emulation, so that tokens of the machine
 // at hand are not seen, and with accounts of the tests' own.
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -10,6 +9,7 @@
 #include <unistd.h>
 
 #include "support/TemporaryFolder.h"
+#include "support/TestProcess.h"
 #include "tokens/Preload.h"
 
 namespace {
@@ -38,6 +38,7 @@ void makeAccounts()
 int main(int argc, char** argv)
 {
     if (!vantro::lab::isUnderPreload()) {
+        vantro::tests::keepTemporaryFilesInMemory();
         makeAccounts();
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
@@ -48,7 +49,5 @@ int main(int argc, char** argv)
     const int result = RUN_ALL_TESTS();
     std::error_code ignored;
     std::filesystem::remove_all(std::filesystem::path(std::getenv(passwdVariable)).parent_path(), ignored);
-    // As the tool itself ends: its threads run to the very end, and nothing that they use may be destroyed before them.
-    std::fflush(nullptr);
-    std::quick_exit(result);
+    vantro::tests::endTests(result);
 }
