@@ -15,6 +15,8 @@ class _ClientMessage(ctypes.Structure):
 
 
 CLIENT_MESSAGE = 33
+# Instead of ending the process: a window may have gone meanwhile.
+IGNORE_ERRORS = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)(lambda *_: 0)
 
 
 def windows(process, title=None, is_hidden_too=False):
@@ -49,6 +51,7 @@ def ask_to_close(window):
     library.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long,
                                    ctypes.POINTER(_ClientMessage)]
     library.XCloseDisplay.argtypes = [ctypes.c_void_p]
+    library.XSetErrorHandler(IGNORE_ERRORS)
     connection = library.XOpenDisplay(os.environ["DISPLAY"].encode())
     message = _ClientMessage(type=CLIENT_MESSAGE, window=int(window), format=32,
                              message_type=library.XInternAtom(connection, b"WM_PROTOCOLS", False))
