@@ -144,7 +144,7 @@ void LabPrograms::onToolEnded()
     } else {
         toolEnd_ = tr("it ended with status %1").arg(tool_.exitCode());
     }
-    Q_EMIT changed();
+    Q_EMIT changed(); // NOLINT(readability-misleading-indentation): the macro is empty
 }
 
 QString LabPrograms::statusText() const

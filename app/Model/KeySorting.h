@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <compare>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -25,7 +26,7 @@ inline void sortBySerial(std::vector<YubiKey>& keys)
 inline void sortByAccount(std::vector<UserSetting>& users)
 {
     std::stable_sort(users.begin(), users.end(), [](const UserSetting& left, const UserSetting& right) {
-        return compareCanonically(left.account, right.account) < 0;
+        return std::is_lt(compareCanonically(left.account, right.account));
     });
 }
 
@@ -42,7 +43,7 @@ inline void sortRows(std::vector<UserKeyModel>& rows)
 {
     std::stable_sort(rows.begin(), rows.end(), [](const UserKeyModel& left, const UserKeyModel& right) {
         const auto order = compareCanonically(left.account(), right.account());
-        return order != 0 ? order < 0 : left.serialUInt() < right.serialUInt();
+        return std::is_neq(order) ? std::is_lt(order) : left.serialUInt() < right.serialUInt();
     });
 }
 

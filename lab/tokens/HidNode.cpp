@@ -100,7 +100,7 @@ HidNode::Requests::Requests(TokenBed& bed, std::string deviceNode, std::chrono::
     state_->handler = std::move(handler);
     number_ = enter(state_);
     g_signal_connect(base_.get(), "handle-ioctl", G_CALLBACK(&Requests::onRequest),
-                     reinterpret_cast<gpointer>(number_));
+                     reinterpret_cast<gpointer>(number_)); // NOLINT(performance-no-int-to-ptr): never followed
     GError* error = nullptr;
     if (!umockdev_testbed_attach_ioctl(bed_.handle(), deviceNode_.c_str(), base_.get(), &error)) {
         const std::string message = error->message;

@@ -113,6 +113,7 @@ class NSArrayController : public NSArrayControllerBase
     static std::vector<QString> titlesOf(const std::vector<Column>& columns)
     {
         std::vector<QString> titles;
+        titles.reserve(columns.size());
         for (const Column& column : columns)
             titles.push_back(column.title);
         return titles;

@@ -13,15 +13,16 @@ DispatchQueue& DispatchQueue::main()
 
 void DispatchQueue::attach(Work wake)
 {
-    bool hasPending = false;
+    Work wakeNow;
     {
         const std::lock_guard lock(mutex_);
         mainThread_ = std::this_thread::get_id();
-        wake_ = wake;
-        hasPending = !pending_.empty();
+        wake_ = std::move(wake);
+        if (!pending_.empty())
+            wakeNow = wake_;
     }
-    if (hasPending && wake)
-        wake();
+    if (wakeNow)
+        wakeNow();
 }
 
 void DispatchQueue::async(Work work)

@@ -73,7 +73,7 @@ UserIdRange userIdRange(std::string_view loginDefs)
 
 std::vector<Identity> queryUserIdentities()
 {
-    constexpr std::size_t loginDefsLimit = 1024 * 1024;
+    constexpr std::size_t loginDefsLimit = 1 << 20;
     std::error_code error;
     const UserIdRange range = userIdRange(readFile("/etc/login.defs", loginDefsLimit, error).value_or(""));
 

@@ -46,7 +46,7 @@ std::string prettyName(std::string_view osRelease)
 
 std::string ProcessInfo::operatingSystemVersionString()
 {
-    constexpr std::size_t limit = 64 * 1024;
+    constexpr std::size_t limit = 1 << 16;
     std::error_code error;
     for (const char* const path : {"/etc/os-release", "/usr/lib/os-release"}) {
         const auto text = readFile(path, limit, error);

@@ -12,6 +12,7 @@ struct OperatingSystemVersion
     int minor = 0;
     int patch = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): takes the zero of the comparison that it makes for a pointer
     auto operator<=>(const OperatingSystemVersion&) const = default;
 };
 

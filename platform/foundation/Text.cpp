@@ -71,7 +71,7 @@ std::string canonicallyNormalised(std::string_view text)
 
 bool isCanonicallyEqual(std::string_view left, std::string_view right)
 {
-    return compareCanonically(left, right) == 0;
+    return std::is_eq(compareCanonically(left, right));
 }
 
 std::strong_ordering compareCanonically(std::string_view left, std::string_view right)

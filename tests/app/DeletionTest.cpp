@@ -16,7 +16,6 @@
 namespace vantro::tests {
 namespace {
 
-using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 

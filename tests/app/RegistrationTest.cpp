@@ -249,7 +249,7 @@ TEST_P(Registration, ATokenThatIsPulledOutMeanwhile)
         plugIn(5);
         service->forgetCalls();
         service->script("CreateCRSettingFile", {answer});
-        const auto dialog = open();
+        auto dialog = open();
         std::thread monitor([&] {
             EXPECT_TRUE(waitUntil([&] { return !service->methods().empty(); }));
             postDisconnected();
@@ -378,7 +378,7 @@ TEST_F(AppFixture, AnAdministratorKeyUnlocksItsSwitch)
     plugIn(300);
     auto& list = page<AdminViewContorller>("Admin");
     EXPECT_FALSE(list.adminModel.authCheckButtonModel.isEnabled());
-    for (const std::uint64_t serial : {300, 100, 200}) {
+    for (const std::uint64_t serial : {300U, 100U, 200U}) {
         plugIn(serial);
         const auto dialog = present<RegistrationKeyViewController>(list, list.registerButton);
         QTest::mouseClick(dialog->OKButton, Qt::LeftButton);

@@ -16,7 +16,6 @@ namespace vantro::tests {
 namespace {
 
 using testing::Contains;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 

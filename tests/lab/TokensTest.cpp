@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -75,7 +76,7 @@ class HidrawClient
         frame[66] = static_cast<std::uint8_t>(checksum >> 8U);
         for (std::uint8_t chunk = 0; chunk < 10; ++chunk) {
             OtpApplication::Report report{};
-            std::copy_n(frame.begin() + chunk * 7, 7, report.begin());
+            std::copy_n(frame.begin() + std::ptrdiff_t{chunk} * 7, 7, report.begin());
             report[7] = static_cast<std::uint8_t>(0x80U | chunk);
             if (!write(report)) {
                 return false;

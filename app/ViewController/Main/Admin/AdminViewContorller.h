@@ -19,7 +19,7 @@ class AdminViewContorller : public KeyListViewController
     AdminViewContorller();
 
     /// The controller of the table's rows; once the view is loaded.
-    NSArrayController<Row>& arrayController() { return *adminKeyArrayController; }
+    [[nodiscard]] NSArrayController<Row>& arrayController() const { return *adminKeyArrayController; }
 
     /// Action of the check box, whose new state the model holds already; `sender` is not used.
     void onChangeToolLoginAuthButton(QObject* sender);

@@ -18,7 +18,7 @@ class MasterKeyViewController : public KeyListViewController
     MasterKeyViewController();
 
     /// The controller of the table's rows; once the view is loaded.
-    NSArrayController<Row>& arrayController() { return *masterKeyArrayController; }
+    [[nodiscard]] NSArrayController<Row>& arrayController() const { return *masterKeyArrayController; }
 
     QPointer<QTableView> masterKeyTable;
     KeyValueArray<MasterKeyModel> masterKeyModels;

@@ -18,7 +18,7 @@ class UserViewController : public KeyListViewController
     UserViewController();
 
     /// The controller of the table's rows; once the view is loaded.
-    NSArrayController<Row>& arrayController() { return *allocatedKeysArrayController; }
+    [[nodiscard]] NSArrayController<Row>& arrayController() const { return *allocatedKeysArrayController; }
 
     QPointer<QTableView> allocatedKeyTable;
     KeyValueArray<UserKeyModel> userKeyModels;
