@@ -8,6 +8,10 @@ if(VANTRO_SANITIZE)
         -fsanitize=${VANTRO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(vantro_build_options INTERFACE -fsanitize=${VANTRO_SANITIZE})
 endif()
+if(VANTRO_SANITIZE MATCHES "thread")
+    target_sources(vantro_build_options INTERFACE
+        $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:${CMAKE_CURRENT_LIST_DIR}/ThreadSanitizer.cpp>)
+endif()
 
 if(VANTRO_FUZZ)
     target_compile_options(vantro_build_options INTERFACE -fsanitize=fuzzer-no-link)
