@@ -23,7 +23,7 @@ module that takes part in signing in is not part of it.")
 # What the programs link is found out; what they load, and what the maintainer scripts call, is named.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "default-dbus-system-bus | dbus-system-bus, libqt6svg6, systemd | systemd-standalone-tmpfiles")
+    "default-dbus-system-bus | dbus-system-bus, systemd | systemd-standalone-tmpfiles")
 # The toolkit's own texts in other languages than English, and windows without X.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n, qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

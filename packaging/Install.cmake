@@ -13,7 +13,6 @@ configure_file(${name}.service.in ${made}/activation/${name}.service @ONLY)
 configure_file(${name}.unit.in ${made}/unit/${name}.service @ONLY)
 configure_file(${name}.metainfo.xml.in ${made}/${name}.metainfo.xml @ONLY)
 configure_file(${name}.tmpfiles ${made}/tmpfiles/${name}.conf COPYONLY)
-configure_file(icons/${name}-16.svg ${made}/16x16/${name}.svg COPYONLY)
 
 # vantro_compress(FILE NAME): packs a text the same way each time.
 function(vantro_compress file packed)
@@ -41,7 +40,11 @@ install(FILES ${made}/tmpfiles/${name}.conf DESTINATION lib/tmpfiles.d)
 install(FILES ${name}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${made}/${name}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES icons/${name}.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
-install(FILES ${made}/16x16/${name}.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/16x16/apps)
+# Those of pixels are made from the drawings beside them, as by "rsvg-convert --width 48".
+foreach(size IN ITEMS 16 48 128)
+    install(FILES icons/${name}-${size}.png
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps RENAME ${name}.png)
+endforeach()
 install(FILES ${made}/vantro-standalone.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${made}/vantro-standalone-service.8.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
 install(FILES debian/copyright ${made}/changelog.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vantro-standalone)

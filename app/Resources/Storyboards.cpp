@@ -78,8 +78,8 @@ MainStoryboard applicationStoryboard()
             .makeInitialController = [] { return mainStoryboard().instantiateController("TabViewController"); },
             .stringTables = QStringLiteral(":/strings"),
             .desktopName = QStringLiteral("com.vantro.Standalone1"),
-            .icons = {QStringLiteral(":/icons/com.vantro.Standalone1.svg"),
-                      QStringLiteral(":/icons/com.vantro.Standalone1-16.svg")}};
+            .icons = {QStringLiteral(":/icons/com.vantro.Standalone1-16.png"),
+                      QStringLiteral(":/icons/com.vantro.Standalone1-48.png")}};
 }
 
 } // namespace vantro
