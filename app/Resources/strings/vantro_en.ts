@@ -25,7 +25,7 @@
     </message>
     <message>
         <source>no_registration_yubiKey</source>
-        <translation>After this deletion no token opens an account any more, and forced token logon will be switched off.</translation>
+        <translation>After this deletion no token opens an account any more, and a token is no longer demanded at sign-in.</translation>
     </message>
     <message>
         <source>cr_failure_alert</source>
@@ -35,7 +35,7 @@ Check that the token is plugged in and that one of its slots is programmed for c
     </message>
     <message>
         <source>unexpected_change_setting</source>
-        <translation>The settings could not be read, because the settings document was changed or damaged outside this tool. They were reset: no token is registered any more, and forced token logon is off. The damaged document was kept beside the new one, with ".invalid" at the end of its name.</translation>
+        <translation>The settings could not be read, because the settings document was changed or damaged outside this tool. They were reset: no token is registered any more, and none is demanded at sign-in. The damaged document was kept beside the new one, with ".invalid" at the end of its name.</translation>
     </message>
     <message>
         <source>install_after_alert_message</source>
@@ -504,7 +504,7 @@ Close the tool, have root see to it that your account may write to the document'
     </message>
     <message>
         <source>reset_failed</source>
-        <translation>The last token was deleted, but forced token logon could not be switched off. Register a token again, or check that the Vantro Standalone service is installed and that you are an administrator.</translation>
+        <translation>The last token was deleted, but a token is still demanded at sign-in, since that could not be switched off. Register a token again, or check that the Vantro Standalone service is installed and that you are an administrator.</translation>
     </message>
 </context>
 <context>
