@@ -35,7 +35,7 @@ Prüfen Sie, ob das Token angeschlossen ist und ob einer seiner Slots für Chall
     </message>
     <message>
         <source>unexpected_change_setting</source>
-        <translation>Die Einstellungen konnten nicht gelesen werden, weil die Einstellungsdatei außerhalb dieses Programms geändert oder beschädigt wurde. Sie wurden zurückgesetzt: Es ist kein Token mehr registriert, und die Token-Pflicht ist ausgeschaltet. Die beschädigte Datei wurde neben der neuen aufbewahrt; ihr Name endet auf „.invalid“.</translation>
+        <translation>Die Einstellungen konnten nicht gelesen werden, weil die Einstellungsdatei außerhalb dieses Programms geändert oder beschädigt wurde. Sie wurden zurückgesetzt: Es ist kein Token mehr registriert, und der Dienst wurde angewiesen, bei der Anmeldung keines mehr zu verlangen. Probieren Sie eine zweite Anmeldung aus, bevor Sie sich abmelden. Die beschädigte Datei wurde neben der neuen aufbewahrt; ihr Name endet auf „.invalid“.</translation>
     </message>
     <message>
         <source>install_after_alert_message</source>

@@ -35,7 +35,7 @@ Check that the token is plugged in and that one of its slots is programmed for c
     </message>
     <message>
         <source>unexpected_change_setting</source>
-        <translation>The settings could not be read, because the settings document was changed or damaged outside this tool. They were reset: no token is registered any more, and none is demanded at sign-in. The damaged document was kept beside the new one, with ".invalid" at the end of its name.</translation>
+        <translation>The settings could not be read, because the settings document was changed or damaged outside this tool. They were reset: no token is registered any more, and the service was asked to demand none at sign-in. Before you sign out, try a second sign-in. The damaged document was kept beside the new one, with ".invalid" at the end of its name.</translation>
     </message>
     <message>
         <source>install_after_alert_message</source>

@@ -35,7 +35,7 @@
     </message>
     <message>
         <source>unexpected_change_setting</source>
-        <translation>設定ファイルがこのツールの外部で変更されたか破損したため、設定を読み込めませんでした。設定はリセットされ、登録されたトークンはなくなり、トークンの必須設定はオフになりました。破損したファイルは、名前の末尾に「.invalid」を付けて新しいファイルと同じ場所に残してあります。</translation>
+        <translation>設定ファイルがこのツールの外部で変更されたか破損したため、設定を読み込めませんでした。設定はリセットされ、登録されたトークンはなくなり、サインイン時にトークンを求めないようサービスに要求しました。サインアウトする前に、別のセッションでサインインできることを確認してください。破損したファイルは、名前の末尾に「.invalid」を付けて新しいファイルと同じ場所に残してあります。</translation>
     </message>
     <message>
         <source>install_after_alert_message</source>
