@@ -3,7 +3,10 @@
 import hashlib
 import shutil
 import subprocess
+import time
 from pathlib import Path
+
+PATIENCE_SECONDS = 60
 
 
 def run(*command, **options):
@@ -14,6 +17,16 @@ def run(*command, **options):
     return ran.stdout
 
 
+def wait_for(what, condition, limit=PATIENCE_SECONDS):
+    """Waits until the condition answers something that counts as true, and answers that."""
+    end = time.monotonic() + limit
+    while not (answer := condition()):
+        if time.monotonic() > end:
+            raise RuntimeError(f"this does not come true: {what}")
+        time.sleep(0.05)
+    return answer
+
+
 class DebianTree:
     """To be used in a mount and process namespace of its own, by root: what is mounted and started ends with that."""
 
@@ -21,6 +34,9 @@ class DebianTree:
         """Unpacks a tree with these packages below the folder. The packed tree is kept there for the next time."""
         folder.mkdir(parents=True, exist_ok=True)
         self.root = folder / "tree"
+        self._log = folder / "boot.log"
+        self._enter = ["chroot", self.root]
+        self._container = None
         release = self._release()
         key = hashlib.sha256(" ".join([release, *packages]).encode()).hexdigest()[:16]
         packed = folder / f"base-{key}.tar"
@@ -29,7 +45,6 @@ class DebianTree:
         if packed.exists():
             self.root.mkdir()
             run("tar", "-xpf", packed, "--numeric-owner", "-C", self.root)
-            self._mount()
             return
         print(f"Making a Debian tree ({release}); the next time it is there.", flush=True)
         run("debootstrap", "--variant=minbase", release, self.root, self._mirror())
@@ -37,10 +52,11 @@ class DebianTree:
         self._mount()
         self.apt("update")
         self.apt("install", *packages)
+        self._unmount()
         for old in folder.glob("base-*.tar*"):
             old.unlink()
         making = packed.with_suffix(".tar.new")
-        run("tar", "-cpf", making, "--numeric-owner", "--one-file-system", "-C", self.root, ".")
+        run("tar", "-cpf", making, "--numeric-owner", "-C", self.root, ".")
         making.rename(packed)
 
     @staticmethod
@@ -73,11 +89,37 @@ class DebianTree:
         for name in ("dev", "sys"):
             run("mount", "--rbind", f"/{name}", self.root / name)
 
+    def _unmount(self):
+        run("umount", "--recursive", self.root)
+
+    def start_bus(self):
+        """Starts the system's bus and nothing else; the bus itself starts services."""
+        self._mount()
+        self.path("/run/dbus").mkdir(exist_ok=True)
+        self.must("dbus-daemon", "--system", "--fork")
+
+    def boot(self):
+        """Starts the tree as a container with systemd as its first process."""
+        with open(self._log, "w", encoding="utf-8") as log:
+            self._container = subprocess.Popen(
+                ["systemd-nspawn", "--register=no", "--keep-unit", "--directory", self.root, "--boot"],
+                stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT)
+        children = Path(f"/proc/{self._container.pid}/task/{self._container.pid}/children")
+        first = wait_for(f"the container starts ({self._log})", lambda: children.read_text(encoding="ascii").split())[0]
+        self._enter = ["nsenter", f"--target={first}", "--mount", "--uts", "--ipc", "--pid", "--root", "--wd"]
+        wait_for(f"systemd comes up ({self._log})", lambda: self.run("systemctl", "is-system-running")[1].strip() == "running")
+
+    def stop(self):
+        """Ends the container, if there is one."""
+        if self._container is not None:
+            self._container.terminate()
+            self._container.wait(PATIENCE_SECONDS)
+
     def run(self, *command, user="root", environment=None):
         """A program of the tree, as one of its users; its exit status and what it says."""
         variables = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", **(environment or {})}
         as_user = ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups"]
-        ran = subprocess.run(["chroot", self.root, *as_user, *command], env=variables, text=True,
+        ran = subprocess.run([*self._enter, *as_user, *command], env=variables, text=True,
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
         return ran.returncode, ran.stdout
 

@@ -3,18 +3,17 @@ and as somebody else does."""
 
 import subprocess
 import sys
-import time
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "lab" / "tour"))
 
 from desktop import Desktop  # noqa: E402
+from debian_tree import PATIENCE_SECONDS, wait_for  # noqa: E402
 from words import LANGUAGES  # noqa: E402
 
 # What a desktop brings along: fonts, the toolkit's texts in other languages, a theme.
 TOOLS_FOR_PICTURES = ["fonts-dejavu-core", "fonts-vlgothic", "qt6-translations-l10n", "qt6ct"]
 TOOL = "vantro-standalone"
-PATIENCE_SECONDS = 30
 
 
 def ask(desktop, *command):
@@ -23,26 +22,19 @@ def ask(desktop, *command):
 
 def wait_for_window_manager(desktop):
     """A window that is mapped while the window manager starts may stay unmapped."""
-    limit = time.monotonic() + PATIENCE_SECONDS
-    while "EWMH" in (said := ask(desktop, "sh", "-c", "xdotool get_desktop 2>&1")) or not said.strip().isdigit():
-        if time.monotonic() > limit:
-            raise RuntimeError(f"the window manager does not come up: {said}")
-        time.sleep(0.05)
+    wait_for("the window manager comes up", lambda: ask(desktop, "xdotool", "get_desktop").strip().isdigit())
 
 
 def steady_picture(desktop, file):
     """Saves what the display shows once it shows the same twice."""
-    limit = time.monotonic() + PATIENCE_SECONDS
-    before = None
-    while True:
+    seen = []
+
+    def is_steady():
         desktop.screenshot(file)
-        now = ask(desktop, "identify", "-format", "%#", file)
-        if now == before:
-            return
-        if time.monotonic() > limit:
-            raise RuntimeError(f"the display does not come to rest: {file}")
-        before = now
-        time.sleep(0.3)
+        seen.append(ask(desktop, "identify", "-format", "%#", file))
+        return seen[-1] in seen[-2:-1]
+
+    wait_for(f"the display comes to rest: {file}", is_steady)
 
 
 def windows(desktop):
@@ -51,11 +43,13 @@ def windows(desktop):
 
 def wait_for_window(desktop, tool, known=()):
     """Gives a window of the tool that is none of the known ones the keyboard, and answers all that there are."""
-    limit = time.monotonic() + PATIENCE_SECONDS
-    while not (there := windows(desktop)) or set(there) & set(known):
-        if tool.poll() is not None or time.monotonic() > limit:
+    def new_ones():
+        if tool.poll() is not None:
             raise RuntimeError("the installed tool shows no window")
-        time.sleep(0.05)
+        there = windows(desktop)
+        return [] if set(there) & set(known) else there
+
+    there = wait_for("the installed tool shows a window", new_ones)
     ask(desktop, "xdotool", "windowactivate", "--sync", there[-1])
     return there
 
