@@ -24,6 +24,7 @@ general="Sans,{points}"
 fixed="Monospace,{points}"
 """
 PLAIN_POINTS = 9
+START_LIMIT_SECONDS = 30
 
 _libc = ctypes.CDLL(None, use_errno=True)
 
@@ -53,7 +54,7 @@ class Desktop:
         try:
             self._start_display()
             self._start_session_bus()
-            self.start(["openbox", "--sm-disable"])
+            self._start_window_manager()
             self.start(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately", "--a11y=1"])
         except BaseException:
             self.__exit__(None, None, None)
@@ -130,6 +131,16 @@ class Desktop:
         if not number:
             raise RuntimeError("Xvfb did not start")
         self.environment["DISPLAY"] = ":" + number
+
+    def _start_window_manager(self):
+        # What is shown while it starts may never appear, so it is waited for: it runs a command once it is up.
+        up = Path(self._runtime_folder, "window-manager-is-up")
+        manager = self.start(["openbox", "--sm-disable", "--startup", f"touch {up}"])
+        end = time.monotonic() + START_LIMIT_SECONDS
+        while not up.exists():
+            if manager.poll() is not None or time.monotonic() > end:
+                raise RuntimeError("the window manager did not start")
+            time.sleep(0.02)
 
     def _start_session_bus(self):
         bus = self.start(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog", "--print-address=1"],

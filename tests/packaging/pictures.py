@@ -20,11 +20,6 @@ def ask(desktop, *command):
     return subprocess.run(command, env=desktop.environment, capture_output=True, text=True, check=False).stdout
 
 
-def wait_for_window_manager(desktop):
-    """A window that is mapped while the window manager starts may stay unmapped."""
-    wait_for("the window manager comes up", lambda: ask(desktop, "xdotool", "get_desktop").strip().isdigit())
-
-
 def steady_picture(desktop, file):
     """Saves what the display shows once it shows the same twice."""
     seen = []
@@ -60,7 +55,6 @@ def start_tool(desktop, tree, user):
     desktop.configure_theme(tree.path(f"/home/{user}/.config"))
     tree.must("chown", "-R", f"{user}:{user}", f"/home/{user}")
     as_user = ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups"]
-    wait_for_window_manager(desktop)
     return desktop.start(["chroot", str(tree.root), *as_user, "env", "-i", f"HOME=/home/{user}", "PATH=/usr/bin", *variables,
                           TOOL])
 
