@@ -1,7 +1,6 @@
 """Reads and works windows as a screen reader does, through AT-SPI. To be imported when the environment names a session
 bus whose accessibility bus is running."""
 
-import time
 import warnings
 
 import gi
@@ -9,34 +8,26 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
+import waiting  # noqa: E402
+
 # The binding calls an action's name by one that it also deprecates; the other would be the element's name.
 warnings.filterwarnings("ignore", category=DeprecationWarning, module=__name__)
 
 # A program that waits for the service answers nothing meanwhile; the tool's longest wait is 20 seconds.
 CALL_LIMIT_MS = 25000
-POLL_SECONDS = 0.05
 
 Atspi.init()
 Atspi.set_timeout(CALL_LIMIT_MS, CALL_LIMIT_MS)
 
 
-class NotSo(Exception):
-    """Something did not come true within its limit."""
-
-
 def wait_for(what, condition, limit=15):
     """Waits until the condition answers something that counts as true, and answers that."""
-    end = time.monotonic() + limit
-    while True:
+    def answer():
         try:
-            answer = condition()
+            return condition()
         except GLib.Error:  # the element has gone while it was read
-            answer = None
-        if answer:
-            return answer
-        if time.monotonic() > end:
-            raise NotSo(what)
-        time.sleep(POLL_SECONDS)
+            return None
+    return waiting.wait_for(what, answer, limit)
 
 
 class Element:

@@ -9,6 +9,8 @@ import tempfile
 import time
 from pathlib import Path
 
+from waiting import wait_for
+
 PR_SET_PDEATHSIG = 1
 PR_SET_CHILD_SUBREAPER = 36
 
@@ -136,11 +138,9 @@ class Desktop:
         # What is shown while it starts may never appear, so it is waited for: it runs a command once it is up.
         up = Path(self._runtime_folder, "window-manager-is-up")
         manager = self.start(["openbox", "--sm-disable", "--startup", f"touch {up}"])
-        end = time.monotonic() + START_LIMIT_SECONDS
-        while not up.exists():
-            if manager.poll() is not None or time.monotonic() > end:
-                raise RuntimeError("the window manager did not start")
-            time.sleep(0.02)
+        wait_for("the window manager is up", lambda: up.exists() or manager.poll() is not None, START_LIMIT_SECONDS)
+        if not up.exists():
+            raise RuntimeError("the window manager did not start")
 
     def _start_session_bus(self):
         bus = self.start(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog", "--print-address=1"],

@@ -3,8 +3,12 @@
 import hashlib
 import shutil
 import subprocess
-import time
+import sys
 from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "lab" / "tour"))
+
+from waiting import wait_for  # noqa: E402
 
 PATIENCE_SECONDS = 60
 
@@ -15,16 +19,6 @@ def run(*command, **options):
     if ran.returncode != 0:
         raise RuntimeError(f"{' '.join(map(str, command))}\n{ran.stdout}")
     return ran.stdout
-
-
-def wait_for(what, condition, limit=PATIENCE_SECONDS):
-    """Waits until the condition answers something that counts as true, and answers that."""
-    end = time.monotonic() + limit
-    while not (answer := condition()):
-        if time.monotonic() > end:
-            raise RuntimeError(f"this does not come true: {what}")
-        time.sleep(0.05)
-    return answer
 
 
 class DebianTree:
@@ -105,9 +99,11 @@ class DebianTree:
                 ["systemd-nspawn", "--register=no", "--keep-unit", "--directory", self.root, "--boot"],
                 stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT)
         children = Path(f"/proc/{self._container.pid}/task/{self._container.pid}/children")
-        first = wait_for(f"the container starts ({self._log})", lambda: children.read_text(encoding="ascii").split())[0]
+        first = wait_for(f"the container starts ({self._log})", lambda: children.read_text(encoding="ascii").split(),
+                         PATIENCE_SECONDS)[0]
         self._enter = ["nsenter", f"--target={first}", "--mount", "--uts", "--ipc", "--pid", "--root", "--wd"]
-        wait_for(f"systemd comes up ({self._log})", lambda: self.run("systemctl", "is-system-running")[1].strip() == "running")
+        wait_for(f"systemd comes up ({self._log})",
+                 lambda: self.run("systemctl", "is-system-running")[1].strip() == "running", PATIENCE_SECONDS)
 
     def stop(self):
         """Ends the container, if there is one."""

@@ -7,8 +7,9 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "lab" / "tour"))
 
+from debian_tree import PATIENCE_SECONDS  # noqa: E402
 from desktop import Desktop  # noqa: E402
-from debian_tree import PATIENCE_SECONDS, wait_for  # noqa: E402
+from waiting import wait_for  # noqa: E402
 from words import LANGUAGES  # noqa: E402
 
 # What a desktop brings along: fonts, the toolkit's texts in other languages, a theme.
@@ -29,7 +30,7 @@ def steady_picture(desktop, file):
         seen.append(ask(desktop, "identify", "-format", "%#", file))
         return seen[-1] in seen[-2:-1]
 
-    wait_for(f"the display comes to rest: {file}", is_steady)
+    wait_for(f"the display comes to rest: {file}", is_steady, PATIENCE_SECONDS)
 
 
 def windows(desktop):
@@ -44,7 +45,7 @@ def wait_for_window(desktop, tool, known=()):
         there = windows(desktop)
         return [] if set(there) & set(known) else there
 
-    there = wait_for("the installed tool shows a window", new_ones)
+    there = wait_for("the installed tool shows a window", new_ones, PATIENCE_SECONDS)
     ask(desktop, "xdotool", "windowactivate", "--sync", there[-1])
     return there
 
