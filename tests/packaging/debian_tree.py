@@ -41,7 +41,7 @@ class DebianTree:
             run("tar", "-xpf", packed, "--numeric-owner", "-C", self.root)
             return
         print(f"Making a Debian tree ({release}); the next time it is there.", flush=True)
-        run("debootstrap", "--variant=minbase", release, self.root, self._mirror())
+        run("debootstrap", "--variant=minbase", release, self.root, *self._mirror())
         self._take_over_apt()
         self._mount()
         self.apt("update")
@@ -60,10 +60,9 @@ class DebianTree:
 
     @staticmethod
     def _mirror():
-        """Where this machine's apt has its own packages from."""
+        """Where this machine's apt has its own packages from; nothing where that is not known, and debootstrap chooses."""
         sites = run("apt-get", "indextargets", "--format", "$(SITE) $(CODENAME)", "Created-By: Packages").splitlines()
-        own = (site.split()[0] for site in sites if site.endswith(" " + DebianTree._release()))
-        return next(own, "http://deb.debian.org/debian")
+        return [site.split()[0] for site in sites if site.endswith(" " + DebianTree._release())][:1]
 
     def _take_over_apt(self):
         """So that the tree reaches packages in the way that this machine does."""
