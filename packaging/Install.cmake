@@ -2,7 +2,6 @@
 # an installation outside /usr takes part in none of them.
 set(name com.vantro.Standalone1)
 set(made ${CMAKE_CURRENT_BINARY_DIR}/installed)
-set(manuals vantro-standalone.1 vantro-standalone-service.8)
 
 set(VANTRO_SETTINGS_FOLDER /var/lib/vantro-standalone/settings)
 set(VANTRO_RECORDS_FOLDER /var/lib/vantro-standalone/challenge-response)
@@ -14,18 +13,14 @@ configure_file(${name}.unit.in ${made}/unit/${name}.service @ONLY)
 configure_file(${name}.metainfo.xml.in ${made}/${name}.metainfo.xml @ONLY)
 configure_file(${name}.tmpfiles ${made}/tmpfiles/${name}.conf COPYONLY)
 
-# vantro_compress(FILE NAME): packs a text the same way each time.
-function(vantro_compress file packed)
+foreach(text IN ITEMS man/vantro-standalone.1 man/vantro-standalone-service.8 debian/changelog)
+    get_filename_component(packed ${made}/${text}.gz NAME)
+    # Without name and time, so that the same text is packed in the same way each time.
     add_custom_command(OUTPUT ${made}/${packed}
-        COMMAND gzip -9nc ${CMAKE_CURRENT_SOURCE_DIR}/${file} > ${made}/${packed}
-        DEPENDS ${file} VERBATIM)
-    set_property(GLOBAL APPEND PROPERTY VANTRO_COMPRESSED ${made}/${packed})
-endfunction()
-foreach(manual IN LISTS manuals)
-    vantro_compress(man/${manual} ${manual}.gz)
+        COMMAND gzip -9nc ${CMAKE_CURRENT_SOURCE_DIR}/${text} > ${made}/${packed}
+        DEPENDS ${text} VERBATIM)
+    list(APPEND compressed ${made}/${packed})
 endforeach()
-vantro_compress(debian/changelog changelog.gz)
-get_property(compressed GLOBAL PROPERTY VANTRO_COMPRESSED)
 add_custom_target(compressed_documents ALL DEPENDS ${compressed})
 
 install(TARGETS vantro-standalone RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
