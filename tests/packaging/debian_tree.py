@@ -110,11 +110,14 @@ class DebianTree:
             self._container.terminate()
             self._container.wait(PATIENCE_SECONDS)
 
+    def command(self, *command, user):
+        """The words by which this machine starts a program of the tree as one of its users."""
+        return [*self._enter, "setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups", *command]
+
     def run(self, *command, user="root", environment=None):
         """A program of the tree, as one of its users; its exit status and what it says."""
         variables = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", **(environment or {})}
-        as_user = ["setpriv", f"--reuid={user}", f"--regid={user}", "--init-groups"]
-        ran = subprocess.run([*self._enter, *as_user, *command], env=variables, text=True,
+        ran = subprocess.run(self.command(*command, user=user), env=variables, text=True,
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
         return ran.returncode, ran.stdout
 
