@@ -79,11 +79,13 @@ std::error_code replaceFile(const std::filesystem::path& path, std::string_view 
     return ::fsync(folder.get()) == 0 ? std::error_code() : lastError();
 }
 
-std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit, std::error_code& error)
+std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit, std::error_code& error,
+                                    Links links)
 {
     error.clear();
     // O_NONBLOCK keeps a pipe that lies there from holding up the caller.
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | (links == Links::Refuse ? O_NOFOLLOW : 0);
+    const FileDescriptor file(::open(path.c_str(), flags));
     struct stat status = {};
     if (!file || ::fstat(file.get(), &status) != 0) {
         error = lastError();

@@ -27,9 +27,17 @@ struct ReplacementOptions
 [[nodiscard]] std::error_code replaceFile(const std::filesystem::path& path, std::string_view content,
                                           const ReplacementOptions& options);
 
+/// Whether the last name of a path may be a symbolic link.
+enum class Links
+{
+    Follow,
+    Refuse
+};
+
 /// The bytes of a regular file, at most `limit` of them. Fails for a missing or unreadable file, for anything that is
-/// no regular file (std::errc::not_supported) and for one that is larger (std::errc::file_too_large).
+/// no regular file (std::errc::not_supported), for one that is larger (std::errc::file_too_large), and for a symbolic
+/// link that is not to be followed (std::errc::too_many_symbolic_link_levels).
 [[nodiscard]] std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit,
-                                                  std::error_code& error);
+                                                  std::error_code& error, Links links = Links::Follow);
 
 } // namespace vantro
