@@ -47,8 +47,20 @@ std::optional<FileFailure> ownFailure(const std::filesystem::path& path, const s
 
 FileFailure systemFailure(const std::filesystem::path& path, int error)
 {
-    const Kind kind = error == ENOENT ? Kind::Missing : error == ELOOP ? Kind::SymbolicLink : Kind::SystemError;
-    return failure(kind, path, "can't be used: " + std::generic_category().message(error) + ".");
+    const auto told = [&path, error](Kind kind) {
+        return failure(kind, path, "can't be used: " + std::generic_category().message(error) + ".");
+    };
+    switch (error) {
+    case ENOENT:
+        return told(Kind::Missing);
+    case ELOOP:
+        return told(Kind::SymbolicLink);
+    case ENOSPC:
+    case EDQUOT:
+        return told(Kind::DiskFull);
+    default:
+        return told(Kind::SystemError);
+    }
 }
 
 std::optional<FileFailure> folderFailure(const std::filesystem::path& folder, mode_t forbidden)

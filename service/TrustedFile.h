@@ -23,6 +23,7 @@ struct FileFailure
         LooseMode,
         TooLarge,
         BadContent,
+        DiskFull,
         SystemError
     };
 
