@@ -1,18 +1,17 @@
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
 
 #include <sys/types.h>
 
+#include "support/BusDaemon.h"
 #include "support/ServicePrefix.h"
-#include "support/TemporaryFolder.h"
 
 namespace vantro::tests {
 
 /// A system bus of the test's own, with the rules of the machine's one and the policy file that the packages install;
-/// it starts the service of a prefix when somebody calls it. DBUS_SYSTEM_BUS_ADDRESS of this process names the bus.
+/// it starts the service of a prefix when somebody calls it.
 class PrivateBus
 {
   public:
@@ -31,10 +30,10 @@ class PrivateBus
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
 
-    [[nodiscard]] const std::string& address() const { return address_; }
+    [[nodiscard]] const std::string& address() const { return daemon_.address(); }
 
     /// What the service wrote to its log so far.
-    [[nodiscard]] std::string log() const;
+    [[nodiscard]] std::string log() const { return daemon_.log(); }
 
     /// The process id of the running service.
     [[nodiscard]] std::optional<pid_t> servicePid() const;
@@ -46,11 +45,7 @@ class PrivateBus
     std::optional<int> endBus();
 
   private:
-    void writeConfiguration(const ServicePrefix& prefix, Policy policy) const;
-
-    TemporaryFolder temporary_;
-    std::string address_;
-    pid_t daemon_ = -1;
+    BusDaemon daemon_;
 };
 
 } // namespace vantro::tests
