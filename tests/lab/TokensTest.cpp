@@ -6,8 +6,10 @@
 #include <cstddef>
 #include <cstring>
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,100 +26,49 @@
 #include <unistd.h>
 
 #include "foundation/FileDescriptor.h"
+#include "service/OtpExchange.h"
+#include "support/WaitUntil.h"
 #include "tokens/Preload.h"
 #include "tokens/TokenBed.h"
 #include "tokens/VirtualToken.h"
 
 using namespace std::chrono_literals;
 using vantro::FileDescriptor;
+using namespace vantro::service;
 using namespace vantro::lab;
 
 namespace {
 
 constexpr SlotKey firstKey{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20};
 constexpr SlotKey secondKey{0xff, 0xee};
-constexpr std::uint8_t answerFlag = 0x40;
-constexpr std::uint8_t touchFlag = 0x20;
 
-/// The host's end of the protocol, no more than these tests need.
-class HidrawClient
+Limit within(Limit::Clock::duration duration)
 {
-  public:
-    explicit HidrawClient(const std::string& node) : file_(::open(node.c_str(), O_RDWR | O_CLOEXEC)) {}
+    return {Limit::Clock::now() + duration, {}};
+}
 
-    [[nodiscard]] bool isOpen() const { return bool(file_); }
-
-    /// The 8 bytes of a feature report; nothing, with errno set, when the device refuses.
-    [[nodiscard]] std::optional<OtpApplication::Report> read() const
-    {
-        std::array<std::uint8_t, 9> buffer{};
-        if (::ioctl(file_.get(), HIDIOCGFEATURE(9), buffer.data()) < 0) {
-            return std::nullopt;
-        }
-        OtpApplication::Report report{};
-        std::copy(buffer.begin() + 1, buffer.end(), report.begin());
-        return report;
-    }
-
-    [[nodiscard]] bool write(const OtpApplication::Report& report) const
-    {
-        std::array<std::uint8_t, 9> buffer{};
-        std::copy(report.begin(), report.end(), buffer.begin() + 1);
-        return ::ioctl(file_.get(), HIDIOCSFEATURE(9), buffer.data()) >= 0;
-    }
-
-    [[nodiscard]] bool send(std::uint8_t command, const std::vector<std::uint8_t>& payload = {}) const
-    {
-        std::array<std::uint8_t, 70> frame{};
-        std::copy(payload.begin(), payload.end(), frame.begin());
-        frame[64] = command;
-        const std::uint16_t checksum = otpChecksum({frame.data(), 64});
-        frame[65] = static_cast<std::uint8_t>(checksum & 0xffU);
-        frame[66] = static_cast<std::uint8_t>(checksum >> 8U);
-        for (std::uint8_t chunk = 0; chunk < 10; ++chunk) {
-            OtpApplication::Report report{};
-            std::copy_n(frame.begin() + std::ptrdiff_t{chunk} * 7, 7, report.begin());
-            report[7] = static_cast<std::uint8_t>(0x80U | chunk);
-            if (!write(report)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    /// The answer without its checksum; empty when the token has none within the limit.
-    [[nodiscard]] std::vector<std::uint8_t> answer(std::size_t size, std::chrono::milliseconds limit = 5s) const
-    {
-        const auto end = std::chrono::steady_clock::now() + limit;
-        std::vector<std::uint8_t> bytes;
-        while (std::chrono::steady_clock::now() < end) {
-            const auto report = read();
-            if (!report) {
-                return {};
-            }
-            if ((report->back() & answerFlag) == 0) {
-                std::this_thread::sleep_for(1ms);
-                continue;
-            }
-            if (!bytes.empty() && (report->back() & 0x1f) == 0) {
-                break;
-            }
-            bytes.insert(bytes.end(), report->begin(), report->end() - 1);
-        }
-        if (bytes.size() < size + 2 || otpChecksum({bytes.data(), size + 2}) != 0xf0b8) {
-            return {};
-        }
-        bytes.resize(size);
-        return bytes;
-    }
-
-  private:
-    FileDescriptor file_;
-};
-
-std::vector<std::uint8_t> hmac(const SlotKey& key, const std::vector<std::uint8_t>& challenge)
+/// One feature report; nothing, with errno set, when the device refuses.
+std::optional<OtpApplication::Report> readReport(const FileDescriptor& device)
 {
-    std::vector<std::uint8_t> response(20);
+    std::array<std::uint8_t, 9> buffer{};
+    if (::ioctl(device.get(), HIDIOCGFEATURE(9), buffer.data()) < 0) {
+        return std::nullopt;
+    }
+    OtpApplication::Report report{};
+    std::copy(buffer.begin() + 1, buffer.end(), report.begin());
+    return report;
+}
+
+FileDescriptor opened(const char* node)
+{
+    return FileDescriptor(::open(node, O_RDWR | O_CLOEXEC));
+}
+
+using Response = decltype(SlotAnswer::response);
+
+Response hmac(const SlotKey& key, std::span<const std::uint8_t> challenge)
+{
+    Response response{};
     HMAC(EVP_sha1(), key.data(), static_cast<int>(key.size()), challenge.data(), challenge.size(), response.data(),
          nullptr);
     return response;
@@ -132,8 +83,6 @@ TokenProfile profile(std::uint32_t serial)
     return token;
 }
 
-const std::vector<std::uint8_t> serialOf0x01020304{1, 2, 3, 4};
-
 } // namespace
 
 TEST(VirtualToken, AnswersAsATokenDoes)
@@ -145,29 +94,25 @@ TEST(VirtualToken, AnswersAsATokenDoes)
     token.plugIn();
     ASSERT_EQ(token.deviceNode(TokenInterface::keyboard), "/dev/hidraw0");
     ASSERT_EQ(token.deviceNode(TokenInterface::fido), "/dev/hidraw1");
-    const HidrawClient client("/dev/hidraw0");
-    ASSERT_TRUE(client.isOpen());
+    const auto serial = readSerial("/dev/hidraw0", within(5s));
+    ASSERT_TRUE(serial);
+    EXPECT_EQ(*serial, 0x01020304U);
+    EXPECT_EQ(readReport(opened("/dev/hidraw0"))->back(), 0) << "the reset leaves nothing to read";
 
-    ASSERT_TRUE(client.send(0x10));
-    EXPECT_EQ(client.answer(4), serialOf0x01020304);
-    EXPECT_TRUE(client.write({0, 0, 0, 0, 0, 0, 0, 0x8f}));
-    EXPECT_EQ(client.read()->back(), 0) << "the reset leaves nothing to read";
-
-    std::vector<std::uint8_t> challenge(63);
+    Challenge challenge{};
     for (std::size_t index = 0; index < challenge.size(); ++index) {
         challenge[index] = static_cast<std::uint8_t>(index * 7);
     }
-    std::vector<std::uint8_t> padded = challenge;
-    padded.push_back(static_cast<std::uint8_t>(challenge.back() + 1));
-    ASSERT_TRUE(client.send(0x30, padded));
-    EXPECT_EQ(client.answer(20), hmac(firstKey, challenge)) << "the padding is not part of the challenge";
-    ASSERT_TRUE(client.send(0x38, padded));
-    EXPECT_EQ(client.answer(20), hmac(secondKey, padded)) << "a fixed length takes all 64 bytes";
-    ASSERT_TRUE(client.send(0x30, {5, 6}));
-    EXPECT_EQ(client.answer(20), hmac(firstKey, {5, 6}));
+    const auto first = answerChallenge("/dev/hidraw0", Slot::One, challenge, within(5s));
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->response, hmac(firstKey, challenge)) << "the padding is not part of the challenge";
+    std::vector<std::uint8_t> padded(challenge.begin(), challenge.end());
+    padded.push_back(static_cast<std::uint8_t>(~challenge.back()));
+    const auto second = answerChallenge("/dev/hidraw0", Slot::Two, challenge, within(5s));
+    ASSERT_TRUE(second);
+    EXPECT_EQ(second->response, hmac(secondKey, padded)) << "a fixed length takes all 64 bytes";
 
-    const HidrawClient fido("/dev/hidraw1");
-    EXPECT_FALSE(fido.read().has_value()) << "only the keyboard interface has the feature report";
+    EXPECT_FALSE(readReport(opened("/dev/hidraw1"))) << "only the keyboard interface has the feature report";
 }
 
 TEST(VirtualToken, KeepsSilentWithoutASecretAndWaitsForATouch)
@@ -176,21 +121,19 @@ TEST(VirtualToken, KeepsSilentWithoutASecretAndWaitsForATouch)
     TokenProfile description = profile(7);
     description.otp.slots[0].key.reset();
     description.otp.slots[1].needsTouch = true;
-    description.otp.replyDelay = 30ms;
     VirtualToken token(bed, description);
     token.plugIn();
-    const HidrawClient client("/dev/hidraw0");
 
-    ASSERT_TRUE(client.send(0x30, {1}));
-    EXPECT_TRUE(client.answer(20, 200ms).empty());
+    EXPECT_EQ(answerChallenge("/dev/hidraw0", Slot::One, {}, within(5s)).failure(), TokenFailure::SlotNotProgrammed);
 
-    ASSERT_TRUE(client.send(0x38, {1}));
-    EXPECT_EQ(client.read()->back() & 0xe0, touchFlag);
-    EXPECT_TRUE(token.isWaitingForTouch());
+    auto answered =
+        std::async(std::launch::async, [] { return answerChallenge("/dev/hidraw0", Slot::Two, {}, within(5s)); });
+    EXPECT_TRUE(vantro::tests::waitUntil([&token] { return token.isWaitingForTouch(); }));
     token.touch();
     EXPECT_FALSE(token.isWaitingForTouch());
-    EXPECT_EQ(client.read()->back(), 0) << "the answer takes its time";
-    EXPECT_EQ(client.answer(20), hmac(secondKey, {1}));
+    const auto answer = answered.get();
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->response, hmac(secondKey, Challenge{}));
 }
 
 TEST(VirtualToken, IsGoneForWhoeverHasItOpen)
@@ -201,21 +144,16 @@ TEST(VirtualToken, IsGoneForWhoeverHasItOpen)
     VirtualToken token(bed, description);
     for (int round = 0; round < 3; ++round) {
         token.plugIn();
-        const HidrawClient client("/dev/hidraw0");
-        ASSERT_TRUE(client.read().has_value());
-        std::thread finger([&token] {
-            std::this_thread::sleep_for(20ms);
-            token.unplug();
-        });
+        const FileDescriptor device = opened("/dev/hidraw0");
+        ASSERT_TRUE(readReport(device));
+        std::thread finger([&token] { token.unplug(); });
         int error = 0;
         for (int attempt = 0; attempt < 100 && error == 0; ++attempt) {
-            error = client.read() ? 0 : errno;
+            error = readReport(device) ? 0 : errno;
         }
         finger.join();
         EXPECT_EQ(error, ENODEV) << std::strerror(error);
-        EXPECT_FALSE(client.write({}));
-        EXPECT_EQ(errno, ENODEV);
-        EXPECT_FALSE(HidrawClient("/dev/hidraw0").isOpen());
+        EXPECT_FALSE(opened("/dev/hidraw0"));
     }
 }
 

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tokens/OtpApplication.h"
+
 namespace vantro::service::otp {
 namespace {
 
@@ -15,6 +17,7 @@ TEST(OtpFrameTest, ChecksumIsTheStandardOne)
     constexpr std::string_view digits = "123456789";
     const std::vector<std::uint8_t> bytes(digits.begin(), digits.end());
     EXPECT_EQ(checksum(bytes), 0x6f91);
+    EXPECT_EQ(lab::otpChecksum(bytes), 0x6f91) << "the emulation must not err as the service does";
 }
 
 TEST(OtpFrameTest, AnswerEndsInItsComplementedChecksum)
