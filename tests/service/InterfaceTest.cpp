@@ -1,5 +1,6 @@
 // What the documents say about the service, against the running one.
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
@@ -86,6 +87,26 @@ TEST_F(InterfaceTest, InstalledFileDescribesTheRunningService)
     const auto described = methodsOf(contentOf(VANTRO_SOURCE_FOLDER "/packaging/com.vantro.Standalone1.xml"));
     EXPECT_THAT(described, Not(IsEmpty()));
     EXPECT_THAT(described, testing::UnorderedElementsAreArray(methodsOf(answer)));
+}
+
+TEST_F(InterfaceTest, HasNoConnectionThatTheBusPolicyDoesNotCover)
+{
+    EXPECT_EQ(client.getSerial(), 0U) << "which asked the bus about its caller";
+    const auto connection = sdbus::createSystemBusConnection();
+    const auto proxy = sdbus::createProxy(*connection, "org.freedesktop.DBus", "/org/freedesktop/DBus");
+    std::vector<std::string> names;
+    proxy->callMethod("ListNames").onInterface("org.freedesktop.DBus").storeResultsTo(names);
+    EXPECT_EQ(std::count_if(names.begin(), names.end(),
+                            [&](const std::string& name) {
+                                std::uint32_t process = 0;
+                                proxy->callMethod("GetConnectionUnixProcessID")
+                                    .onInterface("org.freedesktop.DBus")
+                                    .withArguments(name)
+                                    .storeResultsTo(process);
+                                return name.starts_with(':') && static_cast<pid_t>(process) == bus.servicePid();
+                            }),
+              1)
+        << "what anybody sends to a connection without a name piles up there";
 }
 
 TEST_F(InterfaceTest, DocumentedRecoveryTakesTheEntriesOut)
