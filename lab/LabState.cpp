@@ -158,8 +158,9 @@ void LabState::makePamFolders() const
         writeIfAbsent(services / service, "# Included by the services that authenticate with a token:\n#   @include " +
                                               std::string(service) + "\n");
     }
-    writeIfAbsent(folderOf(bundle_, bundle_key::pamModulesFolder) / "pam_vantro_standalone.so",
-                  "The token lab has no PAM module; this file stands where it would be.\n");
+    const fs::path module = LAB_PAM_MODULE;
+    fs::copy_file(module, folderOf(bundle_, bundle_key::pamModulesFolder) / module.filename(),
+                  fs::copy_options::overwrite_existing);
 }
 
 void LabState::makeDefaults() const

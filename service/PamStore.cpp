@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <utility>
 
 #include "foundation/DurableFile.h"
+#include "service/PamModule.h"
 #include "service/PamStack.h"
-#include "service/TrustedFile.h"
 
 namespace vantro::service {
 namespace {
@@ -21,96 +22,155 @@ constexpr std::size_t serviceCountLimit = 4096;
 constexpr mode_t backupFolderMode = 0700;
 constexpr mode_t backupMode = 0600;
 
-bool isMandatory(ControlFlag flag)
+RequestFailure inFile(const FileFailure& failure)
 {
-    return flag == ControlFlag::Required || flag == ControlFlag::Requisite;
+    switch (failure.kind) {
+    case FileFailure::Kind::Missing:
+        return {failure_reason::serviceFileMissing, failure.text};
+    case FileFailure::Kind::DiskFull:
+        return {failure_reason::diskFull, failure.text};
+    case FileFailure::Kind::SystemError:
+        return {failure_reason::writeFailed, failure.text};
+    default:
+        return {failure_reason::serviceFileUnusable, failure.text};
+    }
+}
+
+RequestFailure inText(const std::filesystem::path& path, PamFailure failure)
+{
+    const bool isJump = failure == PamFailure::EntryInsideJump || failure == PamFailure::JumpSpansInclude;
+    return {isJump ? failure_reason::jump : failure_reason::serviceFileUnusable,
+            path.string() + ": " + std::string(describe(failure))};
+}
+
+/// What the settings tool asks for is all that anybody may: a token demanded beside the password, or not.
+std::optional<RequestFailure> refusal(const PamSetting& setting)
+{
+    const auto refuse = [](const char* why) { return RequestFailure{failure_reason::notAccepted, why}; };
+    if (std::find(ownServices.begin(), ownServices.end(), setting.fileName) == ownServices.end())
+        return refuse("This service is not the add-on's to change.");
+    if (setting.moduleName != ownModule)
+        return refuse("This module is not the add-on's.");
+    if (setting.moduleInterface != ModuleInterface::Auth)
+        return refuse("The module takes part in authentication (auth) alone.");
+    if (setting.controlFlag != ControlFlag::Required && setting.controlFlag != ControlFlag::Optional)
+        return refuse("The entry may be required or optional, nothing else.");
+    return std::nullopt;
 }
 
 } // namespace
 
-PamStore::PamStore(Folders folders, const Logger& logger)
-    : folders_(std::move(folders)), logger_(logger.inFile("PamStore"))
+PamStore::PamStore(Folders folders, const RegisteredKeys& keys, const Logger& logger)
+    : folders_(std::move(folders)), keys_(keys), logger_(logger.inFile("PamStore"))
 {
 }
 
-bool PamStore::save(const ArchiveData& setting)
+std::optional<RequestFailure> PamStore::save(const ArchiveData& setting)
 {
-    return change(setting, "save(_:)", true);
+    return change(setting, Action::Save);
 }
 
-bool PamStore::remove(const ArchiveData& setting)
+std::optional<RequestFailure> PamStore::remove(const ArchiveData& setting)
 {
-    return change(setting, "remove(_:)", false);
+    return change(setting, Action::Remove);
 }
 
-bool PamStore::change(const ArchiveData& archive, std::string_view function, bool isSaving)
+std::optional<RequestFailure> PamStore::change(const ArchiveData& archive, Action action)
 {
+    constexpr auto function = "change(_:action:)";
     const auto setting = PamSetting::unarchived(archive);
     if (!setting) {
         logger_.error("The request holds no PAM setting.", function);
-        return false;
+        return RequestFailure{failure_reason::notAccepted, {}};
+    }
+    const bool isSaving = action == Action::Save;
+    const std::lock_guard lock(mutex_);
+    auto failure = refusal(*setting);
+    if (!failure && isSaving && setting->controlFlag == ControlFlag::Required)
+        failure = demandFailure(*setting);
+    if (!failure) {
+        const auto found = plan(*setting, action);
+        failure = found ? carryOut(*found) : found.failure();
     }
     const std::string entry =
         pamKeyword(setting->moduleInterface) + " entry of " + setting->moduleName + " in " + setting->fileName;
-    const std::lock_guard lock(mutex_);
-    if (const auto failure = changeFailure(*setting, isSaving)) {
-        logger_.error("The " + entry + " was not changed. " + *failure, function);
-        return false;
-    }
-    logger_.info("The " + entry + (isSaving ? " is " + pamKeyword(setting->controlFlag) : " is removed") + ".",
-                 function);
-    return true;
+    if (failure)
+        logger_.error("The " + entry + " was not changed. " + failure->text, function);
+    else
+        logger_.info("The " + entry + (isSaving ? " is " + pamKeyword(setting->controlFlag) : " is removed") + ".",
+                     function);
+    return failure;
 }
 
-std::optional<std::string> PamStore::changeFailure(const PamSetting& setting, bool isSaving) const
+std::optional<RequestFailure> PamStore::demandFailure(const PamSetting& setting) const
 {
-    if (std::find(ownServices.begin(), ownServices.end(), setting.fileName) == ownServices.end())
-        return "This service is not the add-on's to change.";
-    if (setting.moduleName != ownModule)
-        return "This module is not the add-on's.";
-    struct stat status = {};
-    const auto module = folders_.modules / setting.moduleName;
-    if (isSaving && isMandatory(setting.controlFlag) &&
-        (::stat(module.c_str(), &status) != 0 || !S_ISREG(status.st_mode)))
-        return module.string() + " is not installed; a mandatory entry would lock everybody out.";
-    if (const auto failure = folderFailure(folders_.services, writableByOthers))
-        return failure->text;
+    if (auto failure = moduleFailure(folders_.modules / setting.moduleName))
+        return failure;
+    const auto opensAnAccount = keys_.opensAnAccount();
+    if (!opensAnAccount)
+        return RequestFailure{failure_reason::documentUnreadable, opensAnAccount.failure().text};
+    if (!*opensAnAccount)
+        return RequestFailure{failure_reason::noKeyRegistered,
+                              "No registered user or master key has a record; a mandatory entry would lock everybody "
+                              "out. Register a token first."};
+    for (const auto service : ownServices) {
+        PamSetting same = setting;
+        same.fileName = service;
+        if (const auto found = plan(same, Action::Save); !found)
+            return found.failure();
+    }
+    return std::nullopt;
+}
 
+Outcome<PamStore::Plan, RequestFailure> PamStore::plan(const PamSetting& setting, Action action) const
+{
+    if (const auto failure = folderFailure(folders_.services, writableByOthers))
+        return inFile(*failure);
     const auto path = folders_.services / setting.fileName;
-    const auto found = readTrustedFile(path, writableByOthers, serviceSizeLimit);
+    auto found = readTrustedFile(path, writableByOthers, serviceSizeLimit);
     if (!found)
-        return found.failure().text;
+        return inFile(found.failure());
     const auto file = PamFile::parsed(found->content);
     if (!file)
-        return path.string() + ": " + std::string(describe(file.failure()));
-    if (auto failure = jumpFailure(*file, setting))
-        return failure;
-    const auto text = isSaving ? file->withEntry(setting) : file->withoutEntry(setting);
+        return inText(path, file.failure());
+    const auto entry = file->entryOf(setting);
+    if (!entry)
+        return inText(path, entry.failure());
+    const bool takesDemandBack = action == Action::Save && *entry && setting.controlFlag == ControlFlag::Optional;
+    if (!takesDemandBack)
+        if (auto failure = jumpFailure(*file, setting))
+            return *failure;
+    auto text = action == Action::Save ? file->withEntry(setting) : file->withoutEntry(setting);
     if (!text)
-        return path.string() + ": " + std::string(describe(text.failure()));
-    if (*text == found->content)
-        return std::nullopt;
-    if (auto failure = keep(setting.fileName, found->content))
-        return failure;
-    const auto error = replaceFile(path, *text, {found->mode, {}, found->group});
-    return error ? std::optional(systemFailure(path, error.value()).text) : std::nullopt;
+        return inText(path, text.failure());
+    return Plan{path, std::move(*found), std::move(*text), takesDemandBack};
 }
 
-std::optional<std::string> PamStore::jumpFailure(const PamFile& file, const PamSetting& setting) const
+std::optional<RequestFailure> PamStore::carryOut(const Plan& plan) const
+{
+    if (plan.after == plan.before.content)
+        return std::nullopt;
+    if (auto failure = keep(plan)) {
+        if (!plan.takesDemandBack)
+            return failure;
+        logger_.warning("The text from before the change is not kept. " + failure->text, "carryOut(_:)");
+    }
+    const auto error = replaceFile(plan.path, plan.after, {plan.before.mode, {}, plan.before.group});
+    return error ? std::optional(inFile(systemFailure(plan.path, error.value()))) : std::nullopt;
+}
+
+std::optional<RequestFailure> PamStore::jumpFailure(const PamFile& file, const PamSetting& setting) const
 {
     const auto services = readServices();
     const PamStack stack(folders_.services, [&services](const std::string& name) {
         const auto service = services.find(name);
         return service == services.end() ? nullptr : &service->second;
     });
-    const auto told = [this](const std::string& name, PamFailure failure) {
-        return (folders_.services / name).string() + ": " + std::string(describe(failure));
-    };
     if (const auto failure = stack.ownJumpFailure(file, setting))
-        return told(setting.fileName, *failure);
+        return inText(folders_.services / setting.fileName, *failure);
     for (const auto& [name, service] : services)
         if (const auto failure = stack.includerJumpFailure(service, setting))
-            return told(name, *failure);
+            return inText(folders_.services / name, *failure);
     return std::nullopt;
 }
 
@@ -130,15 +190,20 @@ std::map<std::string, PamFile> PamStore::readServices() const
     return services;
 }
 
-std::optional<std::string> PamStore::keep(const std::string& name, const std::string& text) const
+std::optional<RequestFailure> PamStore::keep(const Plan& plan) const
 {
+    const auto told = [](const FileFailure& failure) {
+        return RequestFailure{failure.kind == FileFailure::Kind::DiskFull ? failure_reason::diskFull
+                                                                          : failure_reason::writeFailed,
+                              failure.text};
+    };
     if (::mkdir(folders_.backup.c_str(), backupFolderMode) != 0 && errno != EEXIST)
-        return systemFailure(folders_.backup, errno).text;
+        return told(systemFailure(folders_.backup, errno));
     if (const auto failure = folderFailure(folders_.backup, openToOthers))
-        return failure->text;
-    const auto path = folders_.backup / name;
-    const auto error = replaceFile(path, text, {backupMode, {}, {}});
-    return error ? std::optional(systemFailure(path, error.value()).text) : std::nullopt;
+        return told(*failure);
+    const auto path = folders_.backup / plan.path.filename();
+    const auto error = replaceFile(path, plan.before.content, {backupMode, {}, {}});
+    return error ? std::optional(told(systemFailure(path, error.value()))) : std::nullopt;
 }
 
 } // namespace vantro::service

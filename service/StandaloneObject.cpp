@@ -116,7 +116,8 @@ void StandaloneObject::registerTokenMethods()
 
 void StandaloneObject::registerPamMethods()
 {
-    const auto add = [this](const char* name, bool (PamStore::*change)(const ArchiveData&)) {
+    using Change = std::optional<RequestFailure> (PamStore::*)(const ArchiveData&);
+    const auto add = [this](const char* name, Change change) {
         object_->registerMethod(name)
             .onInterface(label)
             .withInputParamNames(settingName)
@@ -124,7 +125,7 @@ void StandaloneObject::registerPamMethods()
             .implementedAs([this, name, change](sdbus::Result<bool>&& result, const ArchiveData& setting) {
                 take<bool>(name, std::move(result), usualLimit, false,
                            [this, change, setting](const Limit&, const auto& answer) {
-                               answer((pamStore_.*change)(setting));
+                               answer(!(pamStore_.*change)(setting));
                            });
             });
     };

@@ -17,6 +17,7 @@
 #include "service/ChallengeResponse.h"
 #include "service/PamStore.h"
 #include "service/RecordStore.h"
+#include "service/RegisteredKeys.h"
 #include "service/StandaloneObject.h"
 #include "service/TokenRegistry.h"
 
@@ -66,10 +67,11 @@ int run(const Logger& logger)
     constexpr const char* function = "run(_:)";
     const Bundle& bundle = Bundle::main();
     const std::filesystem::path records = bundle.string(bundle_key::challengeResponseFolder);
+    const std::filesystem::path settings = bundle.string(bundle_key::settingsFolder);
     const PamStore::Folders pamFolders = {bundle.string(bundle_key::pamServicesFolder),
                                           bundle.string(bundle_key::pamModulesFolder),
                                           records.parent_path() / pamBackupFolder};
-    if (records.empty() || pamFolders.services.empty() || pamFolders.modules.empty()) {
+    if (records.empty() || settings.empty() || pamFolders.services.empty() || pamFolders.modules.empty()) {
         logger.error("The information dictionary below " + bundle.resourceFolder().string() +
                          " can't be read or does not name the folders.",
                      function);
@@ -80,8 +82,9 @@ int run(const Logger& logger)
         SignalWatch signals;
         TokenRegistry registry(logger);
         RecordStore recordStore(records);
+        const RegisteredKeys registeredKeys(settings / VantroStandaloneSetting::fileName, recordStore);
         ChallengeResponse challengeResponse(registry, recordStore, logger);
-        PamStore pamStore(pamFolders, logger);
+        PamStore pamStore(pamFolders, registeredKeys, logger);
         const StandaloneObject object(*connection, challengeResponse, pamStore, logger);
         connection->requestName(label);
         signals.start(*connection);

@@ -81,8 +81,7 @@ bool VantroStandaloneSetting::isAllocatedKey() const
 const std::filesystem::path& VantroStandaloneSetting::url()
 {
     // Below the prefix where the dictionary names no folder, never below the folder that the process happens to be in.
-    static const auto path =
-        Bundle::main().prefix() / Bundle::main().string(bundle_key::settingsFolder) / "VantroStandaloneSetting.xml";
+    static const auto path = Bundle::main().prefix() / Bundle::main().string(bundle_key::settingsFolder) / fileName;
     return path;
 }
 

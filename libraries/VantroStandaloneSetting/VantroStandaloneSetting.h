@@ -97,7 +97,10 @@ class VantroStandaloneSetting
     /// Whether some token opens an account: a key of any user, or a master key.
     [[nodiscard]] bool isAllocatedKey() const;
 
-    /// The document's file: VantroStandaloneSetting.xml in the settings folder of the information dictionary.
+    /// The name of the document's file.
+    static constexpr const char* fileName = "VantroStandaloneSetting.xml";
+
+    /// The document's file: the name in the settings folder of the information dictionary.
     static const std::filesystem::path& url();
 
     /// Replaces the file whole and durably and keeps its mode. A file that is there and can't be read (or is larger

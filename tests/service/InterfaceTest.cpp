@@ -112,9 +112,11 @@ TEST_F(InterfaceTest, HasNoConnectionThatTheBusPolicyDoesNotCover)
 TEST_F(InterfaceTest, DocumentedRecoveryTakesTheEntriesOut)
 {
     const std::string comment = "# To be included.\n";
-    writeFile(prefix.pamModules() / "pam_vantro_standalone.so", "");
-    for (const char* const service : {"authorization", "screensaver", "screensaver_new"}) {
+    prefix.makeDemandable();
+    constexpr std::array services = {"authorization", "screensaver", "screensaver_new"};
+    for (const char* const service : services)
         writeFile(prefix.pamServices() / service, comment);
+    for (const char* const service : services) {
         const PamSetting setting{service, ModuleInterface::Auth, ControlFlag::Required, "pam_vantro_standalone.so"};
         ASSERT_TRUE(client.savePamSetting(setting.archived().value()));
     }

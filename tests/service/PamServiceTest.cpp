@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <functional>
 
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -35,8 +36,6 @@ class PamServiceTest : public ServiceFixture
             writeFile(prefix.pamServices() / service, comment);
     }
 
-    void installModule() const { writeFile(prefix.pamModules() / "pam_vantro_standalone.so", ""); }
-
     [[nodiscard]] bool save(const std::string& service, ControlFlag flag)
     {
         return client.savePamSetting(archiveOf(service, flag));
@@ -50,7 +49,7 @@ class PamServiceTest : public ServiceFixture
 
 TEST_F(PamServiceTest, SavesAndRemovesTheEntry)
 {
-    installModule();
+    prefix.makeDemandable();
     const auto file = prefix.pamServices() / "authorization";
     ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
     for (const char* const service : {"authorization", "screensaver", "screensaver_new"}) {
@@ -74,13 +73,80 @@ TEST_F(PamServiceTest, SavesAndRemovesTheEntry)
     EXPECT_TRUE(client.removePamSetting(archiveOf("authorization", ControlFlag::Required))) << "it is gone already";
 }
 
+TEST_F(PamServiceTest, ADemandIsMadeInAllServicesOrInNone)
+{
+    const fs::path module = prefix.pamModules() / "pam_vantro_standalone.so";
+    const fs::path record = prefix.records() / "7";
+    const fs::path document = prefix.settings() / VantroStandaloneSetting::fileName;
+    const fs::path last = prefix.pamServices() / "screensaver_new";
+    const struct
+    {
+        const char* reason;
+        std::function<void()> spoil;
+        const char* logged;
+    } cases[] = {
+        {"no module", [&] { fs::remove(module); }, "is not installed"},
+        {"an empty module", [&] { writeFile(module, ""); }, "is no shared object of this machine"},
+        {"a program", [&] { fs::copy_file("/bin/true", module, fs::copy_options::overwrite_existing); },
+         "has no entry points"},
+        {"no document", [&] { fs::remove(document); }, "No registered user or master key"},
+        {"no key", [&] { prefix.store({}); }, "No registered user or master key"},
+        {"no record", [&] { fs::remove(record); }, "No registered user or master key"},
+        {"a record of another token", [&] { writeFile(record, "7"); }, "No registered user or master key"},
+        {"a damaged document", [&] { writeFile(document, "<"); }, "is no valid settings document"},
+        {"a linked document",
+         [&] {
+             fs::rename(document, document.string() + "-elsewhere");
+             fs::create_symlink(document.string() + "-elsewhere", document);
+         },
+         "VantroStandaloneSetting.xml can't be used"},
+        {"a jump over one of three",
+         [&] {
+             writeFile(prefix.pamServices() / "login",
+                       "auth [success=1 default=ignore] pam_unix.so\n@include screensaver_new\n");
+         },
+         "login: A service that includes it jumps"},
+        {"one of three missing", [&] { fs::remove(last); }, "screensaver_new can't be used"},
+    };
+    for (const auto& test : cases) {
+        prefix.makeDemandable();
+        test.spoil();
+        EXPECT_FALSE(save("authorization", ControlFlag::Required)) << test.reason;
+        EXPECT_TRUE(logSays(test.logged)) << test.reason;
+        EXPECT_EQ(textOf("authorization"), comment) << test.reason;
+        fs::remove(document);
+        fs::remove(prefix.pamServices() / "login");
+        writeFile(last, comment);
+    }
+    prefix.makeDemandable();
+    EXPECT_TRUE(save("authorization", ControlFlag::Required));
+}
+
+TEST_F(PamServiceTest, ADemandCanBeTakenBackWhateverStandsAgainstANewOne)
+{
+    prefix.makeDemandable();
+    ASSERT_TRUE(save("screensaver_new", ControlFlag::Required));
+    writeFile(prefix.pamServices() / "login",
+              "auth [success=1 default=ignore] pam_unix.so\n@include screensaver_new\n");
+    fs::remove(prefix.settings() / VantroStandaloneSetting::fileName);
+    fs::remove(prefix.pamModules() / "pam_vantro_standalone.so");
+    fs::permissions(prefix.records().parent_path() / "pam-backup", fs::perms::all);
+    EXPECT_FALSE(save("screensaver_new", ControlFlag::Required));
+    EXPECT_TRUE(save("screensaver_new", ControlFlag::Optional));
+    EXPECT_EQ(textOf("screensaver_new"), comment + optionalLine);
+}
+
 TEST_F(PamServiceTest, RefusalsLeaveTheFileUntouched)
 {
-    EXPECT_FALSE(save("authorization", ControlFlag::Required));
-    EXPECT_TRUE(logSays("is not installed"));
-    EXPECT_FALSE(save("authorization", ControlFlag::Requisite));
+    prefix.makeDemandable();
+    for (const auto flag : {ControlFlag::Requisite, ControlFlag::Sufficient})
+        EXPECT_FALSE(save("authorization", flag)) << "a token beside the password, or none";
+    for (const auto interface : {ModuleInterface::Account, ModuleInterface::Password, ModuleInterface::Session}) {
+        const PamSetting other{"authorization", interface, ControlFlag::Optional, "pam_vantro_standalone.so"};
+        EXPECT_FALSE(client.savePamSetting(other.archived().value()));
+        EXPECT_FALSE(client.removePamSetting(other.archived().value()));
+    }
     EXPECT_EQ(textOf("authorization"), comment);
-    installModule();
 
     const std::string broken = comment + "auth required pam_permit.so \\\n";
     writeFile(prefix.pamServices() / "screensaver", broken);
@@ -107,7 +173,7 @@ TEST_F(PamServiceTest, RefusalsLeaveTheFileUntouched)
 
 TEST_F(PamServiceTest, FilesThatAreNotTheServicesOwnAreRefused)
 {
-    installModule();
+    prefix.makeDemandable();
     const auto file = prefix.pamServices() / "authorization";
     ASSERT_EQ(::chmod(file.c_str(), 0664), 0);
     EXPECT_FALSE(save("authorization", ControlFlag::Optional));
@@ -140,11 +206,12 @@ class SmallFileSystemTest : public PamServiceTest
   protected:
     void SetUp() override
     {
-        installModule();
-        isMounted_ = ::mount("tmpfs", prefix.pamServices().c_str(), "tmpfs", 0, "size=16k,mode=0755") == 0;
+        prefix.makeDemandable();
+        isMounted_ = ::mount("tmpfs", prefix.pamServices().c_str(), "tmpfs", 0, "size=24k,mode=0755") == 0;
         if (!isMounted_)
             GTEST_SKIP() << "needs to be allowed to mount: " << std::strerror(errno);
-        writeFile(prefix.pamServices() / "authorization", comment);
+        for (const char* const service : {"authorization", "screensaver", "screensaver_new"})
+            writeFile(prefix.pamServices() / service, comment);
     }
 
     void TearDown() override
@@ -165,7 +232,7 @@ TEST_F(SmallFileSystemTest, FullDiskLeavesTheOldFile)
     EXPECT_FALSE(save("authorization", ControlFlag::Required));
     EXPECT_TRUE(logSays("No space left on device"));
     EXPECT_EQ(textOf("authorization"), comment);
-    EXPECT_EQ(std::distance(fs::directory_iterator(prefix.pamServices()), fs::directory_iterator()), 2);
+    EXPECT_EQ(std::distance(fs::directory_iterator(prefix.pamServices()), fs::directory_iterator()), 4);
     fs::remove(filler);
     EXPECT_TRUE(save("authorization", ControlFlag::Required));
 }
@@ -180,7 +247,7 @@ TEST_F(SmallFileSystemTest, ReadOnlyFolderLeavesTheOldFile)
 
 TEST_F(PamServiceTest, KilledBetweenTwoFilesLeavesBothWhole)
 {
-    installModule();
+    prefix.makeDemandable();
     EXPECT_TRUE(save("authorization", ControlFlag::Required));
     EXPECT_TRUE(bus.endService(SIGKILL));
     EXPECT_EQ(textOf("authorization"), comment + requiredLine);

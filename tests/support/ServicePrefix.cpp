@@ -31,4 +31,28 @@ ServicePrefix::ServicePrefix()
                                             entry("VantroPAMModulesFolder", pamModules().string()) + "</dict></plist>");
 }
 
+void ServicePrefix::store(const VantroStandaloneSetting& setting) const
+{
+    writeFile(settings() / VantroStandaloneSetting::fileName, serialised(setting));
+}
+
+void ServicePrefix::installModule() const
+{
+    const fs::path module = VANTRO_PAM_MODULE;
+    fs::copy_file(module, pamModules() / module.filename(), fs::copy_options::overwrite_existing);
+}
+
+void ServicePrefix::makeDemandable() const
+{
+    installModule();
+    VantroStandaloneSetting setting;
+    setting.masterKeySetting.masterKeys.emplace_back(7);
+    store(setting);
+    const auto zeros = [](std::size_t bytes) { return std::string(2 * bytes, '0') + "\n"; };
+    writeFile(records() / "7",
+              "vantro-challenge-response 1\nserial 7\nslot 2\nchallenge " + zeros(63) + "salt " + zeros(32) + "hash " +
+                  zeros(32),
+              0600);
+}
+
 } // namespace vantro::tests

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
 #include "support/TemporaryFolder.h"
 
 namespace vantro::tests {
@@ -19,6 +20,12 @@ class ServicePrefix
     [[nodiscard]] std::filesystem::path records() const { return path() / "state" / "challenge-response"; }
     [[nodiscard]] std::filesystem::path pamServices() const { return path() / "pam.d"; }
     [[nodiscard]] std::filesystem::path pamModules() const { return path() / "security"; }
+
+    void store(const VantroStandaloneSetting& setting) const;
+    /// Puts a file into the modules' folder that libpam could load.
+    void installModule() const;
+    /// Fulfils all that a mandatory entry asks for: the module, and a master key with a record.
+    void makeDemandable() const;
 
   private:
     TemporaryFolder temporary_;
