@@ -13,13 +13,14 @@ namespace {
 
 constexpr const char* administratorsGroup = "sudo";
 
-constexpr std::array<std::pair<std::string_view, Requirement>, 6> requirements = {{
+constexpr std::array<std::pair<std::string_view, Requirement>, 7> requirements = {{
     {service_method::getSerial, Requirement::Administrator},
     {service_method::createCRSettingFile, Requirement::Administrator},
     {service_method::removeCRSettingFile, Requirement::Administrator},
     {service_method::validate, Requirement::Administrator},
     {service_method::savePamSetting, Requirement::Administrator},
     {service_method::removePamSetting, Requirement::Administrator},
+    {service_method::lastFailure, Requirement::Administrator},
 }};
 
 std::optional<gid_t> administratorsGroupId()

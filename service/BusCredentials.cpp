@@ -104,13 +104,17 @@ Caller ask(const std::string& sender)
 
 } // namespace
 
+std::optional<Caller> BusCredentials::knownCaller(const std::string& sender) const
+{
+    const std::lock_guard lock(mutex_);
+    const auto known = known_.find(sender);
+    return known == known_.end() ? std::nullopt : std::optional(known->second);
+}
+
 std::optional<Caller> BusCredentials::callerOf(const std::string& sender)
 {
-    {
-        const std::lock_guard lock(mutex_);
-        if (const auto known = known_.find(sender); known != known_.end())
-            return known->second;
-    }
+    if (auto known = knownCaller(sender))
+        return known;
     try {
         const Caller caller = ask(sender);
         const std::lock_guard lock(mutex_);

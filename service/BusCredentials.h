@@ -17,12 +17,15 @@ class BusCredentials
   public:
     explicit BusCredentials(const Logger& logger) : logger_(logger.inFile("BusCredentials")) {}
 
+    /// What is known without asking.
+    [[nodiscard]] std::optional<Caller> knownCaller(const std::string& sender) const;
+
     /// Nothing when the bus can't or won't say; the reason is in the log. Blocks up to a second and a half.
     [[nodiscard]] std::optional<Caller> callerOf(const std::string& sender);
 
   private:
     const Logger logger_;
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::map<std::string, Caller, std::less<>> known_;
 };
 

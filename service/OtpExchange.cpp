@@ -167,6 +167,8 @@ Outcome<Answer, TokenFailure> readAnswer(const Connection& token, std::size_t si
         if (sequence != number)
             return TokenFailure::BadAnswer;
         answer.bytes.insert(answer.bytes.end(), report->begin(), report->end() - 1);
+        if (limit.isOver())
+            return TokenFailure::NoAnswer;
         report = token.read();
     }
     if (!report)
@@ -188,7 +190,7 @@ Outcome<Answer, TokenFailure> exchange(const std::string& deviceNode, std::uint8
     // A service that was killed in the middle of an exchange leaves its answer, or a wait for a touch, behind.
     const auto status = token.read();
     if (limit.isOver())
-        return TokenFailure::TransferFailed;
+        return TokenFailure::NoAnswer;
     if (status && (status->back() & (otp::flag::answer | otp::flag::touch)) != 0)
         token.reset();
     for (const auto& report : otp::reportsOf(command, payload)) {

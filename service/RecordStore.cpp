@@ -23,13 +23,18 @@ std::filesystem::path RecordStore::fileOf(std::uint64_t serial) const
     return folder_ / std::to_string(serial);
 }
 
+std::optional<FileFailure> RecordStore::folderFailure() const
+{
+    auto failure = service::folderFailure(folder_, openToOthers);
+    if (failure && failure->kind == FileFailure::Kind::Missing)
+        failure->text += " Make the folder for the records, owned by the service's account, with mode 0700.";
+    return failure;
+}
+
 std::optional<FileFailure> RecordStore::writeFailure(std::uint64_t serial) const
 {
-    if (auto failure = folderFailure(folder_, openToOthers)) {
-        if (failure->kind == FileFailure::Kind::Missing)
-            failure->text += " Make the folder for the records, owned by the service's account, with mode 0700.";
+    if (auto failure = folderFailure())
         return failure;
-    }
     const auto path = fileOf(serial);
     struct stat status = {};
     if (::lstat(path.c_str(), &status) != 0)
@@ -73,7 +78,7 @@ Outcome<bool, FileFailure> RecordStore::renew(const ChallengeRecord& known, cons
 
 Outcome<ChallengeRecord, FileFailure> RecordStore::read(std::uint64_t serial) const
 {
-    if (const auto failure = folderFailure(folder_, openToOthers))
+    if (const auto failure = folderFailure())
         return *failure;
     const auto path = fileOf(serial);
     const auto file = readTrustedFile(path, openToOthers, recordSizeLimit);
@@ -88,7 +93,7 @@ Outcome<ChallengeRecord, FileFailure> RecordStore::read(std::uint64_t serial) co
 Outcome<bool, FileFailure> RecordStore::remove(std::uint64_t serial)
 {
     const std::lock_guard lock(mutex_);
-    if (const auto failure = folderFailure(folder_, openToOthers))
+    if (const auto failure = folderFailure())
         return *failure;
     const auto path = fileOf(serial);
     if (::unlink(path.c_str()) != 0)

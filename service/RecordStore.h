@@ -18,6 +18,9 @@ class RecordStore
   public:
     explicit RecordStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
+    /// Says why the folder can't be used; nothing when it can.
+    [[nodiscard]] std::optional<FileFailure> folderFailure() const;
+
     /// Says why a record of this token could not be written; nothing when it could.
     [[nodiscard]] std::optional<FileFailure> writeFailure(std::uint64_t serial) const;
 

@@ -5,7 +5,7 @@
 namespace vantro::service {
 namespace {
 
-constexpr std::size_t threadLimit = 32;
+constexpr std::size_t threadLimit = 48;
 constexpr auto grace = std::chrono::milliseconds(500);
 
 } // namespace

@@ -1,11 +1,15 @@
 #include "service/StandaloneObject.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <exception>
 #include <utility>
 
+#include <systemd/sd-bus.h>
+
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "foundation/KeyedArchive.h"
 
 namespace vantro::service {
 namespace {
@@ -19,12 +23,39 @@ constexpr auto validationLimit = 14s;
 
 constexpr const char* accessDenied = "org.freedesktop.DBus.Error.AccessDenied";
 constexpr const char* limitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
+constexpr const char* invalidArguments = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr const char* failedError = "org.freedesktop.DBus.Error.Failed";
 
 /// The names of arguments and results, which callers see when they ask what the object can do.
 constexpr const char* serialName = "serial";
 constexpr const char* settingName = "setting";
 constexpr const char* successName = "isSuccess";
+constexpr const char* reasonName = "reason";
+
+/// Of one account, and of all callers together whose account is not known yet, which is a matter of milliseconds: each
+/// of them alone leaves the others most of the runner's threads.
+constexpr std::size_t requestsOfOneCaller = 12;
+
+/// Reaches what the library keeps to itself.
+struct RawMessage : sdbus::Message
+{
+    static sd_bus_message* of(const sdbus::Message& message)
+    {
+        return static_cast<sd_bus_message*>(message.*(&RawMessage::msg_));
+    }
+};
+
+/// The bytes of a call's one argument, at most one more than any archive has. The library itself would read byte after
+/// byte of however many there are, on the one thread that serves everybody.
+ArchiveData bytesOf(const sdbus::MethodCall& call)
+{
+    const void* bytes = nullptr;
+    std::size_t size = 0;
+    if (sd_bus_message_read_array(RawMessage::of(call), 'y', &bytes, &size) < 0)
+        throw sdbus::Error(invalidArguments, "The argument is no array of bytes.");
+    const auto* const first = static_cast<const std::uint8_t*>(bytes);
+    return {first, first + std::min(size, keyed_archive::sizeLimit + 1)};
+}
 
 /// The one answer of one request: whoever gives it first. Any thread.
 template <class Value>
@@ -33,10 +64,13 @@ class Answer
   public:
     Answer(sdbus::Result<Value>&& result, const Logger& logger) : result_(std::move(result)), logger_(logger) {}
 
-    /// False when it was given before.
-    bool give(const Value& value)
+    /// False when it was given before. `first` is called before it is sent, and not where it was given before.
+    bool give(const Value& value, const std::function<void()>& first)
     {
-        return send([this, &value] { result_.returnResults(value); });
+        return send([&] {
+            first();
+            result_.returnResults(value);
+        });
     }
 
     void refuse(const char* name, const std::string& text)
@@ -67,10 +101,12 @@ class Answer
 StandaloneObject::StandaloneObject(sdbus::IConnection& connection, ChallengeResponse& challengeResponse,
                                    PamStore& pamStore, const Logger& logger)
     : challengeResponse_(challengeResponse), pamStore_(pamStore), logger_(logger.inFile("StandaloneObject")),
-      credentials_(logger), object_(sdbus::createObject(connection, serviceObjectPath))
+      credentials_(logger), quota_(std::make_shared<CallerQuota>(requestsOfOneCaller)),
+      object_(sdbus::createObject(connection, serviceObjectPath))
 {
     registerTokenMethods();
     registerPamMethods();
+    registerDiagnosis();
     object_->finishRegistration();
 }
 
@@ -82,34 +118,33 @@ void StandaloneObject::registerTokenMethods()
         .withOutputParamNames(serialName)
         .implementedAs([this](sdbus::Result<Serial>&& result) {
             take<Serial>(service_method::getSerial, std::move(result), usualLimit, 0,
-                         [this](const Limit& limit, const auto& answer) { answer(challengeResponse_.serial(limit)); });
+                         [this](const Limit& limit, const auto& answer) {
+                             const auto serial = challengeResponse_.serial(limit);
+                             if (serial)
+                                 answer(*serial, std::nullopt);
+                             else
+                                 answer(0, serial.failure());
+                         });
         });
-    object_->registerMethod(service_method::createCRSettingFile)
+    registerSerialMethod(service_method::createCRSettingFile, usualLimit, &ChallengeResponse::create);
+    registerSerialMethod(service_method::removeCRSettingFile, usualLimit, &ChallengeResponse::remove);
+    registerSerialMethod(service_method::validate, validationLimit, &ChallengeResponse::validate);
+}
+
+void StandaloneObject::registerSerialMethod(const char* name, Limit::Clock::duration duration,
+                                            void (ChallengeResponse::*method)(std::uint64_t, const Limit&,
+                                                                              const ChallengeResponse::Reply&))
+{
+    object_->registerMethod(name)
         .onInterface(label)
         .withInputParamNames(serialName)
         .withOutputParamNames(successName)
-        .implementedAs([this](sdbus::Result<bool>&& result, Serial serial) {
-            take<bool>(service_method::createCRSettingFile, std::move(result), usualLimit, false,
-                       [this, serial](const Limit& limit, const auto& answer) {
-                           answer(challengeResponse_.create(serial, limit));
-                       });
-        });
-    object_->registerMethod(service_method::removeCRSettingFile)
-        .onInterface(label)
-        .withInputParamNames(serialName)
-        .withOutputParamNames(successName)
-        .implementedAs([this](sdbus::Result<bool>&& result, Serial serial) {
-            take<bool>(service_method::removeCRSettingFile, std::move(result), usualLimit, false,
-                       [this, serial](const Limit&, const auto& answer) { answer(challengeResponse_.remove(serial)); });
-        });
-    object_->registerMethod(service_method::validate)
-        .onInterface(label)
-        .withInputParamNames(serialName)
-        .withOutputParamNames(successName)
-        .implementedAs([this](sdbus::Result<bool>&& result, Serial serial) {
-            take<bool>(service_method::validate, std::move(result), validationLimit, false,
-                       [this, serial](const Limit& limit, const auto& answer) {
-                           challengeResponse_.validate(serial, limit, answer);
+        .implementedAs([this, name, duration, method](sdbus::Result<bool>&& result, std::uint64_t serial) {
+            take<bool>(name, std::move(result), duration, false,
+                       [this, method, serial](const Limit& limit, const auto& answer) {
+                           (challengeResponse_.*method)(
+                               serial, limit,
+                               [&answer](const std::optional<RequestFailure>& failure) { answer(!failure, failure); });
                        });
         });
 }
@@ -118,14 +153,13 @@ void StandaloneObject::registerPamMethods()
 {
     using Change = std::optional<RequestFailure> (PamStore::*)(const ArchiveData&);
     const auto add = [this](const char* name, Change change) {
-        object_->registerMethod(name)
-            .onInterface(label)
-            .withInputParamNames(settingName)
-            .withOutputParamNames(successName)
-            .implementedAs([this, name, change](sdbus::Result<bool>&& result, const ArchiveData& setting) {
-                take<bool>(name, std::move(result), usualLimit, false,
-                           [this, change, setting](const Limit&, const auto& answer) {
-                               answer(!(pamStore_.*change)(setting));
+        object_->registerMethod(
+            label, name, "ay", {settingName}, "b", {successName}, [this, name, change](sdbus::MethodCall call) {
+                auto setting = bytesOf(call);
+                take<bool>(name, sdbus::Result<bool>(std::move(call)), usualLimit, false,
+                           [this, change, setting = std::move(setting)](const Limit&, const auto& answer) {
+                               const auto failure = (pamStore_.*change)(setting);
+                               answer(!failure, failure);
                            });
             });
     };
@@ -133,34 +167,69 @@ void StandaloneObject::registerPamMethods()
     add(service_method::removePamSetting, &PamStore::remove);
 }
 
+void StandaloneObject::registerDiagnosis()
+{
+    object_->registerMethod(service_method::lastFailure)
+        .onInterface(diagnosisInterface)
+        .withOutputParamNames(reasonName)
+        .implementedAs([this](sdbus::Result<std::string>&& result) {
+            const std::string sender = object_->getCurrentlyProcessedMessage()->getSender();
+            take<std::string>(
+                service_method::lastFailure, std::move(result), usualLimit, {},
+                [this, sender](const Limit&, const auto& answer) { answer(lastFailures_.of(sender), std::nullopt); });
+        });
+}
+
 template <class Value>
 void StandaloneObject::take(std::string_view method, sdbus::Result<Value>&& result, Limit::Clock::duration duration,
-                            Value failed, std::function<void(const Limit&, const Answerer<Value>&)> work)
+                            Value failed, Work<Value> work)
 {
     const auto answer = std::make_shared<Answer<Value>>(std::move(result), logger_);
     const std::string sender = object_->getCurrentlyProcessedMessage()->getSender();
-    const bool isRunning = runner_.run(
-        duration,
-        [this, method, sender, answer, work = std::move(work)](const Limit& limit) {
-            if (!isAllowed(method, sender)) {
-                answer->refuse(accessDenied, "Only administrators may call this method.");
-                return;
-            }
-            try {
-                work(limit, [&answer](const Value& value) { answer->give(value); });
-            } catch (const std::exception& error) {
-                logger_.error(std::string(method) + " failed: " + error.what(), "take(_:)");
-                answer->refuse(failedError, "The request failed.");
-            }
-        },
-        [this, method, answer, failed] {
-            if (answer->give(failed))
-                logger_.error(std::string(method) + " is still under way and was given up.", "take(_:)");
-        });
-    if (!isRunning) {
+    // Whoever has the answer may ask for the reason at once.
+    const auto note = [this, sender, isRequest = method != service_method::lastFailure](std::string_view reason) {
+        if (isRequest)
+            lastFailures_.note(sender, reason);
+    };
+    const auto refuseAsTooMany = [this, method, answer] {
         logger_.error(std::string(method) + " was refused: too many requests are under way.", "take(_:)");
         answer->refuse(limitsExceeded, "Too many requests are under way.");
-    }
+    };
+    auto place = placeFor(sender);
+    const bool isRoom = place != nullptr;
+    auto request = [this, method, sender, answer, note, refuseAsTooMany, place = std::move(place),
+                    work = std::move(work)](const Limit& limit) mutable {
+        if (!isAllowed(method, sender)) {
+            answer->refuse(accessDenied, "Only administrators may call this method.");
+            return;
+        }
+        // A newcomer's account is known by now, and its place among the newcomers is somebody else's to take.
+        place = placeFor(sender);
+        if (!place) {
+            refuseAsTooMany();
+            return;
+        }
+        try {
+            work(limit, [&](const Value& value, const std::optional<RequestFailure>& failure) {
+                answer->give(value, [&] { note(failure ? failure->reason : failure_reason::none); });
+            });
+        } catch (const std::exception& error) {
+            logger_.error(std::string(method) + " failed: " + error.what(), "take(_:)");
+            answer->refuse(failedError, "The request failed.");
+        }
+    };
+    auto expired = [this, method, answer, note, failed] {
+        if (answer->give(failed, [&note] { note(failure_reason::noTime); }))
+            logger_.error(std::string(method) + " is still under way and was given up.", "take(_:)");
+    };
+    if (!isRoom || !runner_.run(duration, std::move(request), std::move(expired)))
+        refuseAsTooMany();
+}
+
+CallerQuota::Place StandaloneObject::placeFor(const std::string& sender) const
+{
+    const auto known = credentials_.knownCaller(sender);
+    return quota_->take(known ? std::to_string(known->userId) : std::string());
 }
 
 bool StandaloneObject::isAllowed(std::string_view method, const std::string& sender)

@@ -19,10 +19,12 @@ class TokenAccess
     [[nodiscard]] Outcome<std::uint64_t, TokenFailure> newestSerial(const Limit& limit);
 
     /// The token that has the serial, whichever of those that are plugged in it is. A token that keeps its serial to
-    /// itself is passed over.
+    /// itself is passed over, and from then on asked after all others.
     [[nodiscard]] Outcome<TokenLease, TokenFailure> acquireWithSerial(std::uint64_t serial, const Limit& limit);
 
   private:
+    [[nodiscard]] Outcome<TokenLease, TokenFailure> acquireKnown(TokenRegistry::TokenNumber number, const Limit& limit);
+
     TokenRegistry& registry_;
 };
 

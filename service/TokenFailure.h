@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "VantroStandaloneXPCSupport/FailureReason.h"
+
 namespace vantro::service {
 
 /// Why a token did not do what was asked of it.
@@ -48,6 +50,36 @@ enum class TokenFailure
         return "The token's answer is damaged.";
     }
     return "Unknown failure.";
+}
+
+/// For the caller.
+[[nodiscard]] constexpr std::string_view reasonOf(TokenFailure failure)
+{
+    switch (failure) {
+    case TokenFailure::NoToken:
+        return failure_reason::noToken;
+    case TokenFailure::NoTokenWithSerial:
+        return failure_reason::noTokenWithSerial;
+    case TokenFailure::NoKeyboardInterface:
+        return failure_reason::noKeyboardInterface;
+    case TokenFailure::Busy:
+        return failure_reason::tokenBusy;
+    case TokenFailure::Gone:
+        return failure_reason::tokenGone;
+    case TokenFailure::NotAllowed:
+        return failure_reason::deviceNotAllowed;
+    case TokenFailure::TransferFailed:
+        return failure_reason::transferFailed;
+    case TokenFailure::NoAnswer:
+        return failure_reason::noAnswer;
+    case TokenFailure::SlotNotProgrammed:
+        return failure_reason::slotNotProgrammed;
+    case TokenFailure::TouchMissing:
+        return failure_reason::notTouched;
+    case TokenFailure::BadAnswer:
+        return failure_reason::badAnswer;
+    }
+    return failure_reason::internal;
 }
 
 } // namespace vantro::service

@@ -37,6 +37,7 @@ struct TokenRegistry::Token
     std::set<std::string> interfaces;
     std::optional<HidInterface> keyboard;
     std::optional<std::uint64_t> serial;
+    bool hasFailed = false;
     bool isBusy = false;
     bool isGone = false;
 };
@@ -95,6 +96,20 @@ std::optional<std::uint64_t> TokenRegistry::knownSerial(TokenNumber number) cons
     const std::lock_guard lock(mutex_);
     const auto token = find(number);
     return token ? token->serial : std::nullopt;
+}
+
+void TokenRegistry::setHasFailed(TokenNumber number)
+{
+    const std::lock_guard lock(mutex_);
+    if (const auto token = find(number))
+        token->hasFailed = true;
+}
+
+bool TokenRegistry::isPromising(TokenNumber number) const
+{
+    const std::lock_guard lock(mutex_);
+    const auto token = find(number);
+    return token && token->keyboard && !token->isBusy && !token->hasFailed;
 }
 
 void TokenRegistry::watch(const std::stop_token& stop)

@@ -39,6 +39,13 @@ class TokenRegistry
     /// Takes a token for one or more exchanges: waits until its keyboard interface is there and nobody else has it.
     [[nodiscard]] Outcome<TokenLease, TokenFailure> acquire(TokenNumber number, const Limit& limit);
 
+    /// Notes that the token did not tell its serial.
+    void setHasFailed(TokenNumber number);
+
+    /// Whether the token may be expected to answer: its keyboard interface is there, nobody else has it, and it has not
+    /// failed before.
+    [[nodiscard]] bool isPromising(TokenNumber number) const;
+
     /// The token's serial if it was read before.
     [[nodiscard]] std::optional<std::uint64_t> knownSerial(TokenNumber number) const;
 

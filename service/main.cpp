@@ -83,7 +83,7 @@ int run(const Logger& logger)
         TokenRegistry registry(logger);
         RecordStore recordStore(records);
         const RegisteredKeys registeredKeys(settings / VantroStandaloneSetting::fileName, recordStore);
-        ChallengeResponse challengeResponse(registry, recordStore, logger);
+        ChallengeResponse challengeResponse(registry, recordStore, registeredKeys, logger);
         PamStore pamStore(pamFolders, registeredKeys, logger);
         const StandaloneObject object(*connection, challengeResponse, pamStore, logger);
         connection->requestName(label);

@@ -10,10 +10,13 @@ namespace vantro {
 /// The privileged service's name on the system bus, and its interface's.
 inline constexpr const char* label = "com.vantro.Standalone1";
 
+/// The interface that tells why a request failed.
+inline constexpr const char* diagnosisInterface = "com.vantro.Standalone1.Diagnosis";
+
 /// The one object that the service exports.
 inline constexpr const char* serviceObjectPath = "/com/vantro/Standalone1";
 
-/// The D-Bus names of the service's six methods and their signatures.
+/// The D-Bus names of the service's methods and their signatures.
 namespace service_method {
 inline constexpr const char* getSerial = "GetSerial";                     // → t
 inline constexpr const char* createCRSettingFile = "CreateCRSettingFile"; // t → b
@@ -21,6 +24,8 @@ inline constexpr const char* removeCRSettingFile = "RemoveCRSettingFile"; // t �
 inline constexpr const char* validate = "Validate";                       // t → b
 inline constexpr const char* savePamSetting = "SavePamSetting";           // ay → b
 inline constexpr const char* removePamSetting = "RemovePamSetting";       // ay → b
+/// In the interface of the diagnosis: why the caller's last request was answered false or 0 (FailureReason.h).
+inline constexpr const char* lastFailure = "LastFailure"; // → s
 } // namespace service_method
 
 /// What the tool can ask of the privileged service. Every call returns at once; its reply block runs once, on a thread

@@ -1,9 +1,37 @@
 #include "foundation/KeyedArchive.h"
 
+#include <utility>
+
 namespace vantro::keyed_archive {
 namespace {
 constexpr const char* classKey = "$class";
-}
+
+/// Goes through an archive and stops at the first value that is nested in another one than the object itself.
+class FlatObject : public nlohmann::json_sax<Fields>
+{
+  public:
+    bool null() override { return true; }
+    bool boolean(bool /*value*/) override { return true; }
+    bool number_integer(number_integer_t /*value*/) override { return true; }
+    bool number_unsigned(number_unsigned_t /*value*/) override { return true; }
+    bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
+    bool string(string_t& /*value*/) override { return true; }
+    bool binary(binary_t& /*value*/) override { return true; }
+    bool start_object(std::size_t /*count*/) override { return !std::exchange(isInside_, true); }
+    bool key(string_t& /*value*/) override { return true; }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t /*count*/) override { return false; }
+    bool end_array() override { return true; }
+    bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                     const nlohmann::detail::exception& /*error*/) override
+    {
+        return false;
+    }
+
+  private:
+    bool isInside_ = false;
+};
+} // namespace
 
 std::optional<ArchiveData> encode(std::string_view className, const Fields& fields)
 {
@@ -27,6 +55,10 @@ std::optional<Fields> decode(const ArchiveData& data, std::string_view className
         return std::nullopt;
     Fields archive;
     try {
+        // The library calls itself for each level, as deep as the bytes say.
+        FlatObject flat;
+        if (!Fields::sax_parse(data, &flat, Fields::input_format_t::cbor))
+            return std::nullopt;
         archive = Fields::from_cbor(data);
     } catch (const Fields::exception&) {
         // Asked not to throw, the library still does for some counts, so it is let throw for everything.

@@ -21,7 +21,7 @@ namespace keyed_archive {
 using Fields = nlohmann::ordered_json;
 
 /// No archive of this system comes near this many bytes; a larger one is refused unread.
-inline constexpr std::size_t sizeLimit = 4096;
+inline constexpr std::size_t sizeLimit = 1024;
 
 /// `fields` must be an object. Nothing when a field's text is no valid UTF-8 or the archive would be too large.
 [[nodiscard]] std::optional<ArchiveData> encode(std::string_view className, const Fields& fields);

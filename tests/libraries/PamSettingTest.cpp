@@ -128,6 +128,9 @@ TEST(PamSetting, RefusesBytesThatAreNotItsArchive)
     constexpr std::uint8_t tag = 0xc1;
     for (const std::uint8_t byte : {arrayOfOne, mapOfOne, tag, std::uint8_t{0x9f}, std::uint8_t{0xbf}})
         EXPECT_FALSE(PamSetting::unarchived(ArchiveData(keyed_archive::sizeLimit, byte))) << "as deep as it gets";
+    auto nested = exampleFields();
+    nested["fileName"] = {{"fileName", "authorization"}};
+    EXPECT_FALSE(keyed_archive::decode(ordered_json::to_cbor(nested), "PamSetting")) << "a value inside a value";
     for (const int kind : {0x5b, 0x7b, 0x9b, 0xbb}) {
         data.assign(9, 0x7f);
         data.front() = static_cast<std::uint8_t>(kind);

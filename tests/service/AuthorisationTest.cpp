@@ -11,7 +11,8 @@ namespace {
 
 constexpr const char* methods[] = {service_method::getSerial,           service_method::createCRSettingFile,
                                    service_method::removeCRSettingFile, service_method::validate,
-                                   service_method::savePamSetting,      service_method::removePamSetting};
+                                   service_method::savePamSetting,      service_method::removePamSetting,
+                                   service_method::lastFailure};
 
 TEST(AuthorisationTest, EveryMethodIsForAdministratorsAlone)
 {

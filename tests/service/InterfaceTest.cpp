@@ -22,18 +22,19 @@ namespace {
 using testing::IsEmpty;
 using testing::Not;
 
-/// The methods of the service's interface, an argument a line: "Validate in t serial".
+/// The methods of the service's own interfaces, an argument a line: "com.vantro.Standalone1 Validate in t serial".
 std::vector<std::string> methodsOf(const std::string& introspection)
 {
     pugi::xml_document document;
     EXPECT_TRUE(document.load_string(introspection.c_str())) << introspection;
     std::vector<std::string> lines;
     for (const auto& interface : document.child("node").children("interface")) {
-        if (std::string(interface.attribute("name").value()) != label)
+        const std::string name = interface.attribute("name").value();
+        if (!name.starts_with(label))
             continue;
         for (const auto& method : interface.children("method"))
             for (const auto& argument : method.children("arg"))
-                lines.push_back(std::string(method.attribute("name").value()) + " " +
+                lines.push_back(name + " " + method.attribute("name").value() + " " +
                                 argument.attribute("direction").value() + " " + argument.attribute("type").value() +
                                 " " + argument.attribute("name").value());
     }

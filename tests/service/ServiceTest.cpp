@@ -1,9 +1,12 @@
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <limits>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "service/ServiceFixture.h"
@@ -16,6 +19,22 @@ using namespace std::chrono_literals;
 using lab::TokenInterface;
 using lab::VirtualToken;
 using Clock = std::chrono::steady_clock;
+
+/// Calls the service as another user and answers what dbus-send printed.
+std::string callAs(const std::string& groups, const PrivateBus& bus)
+{
+    const std::string command = "setpriv --reuid=65534 --regid=65534 " + groups +
+                                " env -u LD_PRELOAD dbus-send --bus=" + bus.address() +
+                                " --print-reply --dest=" + label + " " + serviceObjectPath + " " + label + "." +
+                                service_method::getSerial + " 2>&1";
+    FILE* const pipe = ::popen(command.c_str(), "r");
+    std::string output;
+    char buffer[256];
+    while (std::fgets(buffer, sizeof buffer, pipe) != nullptr)
+        output += buffer;
+    ::pclose(pipe);
+    return output;
+}
 
 class SerialTest : public ServiceFixture
 {
@@ -80,16 +99,19 @@ TEST_F(SerialTest, IsZeroInTimeWhenNoneCanBeRead)
     withoutKeyboard.unplug();
     unsupported.plugIn();
     EXPECT_EQ(client.getSerial(), 0U);
-    EXPECT_TRUE(logSays("No token is plugged in."));
+    EXPECT_EQ(client.lastFailure(), "no-token");
 }
 
 TEST_F(SerialTest, HangingTokenIsGivenUpAndDelaysNobodyElse)
 {
     auto profile = tokenOf(11);
     profile.transferTime = 5s; // as long as the kernel waits for a transfer
+    VirtualToken older(bed, tokenOf(13));
+    older.plugIn();
     VirtualToken hanging(bed, profile);
     hanging.plugIn();
-    EXPECT_TRUE(client.removeCRSettingFile(11)); // starts the service
+    EXPECT_FALSE(client.createCRSettingFile(13)) << "the newest is asked first and takes all the time";
+    EXPECT_TRUE(client.createCRSettingFile(13)) << "who has failed is asked last";
     const auto start = Clock::now();
     auto serial = std::async(std::launch::async, [] { return ServiceClient().getSerial(); });
     ASSERT_TRUE(opens(hanging.deviceNode(TokenInterface::keyboard)));
@@ -124,6 +146,47 @@ TEST_F(RecordTest, IsWrittenForTheTokenThatHasTheSerial)
     EXPECT_EQ(std::distance(fs::directory_iterator(prefix.records()), fs::directory_iterator()), 1);
 }
 
+TEST_F(RecordTest, StaysWithTheTokenThatItWasWrittenForWhileAnyListNamesIt)
+{
+    VirtualToken token(bed, tokenOf(11));
+    token.plugIn();
+    ASSERT_TRUE(client.createCRSettingFile(11));
+    token.unplug();
+    auto profile = tokenOf(11);
+    profile.otp.slots[1].key = lab::SlotKey{3, 2, 1};
+    VirtualToken claimant(bed, profile);
+    claimant.plugIn();
+    const fs::path document = prefix.settings() / VantroStandaloneSetting::fileName;
+    std::vector<std::function<void()>> namings;
+    for (int list = 0; list < 3; ++list)
+        namings.emplace_back([this, list] {
+            VantroStandaloneSetting setting;
+            setting.users.emplace_back("alice");
+            auto* const keys = list == 0   ? &setting.users.back().keys
+                               : list == 1 ? &setting.masterKeySetting.masterKeys
+                                           : &setting.adminSetting.adminKeys;
+            keys->emplace_back(11);
+            prefix.store(setting);
+        });
+    namings.emplace_back([&] { writeFile(document, "<"); });
+    const std::string record = contentOf(recordOf(11));
+    for (const auto& name : namings) {
+        name();
+        EXPECT_FALSE(client.createCRSettingFile(11)) << contentOf(document);
+        EXPECT_EQ(client.lastFailure(), "claims-another");
+        EXPECT_EQ(contentOf(recordOf(11)), record);
+    }
+    claimant.unplug();
+    token.plugIn();
+    EXPECT_TRUE(client.createCRSettingFile(11)) << "the token itself may be registered again";
+    EXPECT_TRUE(waitUntil([&] { return contentOf(recordOf(11)) != record; })) << "with a new challenge";
+    token.unplug();
+
+    claimant.plugIn();
+    prefix.store({});
+    EXPECT_TRUE(client.createCRSettingFile(11)) << "nobody relies on the record any more";
+}
+
 TEST_F(RecordTest, TakesSlotOneWhenSlotTwoIsNotProgrammed)
 {
     auto profile = tokenOf(11);
@@ -148,7 +211,7 @@ TEST_F(RecordTest, WaitsForATouch)
     const auto start = Clock::now();
     EXPECT_FALSE(client.createCRSettingFile(11));
     EXPECT_LT(Clock::now() - start, 5s);
-    EXPECT_TRUE(logSays("The token was not touched in time."));
+    EXPECT_EQ(client.lastFailure(), "not-touched");
     EXPECT_FALSE(token.isWaitingForTouch()) << "it goes on blinking";
 
     auto interrupted = std::async(std::launch::async, [this] { return client.createCRSettingFile(11); });
@@ -165,7 +228,7 @@ TEST_F(RecordTest, RefusalsWriteNothing)
     VirtualToken unprogrammed(bed, profile);
     unprogrammed.plugIn();
     EXPECT_FALSE(client.createCRSettingFile(11));
-    EXPECT_TRUE(logSays("No slot of the token is programmed"));
+    EXPECT_EQ(client.lastFailure(), "slot-not-programmed");
 
     EXPECT_FALSE(client.createCRSettingFile(0));
     EXPECT_FALSE(client.createCRSettingFile(std::numeric_limits<std::uint64_t>::max()));
@@ -175,12 +238,12 @@ TEST_F(RecordTest, RefusalsWriteNothing)
     token.plugIn();
     fs::permissions(prefix.records(), fs::perms::owner_all | fs::perms::group_read);
     EXPECT_FALSE(client.createCRSettingFile(12));
-    EXPECT_TRUE(logSays("is open to others"));
+    EXPECT_EQ(client.lastFailure(), "records-folder");
     fs::permissions(prefix.records(), fs::perms::owner_all);
 
     fs::create_symlink("elsewhere", recordOf(12));
     EXPECT_FALSE(client.createCRSettingFile(12));
-    EXPECT_TRUE(logSays("is a symbolic link"));
+    EXPECT_EQ(client.lastFailure(), "record-unusable");
     EXPECT_FALSE(fs::exists(prefix.records() / "elsewhere"));
     fs::remove(recordOf(12));
 
@@ -215,20 +278,29 @@ TEST_F(RecordTest, ServiceEndsCleanlyInTheMiddleOfARequest)
     EXPECT_TRUE(WIFEXITED(*status)) << "losing the bus is no crash either";
 }
 
-/// Calls the service as another user and answers what dbus-send printed.
-std::string callAs(const std::string& groups, const PrivateBus& bus)
+TEST_F(RecordTest, RequestsOfOneAccountLeaveRoomForOthers)
 {
-    const std::string command = "setpriv --reuid=65534 --regid=65534 " + groups +
-                                " env -u LD_PRELOAD dbus-send --bus=" + bus.address() +
-                                " --print-reply --dest=" + label + " " + serviceObjectPath + " " + label + "." +
-                                service_method::getSerial + " 2>&1";
-    FILE* const pipe = ::popen(command.c_str(), "r");
-    std::string output;
-    char buffer[256];
-    while (std::fgets(buffer, sizeof buffer, pipe) != nullptr)
-        output += buffer;
-    ::pclose(pipe);
-    return output;
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "needs root to call as another user";
+    auto profile = tokenOf(11);
+    profile.otp.slots[1].needsTouch = true;
+    VirtualToken token(bed, profile);
+    token.plugIn();
+    EXPECT_EQ(client.getSerial(), 11U);
+    constexpr int flood = 60;
+    std::atomic<int> refused = 0;
+    std::vector<std::future<void>> requests;
+    for (int request = 0; request < flood; ++request)
+        requests.push_back(std::async(std::launch::async, [&refused] {
+            try {
+                ServiceClient().createCRSettingFile(11);
+            } catch (const sdbus::Error& error) {
+                refused += error.getName() == "org.freedesktop.DBus.Error.LimitsExceeded" ? 1 : 0;
+            }
+        }));
+    EXPECT_TRUE(waitUntil([&refused] { return refused > flood / 2; }));
+    EXPECT_NE(callAs("--groups=sudo", bus).find("uint64 11"), std::string::npos);
+    token.unplug();
 }
 
 TEST(CallerTest, OnlyAdministratorsGetAnAnswer)

@@ -73,6 +73,13 @@ TEST_F(ValidateTest, WaitsForATouchAndThenKeepsTheChallenge)
     EXPECT_EQ(validated.wait_for(4500ms), std::future_status::timeout) << "there is time to find the token";
     token.touch();
     EXPECT_TRUE(validated.get());
+    auto overtaken = std::async(std::launch::async, [this] { return client.validate(11); });
+    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+    EXPECT_TRUE(ServiceClient().removeCRSettingFile(11));
+    token.touch();
+    EXPECT_FALSE(overtaken.get()) << "its record went while it was waited for";
+    EXPECT_EQ(client.lastFailure(), "no-record");
+    writeFile(recordOf(11), record, 0600);
     // The token is free again only after everything that belongs to the validation.
     auto next = std::async(std::launch::async, [this] { return client.createCRSettingFile(11); });
     ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));

@@ -5,6 +5,7 @@
 namespace vantro::tests {
 
 const char* const ServiceClient::interface = label;
+const char* const ServiceClient::diagnosis = diagnosisInterface;
 
 ServiceClient::ServiceClient()
     : connection_(sdbus::createSystemBusConnection()),

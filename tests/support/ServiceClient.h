@@ -23,13 +23,21 @@ class ServiceClient
     bool savePamSetting(const std::vector<std::uint8_t>& setting) { return call<bool>("SavePamSetting", setting); }
     bool removePamSetting(const std::vector<std::uint8_t>& setting) { return call<bool>("RemovePamSetting", setting); }
 
+    std::string lastFailure() { return callOn<std::string>(diagnosis, "LastFailure"); }
+
   private:
     template <class Value, class... Arguments>
     Value call(const std::string& method, const Arguments&... arguments)
     {
+        return callOn<Value>(interface, method, arguments...);
+    }
+
+    template <class Value, class... Arguments>
+    Value callOn(const char* where, const std::string& method, const Arguments&... arguments)
+    {
         Value value = {};
         proxy_->callMethod(method)
-            .onInterface(interface)
+            .onInterface(where)
             .withTimeout(std::chrono::seconds(60))
             .withArguments(arguments...)
             .storeResultsTo(value);
@@ -37,6 +45,7 @@ class ServiceClient
     }
 
     static const char* const interface;
+    static const char* const diagnosis;
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<sdbus::IProxy> proxy_;
 };
