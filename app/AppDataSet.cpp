@@ -63,12 +63,12 @@ void AppDataSet::loadOrCreateSetting()
 void AppDataSet::openUpFilePermissions() const
 {
     std::error_code error;
-    const auto attributes = FileManager::attributesOfItem(VantroStandaloneSetting::url(), error);
-    if (attributes) {
+    if (const auto document = FileManagerItem::open(VantroStandaloneSetting::url(), error)) {
         const std::string userName = NSUserName();
-        if (!attributes->ownerAccountName || (*attributes->ownerAccountName != userName && userName != "root"))
+        const auto owner = document->ownerAccountName();
+        if (!owner || (*owner != userName && userName != "root"))
             return;
-        error = FileManager::setPosixPermissions(VantroStandaloneSetting::url(), openDocumentMode);
+        error = document->setPosixPermissions(openDocumentMode);
     }
     if (error) {
         logger.warning("Failed to change file permissions.", initFunction);

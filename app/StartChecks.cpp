@@ -43,6 +43,11 @@ bool isOnlyTool()
     lockFile.replace_extension("lock");
     // Never closed: the kernel would take the lock back.
     static const auto* const lock = new ProcessLock(lockFile);
+    if (const auto failure = lock->failure()) {
+        sayGoodbye(StartMessage::lockUnusableHeading(),
+                   StartMessage::lockUnusable().arg(shownPath(lockFile), QString::fromStdString(failure.message())));
+        return false;
+    }
     if (!lock->isHeldByAnother())
         return true;
 
@@ -55,6 +60,21 @@ bool isOnlyTool()
     sayGoodbye(StartMessage::alreadyOpenHeading(),
                name ? StartMessage::alreadyOpenBy().arg(QString::fromStdString(*name)) : StartMessage::alreadyOpen());
     return false;
+}
+
+void quitUnlessInvalidDocumentIsKept()
+{
+    const auto error = VantroStandaloneSetting::keepInvalid();
+    if (!error)
+        return;
+    AppDataSet::shared()
+        .logger.inFile("StartChecks")
+        .error("The invalid settings document can't be kept: " + error.message() + ". The tool closes.",
+               "quitUnlessInvalidDocumentIsKept()");
+    sayGoodbye(StartMessage::documentNotKeptHeading(),
+               StartMessage::documentNotKept().arg(shownPath(VantroStandaloneSetting::url()),
+                                                   QString::fromStdString(error.message())));
+    NSApplication::terminate();
 }
 
 void quitUnlessDocumentCanBeRead()

@@ -12,4 +12,8 @@ namespace vantro {
 /// thread.
 void quitUnlessDocumentCanBeRead();
 
+/// Before a document that is no valid one is replaced: keeps it beside the new one. Ends the process, with an alert
+/// that says what to do, when it can't be kept. Main thread.
+void quitUnlessInvalidDocumentIsKept();
+
 } // namespace vantro

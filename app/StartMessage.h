@@ -26,6 +26,18 @@ struct StartMessage
     {
         return message<"StartMessage", "document_not_written_heading">();
     }
+    static const QString& lockUnusableHeading() { return message<"StartMessage", "lock_unusable_heading">(); }
+    /// %1: the lock file's path; %2: the system's reason.
+    static const QString& lockUnusable() { return message<"StartMessage", "lock_unusable">(); }
+    static const QString& documentNotKeptHeading() { return message<"StartMessage", "document_not_kept_heading">(); }
+    /// %1: the document's path; %2: the system's reason.
+    static const QString& documentNotKept() { return message<"StartMessage", "document_not_kept">(); }
+    static const QString& defaultsNotStoredHeading()
+    {
+        return message<"StartMessage", "defaults_not_stored_heading">();
+    }
+    /// %1: the path of the user defaults.
+    static const QString& defaultsNotStored() { return message<"StartMessage", "defaults_not_stored">(); }
     /// %1: the document's path.
     static const QString& documentNotWritten() { return message<"StartMessage", "document_not_written">(); }
 };

@@ -155,8 +155,11 @@ std::optional<RequestFailure> PamStore::carryOut(const Plan& plan) const
             return failure;
         logger_.warning("The text from before the change is not kept. " + failure->text, "carryOut(_:)");
     }
-    const auto error = replaceFile(plan.path, plan.after, {plan.before.mode, {}, plan.before.group});
-    return error ? std::optional(inFile(systemFailure(plan.path, error.value()))) : std::nullopt;
+    const auto written = replaceFile(plan.path, plan.after, {plan.before.mode, {}, plan.before.group, {}});
+    if (!written.isDone)
+        return inFile(systemFailure(plan.path, written.error.value()));
+    warnUnlessDurable(logger_, plan.path, written);
+    return std::nullopt;
 }
 
 std::optional<RequestFailure> PamStore::jumpFailure(const PamFile& file, const PamSetting& setting) const
@@ -202,8 +205,8 @@ std::optional<RequestFailure> PamStore::keep(const Plan& plan) const
     if (const auto failure = folderFailure(folders_.backup, openToOthers))
         return told(*failure);
     const auto path = folders_.backup / plan.path.filename();
-    const auto error = replaceFile(path, plan.before.content, {backupMode, {}, {}});
-    return error ? std::optional(told(systemFailure(path, error.value()))) : std::nullopt;
+    const auto written = replaceFile(path, plan.before.content, {backupMode, {}, {}, {}});
+    return written.isDone ? std::nullopt : std::optional(told(systemFailure(path, written.error.value())));
 }
 
 } // namespace vantro::service

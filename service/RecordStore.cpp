@@ -51,8 +51,11 @@ std::optional<FileFailure> RecordStore::writeFailure(std::uint64_t serial) const
 std::optional<FileFailure> RecordStore::replace(const ChallengeRecord& record) const
 {
     const auto path = fileOf(record.serial);
-    const auto error = replaceFile(path, record.formatted(), {recordMode, {}, {}});
-    return error ? std::optional(systemFailure(path, error.value())) : std::nullopt;
+    const auto written = replaceFile(path, record.formatted(), {recordMode, {}, {}, {}});
+    if (!written.isDone)
+        return systemFailure(path, written.error.value());
+    warnUnlessDurable(logger_, path, written);
+    return std::nullopt;
 }
 
 std::optional<FileFailure> RecordStore::write(const ChallengeRecord& record)
@@ -99,8 +102,9 @@ Outcome<bool, FileFailure> RecordStore::remove(std::uint64_t serial)
     if (::unlink(path.c_str()) != 0)
         return errno == ENOENT ? Outcome<bool, FileFailure>(false) : systemFailure(path, errno);
     const FileDescriptor folder(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder || ::fsync(folder.get()) != 0)
-        return systemFailure(folder_, errno);
+    const bool isDurable = folder && ::fsync(folder.get()) == 0;
+    warnUnlessDurable(logger_, folder_,
+                      {true, isDurable ? std::error_code() : std::error_code(errno, std::generic_category())});
     return true;
 }
 

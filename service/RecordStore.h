@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 
+#include "LoggerManager/Logger.h"
 #include "service/ChallengeRecord.h"
 #include "service/Outcome.h"
 #include "service/TrustedFile.h"
@@ -16,7 +17,10 @@ namespace vantro::service {
 class RecordStore
 {
   public:
-    explicit RecordStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
+    RecordStore(std::filesystem::path folder, const Logger& logger)
+        : folder_(std::move(folder)), logger_(logger.inFile("RecordStore"))
+    {
+    }
 
     /// Says why the folder can't be used; nothing when it can.
     [[nodiscard]] std::optional<FileFailure> folderFailure() const;
@@ -41,6 +45,7 @@ class RecordStore
     [[nodiscard]] std::optional<FileFailure> replace(const ChallengeRecord& record) const;
 
     const std::filesystem::path folder_;
+    const Logger logger_;
     std::mutex mutex_;
 };
 

@@ -63,6 +63,14 @@ FileFailure systemFailure(const std::filesystem::path& path, int error)
     }
 }
 
+void warnUnlessDurable(const Logger& logger, const std::filesystem::path& path, const Replacement& replacement)
+{
+    if (!replacement.isDurable())
+        logger.warning(path.string() +
+                           " is in place, but may not outlast a loss of power: " + replacement.error.message() + ".",
+                       "warnUnlessDurable(_:path:)");
+}
+
 std::optional<FileFailure> folderFailure(const std::filesystem::path& folder, mode_t forbidden)
 {
     if (!folder.is_absolute())

@@ -7,6 +7,8 @@
 
 #include <sys/types.h>
 
+#include "LoggerManager/Logger.h"
+#include "foundation/DurableFile.h"
 #include "service/Outcome.h"
 
 namespace vantro::service {
@@ -55,6 +57,9 @@ struct TrustedFile
 /// bytes, without following a symbolic link.
 [[nodiscard]] Outcome<TrustedFile, FileFailure> readTrustedFile(const std::filesystem::path& path, mode_t forbidden,
                                                                 std::size_t limit);
+
+/// Notes in the log that a file is in place and may not outlast a loss of power.
+void warnUnlessDurable(const Logger& logger, const std::filesystem::path& path, const Replacement& replacement);
 
 /// The failure of a call that set errno, or of a function that answered an error.
 [[nodiscard]] FileFailure systemFailure(const std::filesystem::path& path, int error);

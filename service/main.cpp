@@ -13,6 +13,7 @@
 #include "LoggerManager/LoggerManager.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "foundation/Bundle.h"
+#include "foundation/DurableFile.h"
 #include "foundation/FileDescriptor.h"
 #include "service/ChallengeResponse.h"
 #include "service/PamStore.h"
@@ -78,10 +79,12 @@ int run(const Logger& logger)
         return EXIT_FAILURE;
     }
     try {
+        for (const auto& folder : {records, pamFolders.services, pamFolders.backup})
+            removeUnfinishedReplacements(folder);
         const auto connection = sdbus::createSystemBusConnection();
         SignalWatch signals;
         TokenRegistry registry(logger);
-        RecordStore recordStore(records);
+        RecordStore recordStore(records, logger);
         const RegisteredKeys registeredKeys(settings / VantroStandaloneSetting::fileName, recordStore);
         ChallengeResponse challengeResponse(registry, recordStore, registeredKeys, logger);
         PamStore pamStore(pamFolders, registeredKeys, logger);

@@ -135,6 +135,7 @@ class SettingReader
                                  std::find(known.begin(), known.end(), child.name()) != known.end();
             if (isKnown)
                 continue;
+            setting_.hasForeignNodes_ = true;
             if (!foreign.parent)
                 foreign = {foreign_, foreign_->append_child("element")};
             auto copy = foreign.parent.append_copy(child);

@@ -52,13 +52,11 @@ class Writer : public pugi::xml_writer
     void foreign(const ForeignNodes& nodes)
     {
         for (const auto& node : nodes.parent.children()) {
-            const bool isText = node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
-            if (isText)
-                startLine();
-            node.print(*this, indent.data(), isText ? pugi::format_raw : pugi::format_indent, pugi::encoding_utf8,
-                       depth_);
-            if (isText)
-                text_ += '\n';
+            // As it is: line breaks and indents of our own, for each level of something deeply nested, could make a
+            // small document a huge one.
+            startLine();
+            node.print(*this, "", pugi::format_raw, pugi::encoding_utf8);
+            text_ += '\n';
         }
     }
 

@@ -103,13 +103,24 @@ class VantroStandaloneSetting
     /// The document's file: the name in the settings folder of the information dictionary.
     static const std::filesystem::path& url();
 
-    /// Replaces the file whole and durably and keeps its mode. A file that is there and can't be read (or is larger
-    /// than readXML() takes) is first kept aside, under the name with ".unreadable" appended (or the first free "…-1"
-    /// and so on behind it); where that can't be done it is left alone and nothing is written. A failure is logged and
-    /// leaves the old file, and posts DocumentNotWritten.
+    /// Replaces the file whole and durably and keeps its mode. A file that is there and can't be read (a link, a file
+    /// of several names, one that is larger than readXML() takes, one that the account may not read) is kept aside in
+    /// the instant in which the new one takes its place, under the name with ".unreadable" appended (or the first free
+    /// "…-1" and so on behind it). One that could not be read before and now can is left alone, and so is one where
+    /// nothing can be kept aside: then nothing is written. Nor is anything that could not be read again. A failure is
+    /// logged and leaves the old file, and posts DocumentNotWritten.
     void write() const;
 
-    /// Why the document's file can't be read at the moment, a file that is missing included; no error where it can.
+    /// Keeps the document's file, which is no valid document, as the one with ".invalid" appended: a copy, or the file
+    /// itself where it can't be copied. What stood there is first moved to a free name (".invalid-old", "…-1"). An
+    /// error means that it is not kept.
+    [[nodiscard]] static std::error_code keepInvalid();
+
+    /// Whether the document was read with anything in it that this version does not know.
+    [[nodiscard]] bool hasForeignNodes() const { return hasForeignNodes_; }
+
+    /// Why the document's file could not be read when it was asked for last, or can't be read at the moment, a file
+    /// that is missing included; no error where it can.
     [[nodiscard]] static std::error_code readability();
 
     /// Why write() could not replace the file at the moment, as far as its folder tells; no error where it could.
@@ -121,6 +132,7 @@ class VantroStandaloneSetting
   private:
     friend class SettingReader;
     bool isValid_ = true;
+    bool hasForeignNodes_ = false;
     ForeignNodes foreign_;
     ForeignNodes foreignUsers_;
     /// What lies beside the root element.

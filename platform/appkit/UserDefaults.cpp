@@ -24,13 +24,14 @@ std::optional<bool> UserDefaults::object(const QString& key) const
     return settings_.value(key).toBool();
 }
 
-void UserDefaults::set(const QString& key, bool value)
+bool UserDefaults::set(const QString& key, bool value)
 {
     // Storing what is there already would only cost the start of the tool a write to the disk.
     if (object(key) == value)
-        return;
+        return true;
     settings_.setValue(key, value);
     settings_.sync();
+    return settings_.status() == QSettings::NoError;
 }
 
 } // namespace vantro

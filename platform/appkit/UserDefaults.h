@@ -21,7 +21,11 @@ class UserDefaults
     /// The stored Boolean; false when there is no such entry.
     [[nodiscard]] bool boolean(const QString& key) const { return object(key).value_or(false); }
 
-    void set(const QString& key, bool value);
+    /// False when the file can't be written.
+    bool set(const QString& key, bool value);
+
+    /// The file's path.
+    [[nodiscard]] QString file() const { return settings_.fileName(); }
 
   private:
     UserDefaults();

@@ -2,9 +2,10 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
+#include <cstdio>
 #include <fcntl.h>
 #include <random>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -19,16 +20,57 @@ std::error_code lastError()
     return {errno, std::generic_category()};
 }
 
-/// A name beside `path` that no other program uses: hidden, so that programs that read a whole folder pass it over.
-std::string temporaryName(const std::filesystem::path& path)
+constexpr std::string_view newFileEnd = ".new";
+
+/// What the names of new files for `name` begin with: hidden, so that programs that read a whole folder pass them over.
+std::string newFileBegin(const std::string& name)
+{
+    return "." + name + ".";
+}
+
+/// A name that no other program uses.
+std::string newFileName(const std::filesystem::path& path)
 {
     std::random_device random;
-    std::string name(1, '.');
-    name += path.filename().string();
-    name += '.';
+    std::string name = newFileBegin(path.filename().string());
     name += std::to_string(random());
-    name += ".new";
+    name += newFileEnd;
     return name;
+}
+
+/// Whether a file's name is one of newFileName(), for whatever file where `begin` is empty.
+bool isNewFileName(std::string_view name, std::string_view begin)
+{
+    if (!name.starts_with('.') || !name.starts_with(begin) || !name.ends_with(newFileEnd))
+        return false;
+    name.remove_suffix(newFileEnd.size());
+    const auto digits = name.substr(name.rfind('.') + 1);
+    const bool isNumbered = !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
+    // Between the dots stands the name of the file that was to be replaced.
+    return isNumbered &&
+           (begin.empty() ? name.size() > digits.size() + 2 : name.size() == begin.size() + digits.size());
+}
+
+/// Whoever writes a new file holds a lock on it.
+void removeUnlocked(int folder, const char* name)
+{
+    const FileDescriptor file(::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status = {};
+    if (file && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) &&
+        ::flock(file.get(), LOCK_EX | LOCK_NB) == 0)
+        ::unlinkat(folder, name, 0);
+}
+
+void removeUnfinished(const std::filesystem::path& folder, std::string_view begin)
+{
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error);
+         descriptor && !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (isNewFileName(name, begin))
+            removeUnlocked(descriptor.get(), name.c_str());
+    }
 }
 
 std::error_code fill(int file, std::string_view content, const ReplacementOptions& options)
@@ -52,31 +94,56 @@ std::error_code fill(int file, std::string_view content, const ReplacementOption
     return {};
 }
 
+/// Puts the new file in the place of the old one.
+std::error_code takePlace(int folder, const char* name, const std::filesystem::path& path,
+                          const std::optional<std::filesystem::path>& aside)
+{
+    if (!aside)
+        return ::renameat(folder, name, folder, path.filename().c_str()) == 0 ? std::error_code() : lastError();
+    // Under the name that the old one is to have, and then both names change hands at once: at every instant there is a
+    // file in the place.
+    if (::renameat2(folder, name, folder, aside->filename().c_str(), RENAME_NOREPLACE) != 0)
+        return lastError();
+    if (::renameat2(folder, aside->filename().c_str(), folder, path.filename().c_str(), RENAME_EXCHANGE) == 0)
+        return {};
+    const auto error = lastError();
+    ::unlinkat(folder, aside->filename().c_str(), 0);
+    return error;
+}
+
 } // namespace
 
-std::error_code replaceFile(const std::filesystem::path& path, std::string_view content,
-                            const ReplacementOptions& options)
+Replacement replaceFile(const std::filesystem::path& path, std::string_view content, const ReplacementOptions& options)
 {
+    removeUnfinished(path.parent_path(), newFileBegin(path.filename().string()));
     const FileDescriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder)
-        return lastError();
+        return {false, lastError()};
 
-    const std::string name = temporaryName(path);
-    FileDescriptor file(
+    const std::string name = newFileName(path);
+    // Kept open to the end, for the lock that keeps the new file from being taken for one that was left behind.
+    const FileDescriptor file(
         ::openat(folder.get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file)
-        return lastError();
+        return {false, lastError()};
 
-    std::error_code error = fill(file.get(), content, options);
-    if (!error && !file.close())
+    std::error_code error;
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0)
         error = lastError();
-    if (!error && ::renameat(folder.get(), name.c_str(), folder.get(), path.filename().c_str()) != 0)
-        error = lastError();
+    if (!error)
+        error = fill(file.get(), content, options);
+    if (!error)
+        error = takePlace(folder.get(), name.c_str(), path, options.aside);
     if (error) {
         ::unlinkat(folder.get(), name.c_str(), 0);
-        return error;
+        return {false, error};
     }
-    return ::fsync(folder.get()) == 0 ? std::error_code() : lastError();
+    return {true, ::fsync(folder.get()) == 0 ? std::error_code() : lastError()};
+}
+
+void removeUnfinishedReplacements(const std::filesystem::path& folder)
+{
+    removeUnfinished(folder, {});
 }
 
 std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit, std::error_code& error,
@@ -93,6 +160,10 @@ std::optional<std::string> readFile(const std::filesystem::path& path, std::size
     }
     if (!S_ISREG(status.st_mode)) {
         error = std::make_error_code(std::errc::not_supported);
+        return std::nullopt;
+    }
+    if (links == Links::Refuse && status.st_nlink != 1) {
+        error = std::make_error_code(std::errc::too_many_links);
         return std::nullopt;
     }
 

@@ -1,26 +1,44 @@
 #include "foundation/FileManager.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include "foundation/Identity.h"
 
-namespace vantro::FileManager {
+namespace vantro {
 
-std::optional<FileAttributes> attributesOfItem(const std::filesystem::path& path, std::error_code& error)
+std::optional<FileManagerItem> FileManagerItem::open(const std::filesystem::path& path, std::error_code& error)
 {
+    // As a place, not for reading: a file that can't be read has attributes, too.
+    FileDescriptor file(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0) {
+    if (!file || ::fstat(file.get(), &status) != 0) {
         error = {errno, std::generic_category()};
         return std::nullopt;
     }
     error.clear();
-    return FileAttributes{loginName(status.st_uid)};
+    if (S_ISLNK(status.st_mode))
+        error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+    else if (!S_ISREG(status.st_mode))
+        error = std::make_error_code(std::errc::not_supported);
+    else if (status.st_nlink != 1)
+        error = std::make_error_code(std::errc::too_many_links);
+    if (error)
+        return std::nullopt;
+    return FileManagerItem(std::move(file), status.st_uid);
 }
 
-std::error_code setPosixPermissions(const std::filesystem::path& path, mode_t mode)
+std::optional<std::string> FileManagerItem::ownerAccountName() const
 {
-    return ::chmod(path.c_str(), mode) == 0 ? std::error_code() : std::error_code(errno, std::generic_category());
+    return loginName(owner_);
 }
 
-} // namespace vantro::FileManager
+std::error_code FileManagerItem::setPosixPermissions(mode_t mode) const
+{
+    // The kernel's own name of the descriptor, since fchmod() takes none that was opened as a place.
+    const std::string name = "/proc/self/fd/" + std::to_string(file_.get());
+    return ::chmod(name.c_str(), mode) == 0 ? std::error_code() : std::error_code(errno, std::generic_category());
+}
+
+} // namespace vantro

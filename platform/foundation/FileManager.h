@@ -4,25 +4,33 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <sys/types.h>
 
+#include "foundation/FileDescriptor.h"
+
 namespace vantro {
 
-/// What the tool asks about files beyond reading and replacing them. Any thread.
-namespace FileManager {
-
-/// The attributes of a file that the tool looks at.
-struct FileAttributes
+/// A file whose attributes the tool looks at and changes: the very one that was opened, whatever comes to stand under
+/// its name meanwhile. Any thread.
+class FileManagerItem
 {
+  public:
+    /// Opens a regular file of one name without following a symbolic link. Nothing, with the reason in `error`, where
+    /// there is none.
+    [[nodiscard]] static std::optional<FileManagerItem> open(const std::filesystem::path& path, std::error_code& error);
+
     /// The login name of the file's owner; absent when the directory does not know the owner's id.
-    std::optional<std::string> ownerAccountName;
+    [[nodiscard]] std::optional<std::string> ownerAccountName() const;
+
+    [[nodiscard]] std::error_code setPosixPermissions(mode_t mode) const;
+
+  private:
+    FileManagerItem(FileDescriptor file, uid_t owner) : file_(std::move(file)), owner_(owner) {}
+
+    FileDescriptor file_;
+    uid_t owner_;
 };
 
-/// Follows symbolic links. Nothing, with the reason in `error`, when the file can't be looked at.
-[[nodiscard]] std::optional<FileAttributes> attributesOfItem(const std::filesystem::path& path, std::error_code& error);
-
-[[nodiscard]] std::error_code setPosixPermissions(const std::filesystem::path& path, mode_t mode);
-
-} // namespace FileManager
 } // namespace vantro

@@ -1,6 +1,7 @@
 #include "foundation/ProcessLock.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -14,6 +15,19 @@ namespace vantro {
 namespace {
 
 constexpr mode_t lockFileMode = 0666;
+/// A lock that is refused and held by nobody again and again is none to be relied on.
+constexpr int attemptsMade = 100;
+
+std::error_code lastError()
+{
+    return {errno, std::generic_category()};
+}
+
+/// Whether the folder is missing, or this account can't make a file there.
+bool isNoPlaceForFiles(int error)
+{
+    return error == ENOENT || error == ENOTDIR || error == EACCES || error == EPERM || error == EROFS;
+}
 
 struct flock wholeFile()
 {
@@ -26,20 +40,37 @@ struct flock wholeFile()
 } // namespace
 
 ProcessLock::ProcessLock(const std::filesystem::path& file)
-    : file_(::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, lockFileMode))
+    : file_(::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, lockFileMode))
 {
     if (!file_)
-        return;
+        failure_ = isNoPlaceForFiles(errno) ? std::error_code() : lastError();
+    else
+        failure_ = take();
+}
+
+std::error_code ProcessLock::take()
+{
+    struct stat status = {};
+    if (::fstat(file_.get(), &status) != 0)
+        return lastError();
+    if (!S_ISREG(status.st_mode))
+        return std::make_error_code(std::errc::not_supported);
     // Whatever the umask. Only the file's owner can, and has done so then.
     [[maybe_unused]] const int changed = ::fchmod(file_.get(), lockFileMode);
-    struct flock lock = wholeFile();
-    while (::fcntl(file_.get(), F_SETLK, &lock) != 0) {
+    for (int attempt = 0; attempt < attemptsMade; ++attempt) {
+        struct flock lock = wholeFile();
+        if (::fcntl(file_.get(), F_SETLK, &lock) == 0)
+            return {};
+        if (errno == EINTR)
+            continue;
+        if (errno != EAGAIN && errno != EACCES)
+            return lastError();
         holder_ = blockingProcess();
         // None any more: it has ended between the two calls.
         if (holder_)
-            return;
-        lock = wholeFile();
+            return {};
     }
+    return std::make_error_code(std::errc::resource_unavailable_try_again);
 }
 
 std::optional<pid_t> ProcessLock::blockingProcess() const

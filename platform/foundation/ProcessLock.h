@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include <sys/types.h>
 
@@ -19,9 +20,13 @@ class ProcessLock
     /// enters the folder can take it.
     explicit ProcessLock(const std::filesystem::path& file);
 
-    /// Whether another process has the lock. False as well where the file can't be opened: who can't write to a folder
-    /// can't overwrite what is in it either.
+    /// Whether another process has the lock. False as well where no file can be made in the folder: who can't write to
+    /// it can't overwrite what is in it either.
     [[nodiscard]] bool isHeldByAnother() const { return holder_.has_value(); }
+
+    /// Why it can't be said whether another process has the lock: something else stands under the file's name, or the
+    /// file system has no locks.
+    [[nodiscard]] std::error_code failure() const { return failure_; }
 
     /// The user id of the process that has the lock; nothing when there is none or it can't be seen from here.
     [[nodiscard]] std::optional<uid_t> holder() const;
@@ -34,8 +39,11 @@ class ProcessLock
     /// The process that keeps us from the lock; 0 where the kernel can't name it here, nothing where nobody does.
     [[nodiscard]] std::optional<pid_t> blockingProcess() const;
 
+    [[nodiscard]] std::error_code take();
+
     FileDescriptor file_;
     std::optional<pid_t> holder_;
+    std::error_code failure_;
 };
 
 } // namespace vantro

@@ -1,5 +1,7 @@
 // The main window: its titles, the tool's start, the recovery of a broken document, and several tokens at once.
 
+#include <cstdlib>
+#include <iostream>
 #include <thread>
 
 #include <QAbstractButton>
@@ -11,6 +13,7 @@
 #include "CommonMessage.h"
 #include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
+#include "StartMessage.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
 #include "ViewController/DialogViewController.h"
 #include "ViewController/Main/KeyListViewController.h"
@@ -87,13 +90,26 @@ TEST_F(MainWindow, AsksForAccessUntilToldNotTo)
 TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
 {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    // One configuration for this process and the one that the exit is watched in.
+    constexpr auto variable = "VANTRO_TEST_CONFIGURATION";
+    ::setenv(variable, prefix.configHome().c_str(), 0);
+    ::setenv("XDG_CONFIG_HOME", ::getenv(variable), 1);
     store({});
     EXPECT_EXIT(open(), testing::ExitedWithCode(EXIT_SUCCESS),
                 "Display Alert(.|\n)*Close the application for the first time");
-
-    // What the first start leaves behind: an entry, although it says false.
-    UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
+    EXPECT_EQ(UserDefaults::standard().object(QStringLiteral("isFirstStart")), false)
+        << "an entry is left behind, although it says false";
     EXPECT_TRUE(open()->isVisible());
+}
+
+TEST_F(MainWindow, SaysWhyEveryStartIsTheFirstOne)
+{
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    ::setenv("XDG_CONFIG_HOME", "/proc/nowhere", 1);
+    store({});
+    whileAlert = [this] { std::cerr << alerts.back().message.toStdString() << '\n'; };
+    EXPECT_EXIT(open(), testing::ExitedWithCode(EXIT_SUCCESS),
+                testing::HasSubstr(StartMessage::defaultsNotStoredHeading().toStdString()));
 }
 
 class Recovery : public AppFixture, public testing::WithParamInterface<std::pair<const char*, std::string>>
@@ -160,6 +176,7 @@ TEST_P(Recovery, KeepsTheBrokenDocumentAndStartsAfresh)
 
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(contentOf(copy), broken);
+    EXPECT_EQ(contentOf(copy + "-old"), "from an earlier recovery");
     EXPECT_EQ(stored(), DocumentContent{});
     EXPECT_TRUE(dataSet().vantroStandaloneSetting.isValid());
     EXPECT_THAT(service->pamCalls(), ElementsAre("authorization:3", "screensaver:3", "screensaver_new:3"));

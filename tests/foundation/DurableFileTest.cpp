@@ -1,8 +1,12 @@
 #include "foundation/DurableFile.h"
 
+#include <cerrno>
 #include <csignal>
+#include <fcntl.h>
 #include <random>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -12,6 +16,22 @@
 #include "foundation/FileDescriptor.h"
 #include "support/Privileges.h"
 #include "support/TemporaryFolder.h"
+
+namespace {
+/// Set while folders can't be written to the disk.
+bool isFolderSyncFailing = false;
+} // namespace
+
+/// In place of the C library's.
+extern "C" int fsync(int descriptor)
+{
+    struct stat status = {};
+    if (isFolderSyncFailing && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = EIO;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_fsync, descriptor));
+}
 
 namespace vantro::tests {
 namespace {
@@ -37,13 +57,13 @@ TEST(ReplaceFile, SetsModeAndContentWhateverTheUmaskAndTheOldFile)
         for (const mode_t mode : {0600U, 0666U, 0444U}) {
             ::umask(mask);
             const std::string content = std::to_string(mask) + " " + std::to_string(mode);
-            EXPECT_FALSE(replaceFile(folder / "file", content, {mode, {}, {}}));
+            EXPECT_TRUE(replaceFile(folder / "file", content, {mode, {}, {}, {}}).isDurable());
             ::umask(0022);
             EXPECT_EQ(statusOf(folder / "file").st_mode & 07777, mode) << "umask " << mask;
             EXPECT_EQ(contentOf(folder / "file"), content);
         }
     }
-    EXPECT_FALSE(replaceFile(folder / "file", "", {}));
+    EXPECT_TRUE(replaceFile(folder / "file", "", {}).isDurable());
     EXPECT_EQ(contentOf(folder / "file"), "");
     EXPECT_EQ(entriesIn(folder.path()), 1U) << "no new file is left behind";
 }
@@ -55,7 +75,7 @@ TEST(ReplaceFile, ReplacesALinkAndNeverItsTarget)
     fs::create_symlink("target", folder / "link");
     fs::create_symlink("missing", folder / "dangling");
     for (const char* const link : {"link", "dangling"}) {
-        EXPECT_FALSE(replaceFile(folder / link, "new", {}));
+        EXPECT_TRUE(replaceFile(folder / link, "new", {}).isDurable());
         EXPECT_TRUE(S_ISREG(statusOf(folder / link).st_mode)) << link;
     }
     EXPECT_EQ(contentOf(folder / "target"), "untouched");
@@ -66,32 +86,32 @@ TEST(ReplaceFile, SetsOwnerAndGroup)
 {
     const TemporaryFolder folder;
     if (::geteuid() != 0) {
-        EXPECT_EQ(replaceFile(folder / "file", "x", {0600, 0, {}}), std::errc::operation_not_permitted);
+        EXPECT_EQ(replaceFile(folder / "file", "x", {0600, 0, {}, {}}).error, std::errc::operation_not_permitted);
         EXPECT_EQ(entriesIn(folder.path()), 0U);
         GTEST_SKIP() << "only root can give a file to another user";
     }
-    EXPECT_FALSE(replaceFile(folder / "file", "x", {04755, 12, 34}));
+    EXPECT_TRUE(replaceFile(folder / "file", "x", {04755, 12, 34, {}}).isDurable());
     const auto status = statusOf(folder / "file");
     EXPECT_EQ(status.st_uid, 12U);
     EXPECT_EQ(status.st_gid, 34U);
     EXPECT_EQ(status.st_mode & 07777, 04755U) << "the mode survives the change of owner";
-    EXPECT_FALSE(replaceFile(folder / "file", "x", {0600, {}, 34}));
+    EXPECT_TRUE(replaceFile(folder / "file", "x", {0600, {}, 34, {}}).isDurable());
     EXPECT_EQ(statusOf(folder / "file").st_uid, ::geteuid());
 }
 
 TEST(ReplaceFile, AFailureLeavesTheOldFileAlone)
 {
     const TemporaryFolder folder;
-    EXPECT_EQ(replaceFile(folder / "missing" / "file", "x", {}), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(replaceFile(folder / "missing" / "file", "x", {}).error, std::errc::no_such_file_or_directory);
     fs::create_directories(folder / "directory" / "full");
-    EXPECT_TRUE(replaceFile(folder / "directory", "x", {}));
+    EXPECT_FALSE(replaceFile(folder / "directory", "x", {}).isDone);
     EXPECT_EQ(entriesIn(folder.path()), 1U);
 
     writeFile(folder / "file", "old");
     fs::permissions(folder.path(), fs::perms(0555));
     {
         const WithoutPrivileges nobody;
-        EXPECT_EQ(replaceFile(folder / "file", "new", {}), std::errc::permission_denied);
+        EXPECT_EQ(replaceFile(folder / "file", "new", {}).error, std::errc::permission_denied);
     }
     fs::permissions(folder.path(), fs::perms(0755));
     EXPECT_EQ(contentOf(folder / "file"), "old");
@@ -104,11 +124,11 @@ TEST(ReplaceFile, AFullDiskLeavesTheOldFileAlone)
     if (!disk.isMounted())
         GTEST_SKIP() << "mounting a small file system needs root";
     writeFile(folder / "file", "old");
-    EXPECT_EQ(replaceFile(folder / "file", std::string(2 * SmallFileSystem::size, 'x'), {}),
+    EXPECT_EQ(replaceFile(folder / "file", std::string(2 * SmallFileSystem::size, 'x'), {}).error,
               std::errc::no_space_on_device);
     EXPECT_EQ(contentOf(folder / "file"), "old");
     EXPECT_EQ(entriesIn(folder.path()), 1U) << "the part that was written is gone";
-    EXPECT_FALSE(replaceFile(folder / "file", "new", {}));
+    EXPECT_TRUE(replaceFile(folder / "file", "new", {}).isDurable());
 }
 
 TEST(ReplaceFile, AKillAtAnyInstantLeavesOneWholeFile)
@@ -116,7 +136,7 @@ TEST(ReplaceFile, AKillAtAnyInstantLeavesOneWholeFile)
     const TemporaryFolder folder;
     const auto file = folder / "file";
     const std::string contents[] = {std::string(300'000, 'a'), std::string(200'000, 'b')};
-    ASSERT_FALSE(replaceFile(file, contents[0], {}));
+    ASSERT_TRUE(replaceFile(file, contents[0], {}).isDurable());
     std::mt19937 random(1);
     for (int round = 0; round < 40; ++round) {
         int ends[2] = {};
@@ -127,7 +147,7 @@ TEST(ReplaceFile, AKillAtAnyInstantLeavesOneWholeFile)
         ASSERT_GE(child, 0);
         if (child == 0) {
             for (std::size_t number = 0;; ++number) {
-                if (replaceFile(file, contents[number % 2], {}) || ::write(writing.get(), "x", 1) != 1)
+                if (!replaceFile(file, contents[number % 2], {}).isDurable() || ::write(writing.get(), "x", 1) != 1)
                     ::_exit(1);
             }
         }
@@ -142,6 +162,49 @@ TEST(ReplaceFile, AKillAtAnyInstantLeavesOneWholeFile)
         const std::string found = contentOf(file);
         ASSERT_TRUE(found == contents[0] || found == contents[1]) << round << ": " << found.size() << " bytes";
     }
+    EXPECT_TRUE(replaceFile(file, contents[0], {}).isDurable());
+    EXPECT_EQ(entriesIn(folder.path()), 1U) << "what the kills left is gone with the next replacement";
+}
+
+TEST(ReplaceFile, IsDoneWhenOnlyTheFolderDoesNotReachTheDisk)
+{
+    const TemporaryFolder folder;
+    isFolderSyncFailing = true;
+    const auto replacement = replaceFile(folder / "file", "new", {});
+    EXPECT_TRUE(replacement.isDone);
+    EXPECT_FALSE(replacement.isDurable());
+    EXPECT_EQ(replacement.error, std::errc::io_error);
+    EXPECT_EQ(contentOf(folder / "file"), "new");
+}
+
+TEST(ReplaceFile, KeepsTheOldFileAsideInTheSameInstantOrDoesNothing)
+{
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "old");
+    writeFile(folder / "taken", "");
+    EXPECT_EQ(replaceFile(folder / "file", "new", {0600, {}, {}, folder / "taken"}).error, std::errc::file_exists);
+    EXPECT_EQ(contentOf(folder / "file"), "old");
+    EXPECT_TRUE(replaceFile(folder / "file", "new", {0600, {}, {}, folder / "aside"}).isDurable());
+    EXPECT_EQ(contentOf(folder / "file") + contentOf(folder / "aside"), "newold");
+    EXPECT_FALSE(replaceFile(folder / "missing", "new", {0600, {}, {}, folder / "other"}).isDone);
+    EXPECT_EQ(entriesIn(folder.path()), 3U);
+}
+
+TEST(RemoveUnfinishedReplacements, TakesTheirFilesAlone)
+{
+    const TemporaryFolder folder;
+    for (const char* const name : {".file.1.new", ".other.file.42.new"})
+        writeFile(folder / name, "");
+    for (const char* const name : {"file", "file.1.new", ".1.new", ".file.new", ".file.1a.new", ".file.1.new~"})
+        writeFile(folder / name, "");
+    fs::create_directory(folder / ".folder.1.new");
+    writeFile(folder / ".busy.1.new", "");
+    const FileDescriptor busy(::open((folder / ".busy.1.new").c_str(), O_WRONLY | O_CLOEXEC));
+    ASSERT_EQ(::flock(busy.get(), LOCK_EX), 0);
+    removeUnfinishedReplacements(folder.path());
+    EXPECT_EQ(entriesIn(folder.path()), 8U);
+    EXPECT_FALSE(fs::exists(folder / ".file.1.new"));
+    EXPECT_FALSE(fs::exists(folder / ".other.file.42.new"));
 }
 
 TEST(ReadFile, TakesRegularFilesUpToTheLimit)
@@ -156,6 +219,8 @@ TEST(ReadFile, TakesRegularFilesUpToTheLimit)
     fs::permissions(folder / "secret", fs::perms::none);
     fs::permissions(folder.path(), fs::perms(0755));
     fs::create_symlink("file", folder / "link");
+    writeFile(folder / "twice", "");
+    fs::create_hard_link(folder / "twice", folder / "thrice");
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0666), 0);
     constexpr std::errc none{};
     const struct
@@ -164,10 +229,14 @@ TEST(ReadFile, TakesRegularFilesUpToTheLimit)
         std::size_t limit;
         std::optional<std::string> expected;
         std::errc error;
+        Links links = Links::Follow;
     } cases[] = {
         {"file", 4, content, none},
         {"file", 3, {}, std::errc::file_too_large},
         {"link", 4, content, none},
+        {"link", 4, {}, std::errc::too_many_symbolic_link_levels, Links::Refuse},
+        {"twice", 9, {}, std::errc::too_many_links, Links::Refuse},
+        {"file", 4, content, none, Links::Refuse},
         {"empty", 0, "", none},
         {"huge", 1000, {}, std::errc::file_too_large},
         {"missing", 10, {}, std::errc::no_such_file_or_directory},
@@ -176,9 +245,9 @@ TEST(ReadFile, TakesRegularFilesUpToTheLimit)
         {"secret", 10, {}, std::errc::permission_denied},
     };
     const WithoutPrivileges nobody;
-    for (const auto& [name, limit, expected, expectedError] : cases) {
+    for (const auto& [name, limit, expected, expectedError, links] : cases) {
         std::error_code error = std::make_error_code(std::errc::interrupted);
-        EXPECT_EQ(readFile(folder / name, limit, error), expected) << name;
+        EXPECT_EQ(readFile(folder / name, limit, error, links), expected) << name;
         EXPECT_EQ(error.value(), static_cast<int>(expectedError)) << name;
     }
     std::error_code error;

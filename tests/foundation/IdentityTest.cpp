@@ -40,14 +40,18 @@ TEST(Identity, NamesTheOwnerOfAFile)
     const TemporaryFolder folder;
     writeFile(folder / "file", "");
     std::error_code error;
-    const auto attributes = FileManager::attributesOfItem(folder / "file", error);
-    ASSERT_TRUE(attributes) << error.message();
-    EXPECT_EQ(attributes->ownerAccountName.value_or(std::to_string(::geteuid())), NSUserName());
-    EXPECT_FALSE(FileManager::attributesOfItem(folder / "missing", error));
-    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
-    EXPECT_FALSE(FileManager::setPosixPermissions(folder / "file", 0666));
-    EXPECT_EQ(std::filesystem::status(folder / "file").permissions(), std::filesystem::perms(0666));
-    EXPECT_EQ(FileManager::setPosixPermissions(folder / "missing", 0666), std::errc::no_such_file_or_directory);
+    const auto item = FileManagerItem::open(folder / "file", error);
+    ASSERT_TRUE(item) << error.message();
+    EXPECT_EQ(item->ownerAccountName().value_or(std::to_string(::geteuid())), NSUserName());
+    std::filesystem::rename(folder / "file", folder / "renamed");
+    std::filesystem::create_symlink("renamed", folder / "file");
+    EXPECT_FALSE(item->setPosixPermissions(0666));
+    EXPECT_EQ(std::filesystem::status(folder / "renamed").permissions(), std::filesystem::perms(0666));
+    EXPECT_FALSE(FileManagerItem::open(folder / "file", error));
+    EXPECT_EQ(error, std::errc::too_many_symbolic_link_levels);
+    std::filesystem::create_hard_link(folder / "renamed", folder / "twice");
+    EXPECT_FALSE(FileManagerItem::open(folder / "renamed", error));
+    EXPECT_EQ(error, std::errc::too_many_links);
 }
 
 TEST(Identity, QueriesTheUsersOfTheDirectory)

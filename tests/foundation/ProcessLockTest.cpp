@@ -41,6 +41,18 @@ TEST(ProcessLock, IsFreeWhereNothingCanBeWritten)
 {
     const TemporaryFolder folder;
     EXPECT_FALSE(ProcessLock(folder.path() / "missing" / "lock").isHeldByAnother());
+    EXPECT_FALSE(ProcessLock(folder.path() / "missing" / "lock").failure());
+}
+
+TEST(ProcessLock, FailsWhereSomethingElseStandsUnderItsName)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "folder");
+    std::filesystem::create_symlink("elsewhere", folder / "link");
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0666), 0);
+    for (const char* const name : {"folder", "link", "pipe"})
+        EXPECT_TRUE(ProcessLock(folder / name).failure()) << name;
+    EXPECT_FALSE(std::filesystem::exists(folder / "elsewhere"));
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
@@ -76,7 +77,7 @@ TEST_F(SettingFile, AFailureLeavesTheOldOneAndIsInTheLog)
         const WithoutPrivileges nobody;
         setting.write();
         EXPECT_EQ(contentOf(file), "old");
-        EXPECT_NE(log().find(" error VantroStandaloneSetting/VantroStandaloneSetting:"), std::string::npos);
+        EXPECT_NE(log().find(" error VantroStandaloneSetting/SettingFile:"), std::string::npos);
         EXPECT_NE(log().find(file.string() + ": Permission denied"), std::string::npos) << log();
     }
     // One that can't be read can't be kept aside there either.
@@ -129,12 +130,94 @@ TEST_F(SettingFile, OneThatCanNotBeReadIsKeptAside)
     ASSERT_EQ(::mkfifo(file.c_str(), 0666), 0);
     expectKept("-2");
 
+    const auto elsewhere = prefix.path() / "elsewhere";
+    writeFile(elsewhere, "untouched");
+    fs::create_symlink(elsewhere, file);
+    expectKept("-3");
+    EXPECT_TRUE(fs::is_symlink(aside("-3")));
+    fs::create_hard_link(elsewhere, file);
+    expectKept("-4");
+    EXPECT_EQ(contentOf(elsewhere), "untouched");
+
     const WithoutPrivileges nobody;
     writeFile(file, "secret");
     fs::permissions(file, fs::perms::none);
-    expectKept("-3");
-    fs::permissions(aside("-3"), fs::perms(0600));
-    EXPECT_EQ(contentOf(aside("-3")), "secret");
+    expectKept("-5");
+    fs::permissions(aside("-5"), fs::perms(0600));
+    EXPECT_EQ(contentOf(aside("-5")), "secret");
+}
+
+TEST_F(SettingFile, AProcessWithoutDescriptorsLeavesTheOldOne)
+{
+    writeFile(file, "old");
+    rlimit usual = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit none = {0, usual.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    setting.write();
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);
+    EXPECT_EQ(contentOf(file), "old");
+    EXPECT_FALSE(fs::exists(aside("")));
+}
+
+TEST_F(SettingFile, OneThatCanBeReadOnlyLaterIsLeftAlone)
+{
+    writeFile(file, "old");
+    fs::permissions(file, fs::perms::none);
+    {
+        const WithoutPrivileges nobody;
+        EXPECT_EQ(readXML(file), std::nullopt);
+    }
+    fs::permissions(file, fs::perms(0666));
+    setting.write();
+    EXPECT_EQ(contentOf(file), "old");
+    EXPECT_FALSE(fs::exists(aside("")));
+    EXPECT_EQ(VantroStandaloneSetting::readability(), std::errc::permission_denied) << "nobody may go on without it";
+}
+
+TEST_F(SettingFile, IsNotTheOneThatCouldNotBeReadAgain)
+{
+    setting.write();
+    const std::string old = contentOf(file);
+    std::string nested = old;
+    constexpr int depth = 20000;
+    std::string foreign;
+    for (int level = 0; level < depth; ++level)
+        foreign += "<x>";
+    for (int level = 0; level < depth; ++level)
+        foreign += "</x>";
+    nested.insert(nested.find("</Users>"), foreign);
+    VantroStandaloneSetting(XML::parse(nested)).write();
+    EXPECT_LT(fs::file_size(file), 2 * nested.size()) << "what is nested deeply is written as it is";
+    EXPECT_TRUE(VantroStandaloneSetting(XML::parse(contentOf(file))).isValid());
+
+    writeFile(file, old);
+    VantroStandaloneSetting damaged(XML::parse(nested));
+    damaged.users[0].account.clear();
+    damaged.write();
+    EXPECT_EQ(contentOf(file), old);
+}
+
+TEST_F(SettingFile, AnInvalidOneIsKeptWithAllThatWereKeptBefore)
+{
+    const auto invalid = [this](const std::string& suffix) { return file.string() + ".invalid" + suffix; };
+    for (const char* const content : {"first", "second", "third"}) {
+        writeFile(file, content);
+        EXPECT_FALSE(VantroStandaloneSetting::keepInvalid());
+    }
+    EXPECT_EQ(contentOf(invalid("")), "third");
+    EXPECT_EQ(contentOf(invalid("-old")), "first");
+    EXPECT_EQ(contentOf(invalid("-old-1")), "second");
+    fs::remove(invalid(""));
+    fs::create_directories(fs::path(invalid("")) / "inside");
+    EXPECT_FALSE(VantroStandaloneSetting::keepInvalid());
+    EXPECT_EQ(contentOf(invalid("")), "third");
+    EXPECT_TRUE(fs::exists(fs::path(invalid("-old-2")) / "inside"));
+
+    fs::permissions(prefix.settingsFolder(), fs::perms(0555));
+    const WithoutPrivileges nobody;
+    EXPECT_TRUE(VantroStandaloneSetting::keepInvalid()) << "nothing may take its place";
+    EXPECT_EQ(contentOf(file), "third");
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "LoggerManager/LoggerManager.h"
 #include "support/TemporaryFolder.h"
 
 namespace vantro::service {
@@ -39,7 +40,7 @@ class RecordStoreTest : public testing::Test
     const tests::TemporaryFolder temporary_;
     const fs::path folder_ = temporary_.path() / "records";
     const fs::path file_ = folder_ / std::to_string(serial);
-    RecordStore store_{folder_};
+    RecordStore store_{folder_, LoggerManager::logger("test", LoggerManager::Destination::StandardError)};
 };
 
 TEST_F(RecordStoreTest, WritesReadsRenewsAndRemoves)

@@ -100,6 +100,36 @@ Um mit den alten Einstellungen fortzufahren, machen Sie diese Datei als root les
 
 Schließen Sie das Programm, sorgen Sie als root dafür, dass Ihr Konto in den Ordner der Datei schreiben darf und der Datenträger nicht voll ist, und starten Sie es dann erneut.</translation>
     </message>
+    <message>
+        <source>lock_unusable_heading</source>
+        <translation>Vantro Standalone kann nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <source>lock_unusable</source>
+        <translation>Die Datei „%1“ verhindert, dass zwei Fenster ihre Änderungen gegenseitig überschreiben, und sie kann nicht verwendet werden: %2. Deshalb öffnet sich das Programm nicht.
+
+Lassen Sie root entfernen, was unter diesem Namen liegt, und starten Sie das Programm dann erneut.</translation>
+    </message>
+    <message>
+        <source>document_not_kept_heading</source>
+        <translation>Die beschädigten Einstellungen können nicht aufbewahrt werden</translation>
+    </message>
+    <message>
+        <source>document_not_kept</source>
+        <translation>Die Einstellungsdatei „%1“ wurde außerhalb dieses Programms geändert oder beschädigt, und sie kann weder kopiert noch umbenannt werden: %2. Es wurde nichts geändert, und das Programm wird geschlossen.
+
+Sorgen Sie als root dafür, dass Ihr Konto in den Ordner der Datei schreiben darf und der Datenträger nicht voll ist, und starten Sie das Programm dann erneut.</translation>
+    </message>
+    <message>
+        <source>defaults_not_stored_heading</source>
+        <translation>Dieser Start kann nicht vermerkt werden</translation>
+    </message>
+    <message>
+        <source>defaults_not_stored</source>
+        <translation>Die Datei „%1“ kann nicht geschrieben werden. Deshalb hält das Programm jeden Start für den ersten nach der Installation und schließt sich.
+
+Sorgen Sie dafür, dass Sie in diesen Ordner schreiben dürfen und der Datenträger nicht voll ist, und starten Sie das Programm dann erneut.</translation>
+    </message>
 </context>
 <context>
     <name>UserViewMessage</name>

@@ -100,6 +100,36 @@ To go on with the old settings, have root make that file readable, check it, and
 
 Close the tool, have root see to it that your account may write to the document's folder and that the disk is not full, then start it again.</translation>
     </message>
+    <message>
+        <source>lock_unusable_heading</source>
+        <translation>Vantro Standalone can't be opened</translation>
+    </message>
+    <message>
+        <source>lock_unusable</source>
+        <translation>The file "%1" keeps two windows from overwriting each other's changes, and it can't be used: %2. So the tool does not open.
+
+Have root remove what stands under this name, then start the tool again.</translation>
+    </message>
+    <message>
+        <source>document_not_kept_heading</source>
+        <translation>The damaged settings can't be kept</translation>
+    </message>
+    <message>
+        <source>document_not_kept</source>
+        <translation>The settings document "%1" was changed or damaged outside this tool, and it can neither be copied nor renamed: %2. Nothing was changed, and the tool closes.
+
+Have root see to it that your account may write to the document's folder and that the disk is not full, then start the tool again.</translation>
+    </message>
+    <message>
+        <source>defaults_not_stored_heading</source>
+        <translation>This start can't be remembered</translation>
+    </message>
+    <message>
+        <source>defaults_not_stored</source>
+        <translation>The file "%1" can't be written, so the tool takes every start for the first one after its installation, and closes.
+
+See to it that you may write to that folder and that the disk is not full, then start the tool again.</translation>
+    </message>
 </context>
 <context>
     <name>UserViewMessage</name>

@@ -100,6 +100,36 @@
 
 ツールを閉じ、お使いのアカウントが設定ファイルのフォルダーに書き込めることと、ディスクに空きがあることをroot権限で確認してから、もう一度起動してください。</translation>
     </message>
+    <message>
+        <source>lock_unusable_heading</source>
+        <translation>Vantro Standaloneを開けません</translation>
+    </message>
+    <message>
+        <source>lock_unusable</source>
+        <translation>ファイル「%1」は2つのウィンドウが互いの変更を上書きするのを防ぐためのものですが、使用できません: %2。そのため、ツールは開きません。
+
+この名前のものをroot権限で削除してから、もう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>document_not_kept_heading</source>
+        <translation>破損した設定を保管できません</translation>
+    </message>
+    <message>
+        <source>document_not_kept</source>
+        <translation>設定ファイル「%1」はこのツールの外で変更されたか破損していますが、コピーも名前の変更もできません: %2。何も変更せずにツールを閉じます。
+
+お使いのアカウントが設定ファイルのフォルダーに書き込めることと、ディスクに空きがあることをroot権限で確認してから、もう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>defaults_not_stored_heading</source>
+        <translation>今回の起動を記録できません</translation>
+    </message>
+    <message>
+        <source>defaults_not_stored</source>
+        <translation>ファイル「%1」に書き込めないため、ツールは毎回の起動をインストール後の最初の起動とみなして閉じます。
+
+そのフォルダーに書き込めることと、ディスクに空きがあることを確認してから、もう一度起動してください。</translation>
+    </message>
 </context>
 <context>
     <name>UserViewMessage</name>

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include <QUrl>
@@ -14,6 +12,7 @@
 #include "CommonMessage.h"
 #include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
+#include "StartChecks.h"
 #include "StartMessage.h"
 #include "ViewController/Alert/LoginAuthAlertViewController.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
@@ -97,13 +96,7 @@ void TabViewController::viewWillAppear()
 
 void TabViewController::recoverSetting()
 {
-    const auto& file = VantroStandaloneSetting::url();
-    std::filesystem::path copy = file;
-    copy += ".invalid";
-    std::error_code ignored;
-    std::filesystem::remove(copy, ignored);
-    std::filesystem::copy_file(file, copy, ignored);
-
+    quitUnlessInvalidDocumentIsKept();
     auto& setting = AppDataSet::shared().vantroStandaloneSetting;
     setting = VantroStandaloneSetting();
     setting.write();
@@ -198,7 +191,10 @@ bool TabViewController::isFirstStart()
 {
     auto& defaults = UserDefaults::standard();
     const bool isFirst = !defaults.object(firstStartKey).has_value();
-    defaults.set(firstStartKey, false);
+    if (!defaults.set(firstStartKey, false))
+        createOKButtonOnlyAlert(NSAlert::Style::Warning, StartMessage::defaultsNotStoredHeading(),
+                                StartMessage::defaultsNotStored().arg(defaults.file()))
+            .runModal();
     return isFirst;
 }
 
