@@ -123,5 +123,5 @@ def without_keys(tour):
     tour.screenshot("settings-without-keys")
 
 
-ALL = [register_master, register_administrator, forced_logon, refused_forced_logon, delete_one, delete_master,
-       delete_last, without_keys]
+REGISTRATIONS = [register_master, register_administrator]
+ALL = [*REGISTRATIONS, forced_logon, refused_forced_logon, delete_one, delete_master, delete_last, without_keys]
