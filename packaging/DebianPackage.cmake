@@ -20,17 +20,17 @@ The package holds the desktop tool and its privileged service, which the system
 bus starts on demand for administrators (members of the group sudo). The PAM
 module that takes part in signing in is not part of it.")
 
-# What the programs link is found out; what they load, and what the maintainer scripts call, is named.
+# What the programs link is found out; what they load (windows without X), and what the maintainer scripts call, is named.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "default-dbus-system-bus | dbus-system-bus, systemd | systemd-standalone-tmpfiles")
-# The toolkit's own texts in other languages than English, and windows without X.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n, qt6-wayland")
+    "default-dbus-system-bus | dbus-system-bus, systemd | systemd-standalone-tmpfiles, qt6-wayland")
+# The toolkit's own texts in other languages than English.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
-    ${CMAKE_CURRENT_SOURCE_DIR}/debian/postinst
-    ${CMAKE_CURRENT_SOURCE_DIR}/debian/prerm
-    ${CMAKE_CURRENT_SOURCE_DIR}/debian/postrm)
+    ${made}/debian/postinst
+    ${made}/debian/prerm
+    ${made}/debian/postrm)
 include(CPack)
 
 # Builds what is installed and nothing else.

@@ -13,6 +13,15 @@ configure_file(${name}.unit.in ${made}/unit/${name}.service @ONLY)
 configure_file(${name}.metainfo.xml.in ${made}/${name}.metainfo.xml @ONLY)
 configure_file(${name}.tmpfiles ${made}/tmpfiles/${name}.conf COPYONLY)
 
+# The maintainer scripts are whole in themselves, since a purge comes when no other file of the package is left.
+file(READ debian/pam-entries.awk PAM_ENTRIES_PROGRAM)
+configure_file(debian/common.sh.in ${made}/debian/common.sh @ONLY)
+file(READ ${made}/debian/common.sh MAINTAINER_COMMON)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS debian/pam-entries.awk)
+foreach(script IN ITEMS postinst prerm postrm)
+    configure_file(debian/${script}.in ${made}/debian/${script} @ONLY)
+endforeach()
+
 foreach(text IN ITEMS man/vantro-standalone.1 man/vantro-standalone-service.8 debian/changelog)
     get_filename_component(packed ${made}/${text}.gz NAME)
     # Without name and time, so that the same text is packed in the same way each time.
@@ -25,8 +34,7 @@ add_custom_target(compressed_documents ALL DEPENDS ${compressed})
 
 install(TARGETS vantro-standalone RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS vantro-standalone-service RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR})
-install(FILES ${made}/Info.plist pam-service without-pam-entries.awk
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/vantro-standalone)
+install(FILES ${made}/Info.plist pam-service DESTINATION ${CMAKE_INSTALL_DATADIR}/vantro-standalone)
 install(FILES ${name}.conf DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/system.d)
 install(FILES ${name}.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
 install(FILES ${made}/activation/${name}.service DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/system-services)
