@@ -3,6 +3,7 @@
 #   naming    the files in which an entry names "name", alone or at the end of a path
 #   removing  the first file without the entries of the module "name". One that a jump in any of the files may lead over
 #             is replaced by one that counts and decides nothing, so that the jump ends where it did.
+# It fails when a file can't be read that is there.
 
 function is_file(path) {
     gsub(/'/, "'\\''", path)
@@ -11,14 +12,14 @@ function is_file(path) {
 
 # Takes a file's entries in, each with its words, its own lines, and the comments before it. Says whether there is such
 # a file.
-function read_file(path,    line, code, is_commented, is_continued, entry, i) {
+function read_file(path,    status, line, code, is_commented, is_continued, entry, i) {
     if (path in count)
         return count[path] >= 0
     count[path] = -1
     if (!is_file(path))
         return 0
     i = 1
-    while ((getline line < path) > 0) {
+    while ((status = getline line < path) > 0) {
         code = line
         is_commented = sub(/#.*/, "", code)
         sub(/[ \t]+$/, "", code)
@@ -37,6 +38,8 @@ function read_file(path,    line, code, is_commented, is_continued, entry, i) {
         }
     }
     close(path)
+    if (status < 0)
+        exit 1
     if (lines[path, i] != "")
         split_words(entry, path, i++)
     count[path] = i - 1
@@ -173,6 +176,9 @@ BEGIN {
             walk(ARGV[file], types[t], 0)
         }
     }
-    if (task == "removing")
+    if (task == "removing") {
+        if (count[ARGV[1]] < 0)
+            exit 1
         print_without(ARGV[1])
+    }
 }
