@@ -4,6 +4,7 @@
 
 #include "AppDataSet.h"
 #include "ApplicationVersion.h"
+#include "appkit/EnterKey.h"
 
 namespace vantro {
 
@@ -23,14 +24,32 @@ void DialogViewController::addButtons(QDialogButtonBox* box, const QString& okTi
                                       DefaultButton isDefault)
 {
     OKButton = box->addButton(okTitle, QDialogButtonBox::AcceptRole);
-    QPushButton* const cancelButton = box->addButton(cancelTitle, QDialogButtonBox::RejectRole);
-    // Without this the button that has the focus takes Enter over.
-    OKButton->setAutoDefault(false);
-    cancelButton->setAutoDefault(false);
-    QPushButton* const defaultButton = isDefault == DefaultButton::OK ? OKButton.data() : cancelButton;
+    cancelButton_ = box->addButton(cancelTitle, QDialogButtonBox::RejectRole);
+    leaveEnterToDefaultButton(OKButton);
+    leaveEnterToDefaultButton(cancelButton_);
+    QPushButton* const defaultButton = isDefault == DefaultButton::OK ? OKButton.data() : cancelButton_.data();
     defaultButton->setDefault(true);
     connect(OKButton, &QPushButton::clicked, this, [this] { onClickOK(OKButton); });
-    connect(cancelButton, &QPushButton::clicked, this, [this, cancelButton] { onClickCancel(cancelButton); });
+    connect(cancelButton_, &QPushButton::clicked, this, [this] { onClickCancel(cancelButton_); });
+}
+
+void DialogViewController::setOKEnabled(bool isEnabled)
+{
+    QWidget* const window = this->window();
+    QWidget* const focus = window != nullptr ? window->focusWidget() : nullptr;
+    if (!isEnabled && focus == OKButton)
+        view()->setFocus();
+    OKButton->setEnabled(isEnabled);
+    if (isEnabled && (focus == nullptr || focus == view()))
+        OKButton->setFocus();
+}
+
+void DialogViewController::viewDidAppear()
+{
+    NSViewController::viewDidAppear();
+    // The toolkit gives the focus to whatever can have it.
+    if (!OKButton->isEnabled() && (window()->focusWidget() == nullptr || window()->focusWidget() == cancelButton_))
+        view()->setFocus();
 }
 
 } // namespace vantro

@@ -24,6 +24,7 @@ class DialogViewController : public NSViewController
     /// Logs and dismisses; nothing else changes.
     virtual void onClickCancel(QObject* sender);
 
+    void viewDidAppear() override;
     void cancelOperation() override { onClickCancel(this); }
 
     QPointer<QPushButton> OKButton;
@@ -42,7 +43,14 @@ class DialogViewController : public NSViewController
     /// Puts both buttons into `box`, in the desktop's order.
     void addButtons(QDialogButtonBox* box, const QString& okTitle, const QString& cancelTitle, DefaultButton isDefault);
 
+    /// Makes the OK button usable or not. Cancel gets the focus by a person's hand alone: when OK can't have it any
+    /// more it rests on the content, and from there returns to OK as soon as that can be used.
+    void setOKEnabled(bool isEnabled);
+
     const Logger logger;
+
+  private:
+    QPointer<QPushButton> cancelButton_;
 };
 
 } // namespace vantro

@@ -8,9 +8,12 @@
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QSpacerItem>
 #include <QStringList>
+
+#include "appkit/EnterKey.h"
 
 namespace vantro {
 namespace {
@@ -45,11 +48,22 @@ QString plainParagraphs(const QStringList& texts)
     return shown.join(QStringLiteral("\n\n"));
 }
 
+/// The window to stand in front of, active by now or not; null where there is none.
+QWidget* frontWindow()
+{
+    if (QWidget* const modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget* const active = QApplication::activeWindow())
+        return active;
+    const auto windows = QApplication::topLevelWidgets();
+    const auto visible =
+        std::find_if(windows.begin(), windows.end(), [](const QWidget* window) { return window->isVisible(); });
+    return visible == windows.end() ? nullptr : *visible;
+}
+
 int presentWindow(NSAlert& alert)
 {
-    QWidget* front = QApplication::activeModalWidget();
-    if (front == nullptr)
-        front = QApplication::activeWindow();
+    const QPointer<QWidget> front = frontWindow();
     QMessageBox box(icon(alert.alertStyle), alert.windowTitle, alert.messageText, QMessageBox::NoButton, front);
     box.setTextFormat(Qt::PlainText);
     box.setInformativeText(plainParagraphs({alert.informativeText, alert.accessoryText}));
@@ -58,6 +72,8 @@ int presentWindow(NSAlert& alert)
     for (const QString& title : alert.buttons())
         buttons.push_back(box.addButton(title, buttons.empty() ? QMessageBox::AcceptRole : QMessageBox::RejectRole));
     const auto defaultIndex = static_cast<std::size_t>(alert.defaultButton - NSAlert::firstButtonReturn);
+    for (QPushButton* const button : buttons)
+        leaveEnterToDefaultButton(button);
     box.setDefaultButton(buttons.at(defaultIndex));
     box.setEscapeButton(buttons.back());
     if (alert.suppressionTitle) {
@@ -70,6 +86,12 @@ int presentWindow(NSAlert& alert)
         content->addItem(std::make_unique<QSpacerItem>(minimumWidth, 0).release(), content->rowCount(), 0, 1,
                          content->columnCount());
     box.exec();
+    // A window manager that loses this window and the one behind it in one go may give the focus to none.
+    QWidget* behind = front;
+    while (behind != nullptr && !behind->isVisible())
+        behind = behind->parentWidget();
+    if (behind != nullptr)
+        behind->activateWindow();
     if (alert.suppressionTitle)
         alert.isSuppressed = box.checkBox()->isChecked();
     const auto clicked = std::find(buttons.begin(), buttons.end(), box.clickedButton());

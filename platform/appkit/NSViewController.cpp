@@ -92,6 +92,9 @@ void NSViewController::dismissController()
         return;
     endObservations();
     modalWindow_->hide();
+    // A window manager that loses two windows in one go may give the focus to none.
+    if (QWidget* const behind = modalWindow_->parentWidget())
+        behind->window()->activateWindow();
     viewDidDisappear();
     // An alert over this window has it as its parent, and still waits for its answer.
     const auto over = modalWindow_->findChildren<QDialog*>(Qt::FindDirectChildrenOnly);

@@ -77,7 +77,7 @@ void DispatchQueue::sync(const Work& work)
 DispatchQueue::Work DispatchQueue::takeFirst()
 {
     const std::lock_guard lock(mutex_);
-    if (pending_.empty())
+    if (pending_.empty() || suspensions_ > 0)
         return {};
     Work first = std::move(pending_.front());
     pending_.pop_front();
@@ -88,6 +88,24 @@ void DispatchQueue::runPending()
 {
     while (const Work work = takeFirst())
         work();
+}
+
+void DispatchQueue::suspend()
+{
+    const std::lock_guard lock(mutex_);
+    ++suspensions_;
+}
+
+void DispatchQueue::resume()
+{
+    Work wake;
+    {
+        const std::lock_guard lock(mutex_);
+        if (--suspensions_ == 0 && !pending_.empty())
+            wake = wake_;
+    }
+    if (wake)
+        wake();
 }
 
 void DispatchQueue::close()

@@ -34,6 +34,10 @@ class DispatchQueue
     /// meanwhile runs there.
     void runPending();
 
+    /// Main thread: lets what is queued wait until as many calls of resume() have followed.
+    void suspend();
+    void resume();
+
     /// Drops what is queued and everything that comes later, and releases every sync() whose work has not begun.
     void close();
 
@@ -47,6 +51,7 @@ class DispatchQueue
     std::deque<Work> pending_;
     Work wake_;
     std::thread::id mainThread_;
+    int suspensions_ = 0;
     bool isClosed_ = false;
 };
 

@@ -1,13 +1,12 @@
 #include "ViewController/Alert/LoginAuthAlertViewController.h"
 
-#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QEvent>
-#include <QEventLoop>
 
 #include "AppDataSet.h"
 #include "ApplicationVersion.h"
 #include "LoginAuthAlertMessage.h"
+#include "appkit/EnterKey.h"
 #include "appkit/NSApplication.h"
 #include "ui_LoginAuthAlertView.h"
 
@@ -48,7 +47,8 @@ std::unique_ptr<QWidget> LoginAuthAlertViewController::loadView()
                                                       QDialogButtonBox::AcceptRole);
     QPushButton* const quitButton = outlets.buttonBox->addButton(localizedString("LoginAuthAlertView", "quit_button"),
                                                                  QDialogButtonBox::RejectRole);
-    quitButton->setAutoDefault(false);
+    leaveEnterToDefaultButton(authenticateButton);
+    leaveEnterToDefaultButton(quitButton);
     authenticateButton->setDefault(true);
     authenticateButton->installEventFilter(this);
     errorMessageLabelModel.bindTo(outlets.errorMessageLabel);
@@ -83,8 +83,6 @@ void LoginAuthAlertViewController::onClickAuthenticate(QObject* /*sender*/)
     errorMessageLabelModel.setTextColor(NSColor::LabelColor);
     errorMessageLabelModel.setText(localizedString("LoginAuthAlertView", "asking"));
     result = LoginAuthentication::authenticate();
-    // Clicks that came meanwhile are still to be delivered, and go to a disabled button here.
-    QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
     errorMessageLabelModel.setTextColor(NSColor::Red);
     errorMessageLabelModel.setText(errorText(result));
     authenticateButton->setEnabled(true);

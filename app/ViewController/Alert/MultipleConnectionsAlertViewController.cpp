@@ -57,6 +57,9 @@ void MultipleConnectionsAlertViewController::viewWillAppear()
 
 void MultipleConnectionsAlertViewController::closeNow()
 {
+    // Those that came since the last one went found the alert still there, and no other will follow.
+    if (AppDataSet::shared().connectedYubiKeyCount() >= 2)
+        return;
     logger.info("Close window.", closeFunction);
     auto* const mainWindow = qobject_cast<TabViewController*>(presentingViewController());
     if (mainWindow != nullptr)

@@ -22,10 +22,10 @@ void RegistrationKeyViewController::viewDidLoad()
     constexpr auto function = "viewDidLoad()";
     logger.info("Start viewDidLoad.", function);
     prepareDisplay();
-    updateDisplay();
     const auto displayed = AppDataSet::shared().connectedYubiKeySerial();
+    updateDisplay();
     observeTokens();
-    // A token that was plugged in between the two was announced to nobody.
+    // A token that was plugged in meanwhile was announced to nobody.
     if (AppDataSet::shared().connectedYubiKeySerial() != displayed)
         updateDisplay();
     logger.info("Finished viewDidLoad.", function);
@@ -53,7 +53,7 @@ void RegistrationKeyViewController::observeTokens()
 void RegistrationKeyViewController::showNotConnected()
 {
     serialLabelModel.setText(texts_.isNotConnected());
-    OKButton->setEnabled(false);
+    setOKEnabled(false);
 }
 
 void RegistrationKeyViewController::updateDisplay()
@@ -73,7 +73,7 @@ void RegistrationKeyViewController::updateDisplay()
         text += QLatin1Char('\n') + texts_.isAlreadyAllocated();
     }
     serialLabelModel.setText(text);
-    OKButton->setEnabled(!isAlreadyAllocated);
+    setOKEnabled(!isAlreadyAllocated);
 }
 
 void RegistrationKeyViewController::onClickOK(QObject* /*sender*/)

@@ -177,7 +177,6 @@ void TabViewController::systemSettingAlert()
     logger.info("Display Alert.", function);
     NSAlert alert;
     alert.windowTitle = windowTitleWithVersion();
-    alert.alertStyle = NSAlert::Style::Informational;
     alert.messageText = CommonMessage::installAfterAlertMessage();
     alert.addButton(CommonMessage::close());
     alert.suppressionTitle = CommonMessage::doNotDisplay();
