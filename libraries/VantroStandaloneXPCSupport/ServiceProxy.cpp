@@ -12,14 +12,14 @@ ServiceProxy::ServiceProxy(std::shared_ptr<NSXPCConnection> connection, NSXPCCon
 void ServiceProxy::sendForSuccess(const char* method, XPCArgument argument, SuccessReply reply)
 {
     connection_->send(
-        method, std::move(argument), XPCReplyType::Boolean,
+        {label, method}, std::move(argument), XPCReplyType::Boolean,
         [reply = std::move(reply)](const XPCValue& value) { reply(std::get<bool>(value)); }, onError_);
 }
 
 void ServiceProxy::getSerialWithReply(SerialReply reply)
 {
     connection_->send(
-        service_method::getSerial, {}, XPCReplyType::UnsignedInteger,
+        {label, service_method::getSerial}, {}, XPCReplyType::UnsignedInteger,
         [reply = std::move(reply)](const XPCValue& value) { reply(std::get<std::uint64_t>(value)); }, onError_);
 }
 
@@ -46,6 +46,22 @@ void ServiceProxy::savePamSettingWithSetting(std::vector<std::uint8_t> setting, 
 void ServiceProxy::removePamSettingWithSetting(std::vector<std::uint8_t> setting, SuccessReply reply)
 {
     sendForSuccess(service_method::removePamSetting, std::move(setting), std::move(reply));
+}
+
+void ServiceProxy::lastFailureWithReply(ReasonReply reply)
+{
+    connection_->send(
+        {diagnosisInterface, service_method::lastFailure}, {}, XPCReplyType::String,
+        [reply = std::move(reply)](const XPCValue& value) { reply(std::get<std::string>(value)); },
+        [](const NSError&) {});
+}
+
+ServiceProxy ServiceProxy::withErrorHandler(NSXPCConnection::ErrorHandler onError) const
+{
+    return {connection_, [own = onError_, onError = std::move(onError)](const NSError& error) {
+                own(error);
+                onError(error);
+            }};
 }
 
 } // namespace vantro

@@ -1,5 +1,6 @@
 #include "xpc/NSXPCConnection.h"
 
+#include <array>
 #include <cerrno>
 #include <deque>
 #include <mutex>
@@ -18,16 +19,30 @@ namespace {
 
 struct Message
 {
-    std::string method;
+    XPCMethod method;
     XPCArgument argument;
     XPCReplyType type = XPCReplyType::Boolean;
     NSXPCConnection::ReplyBlock reply;
     NSXPCConnection::ErrorHandler onError;
 };
 
+NSXPCConnectionError codeOf(const std::string& errorName)
+{
+    if (errorName == "org.freedesktop.DBus.Error.AccessDenied")
+        return NSXPCConnectionError::AccessDenied;
+    // A bus that starts its services by systemd hands on what systemd says, for a masked unit for example.
+    constexpr std::array missing = {"org.freedesktop.DBus.Error.ServiceUnknown",
+                                    "org.freedesktop.DBus.Error.NameHasNoOwner", "org.freedesktop.DBus.Error.Spawn.",
+                                    "org.freedesktop.systemd1."};
+    for (const char* const beginning : missing)
+        if (errorName.starts_with(beginning))
+            return NSXPCConnectionError::ServiceMissing;
+    return NSXPCConnectionError::ReplyInvalid;
+}
+
 NSError asNSError(const sdbus::Error& error)
 {
-    return {error.getName(), error.getMessage()};
+    return {codeOf(error.getName()), error.getName(), error.getMessage()};
 }
 
 void append(sdbus::MethodCall& call, const XPCArgument& argument)
@@ -38,17 +53,26 @@ void append(sdbus::MethodCall& call, const XPCArgument& argument)
         call << *bytes;
 }
 
+template <class Value>
+XPCValue read(sdbus::MethodReply& reply)
+{
+    Value value = {};
+    reply >> value;
+    return value;
+}
+
 /// Throws sdbus::Error when the reply holds something else.
 XPCValue readValue(sdbus::MethodReply& reply, XPCReplyType type)
 {
-    if (type == XPCReplyType::Boolean) {
-        bool value = false;
-        reply >> value;
-        return value;
+    switch (type) {
+    case XPCReplyType::Boolean:
+        return read<bool>(reply);
+    case XPCReplyType::UnsignedInteger:
+        return read<std::uint64_t>(reply);
+    case XPCReplyType::String:
+        break;
     }
-    std::uint64_t value = 0;
-    reply >> value;
-    return value;
+    return read<std::string>(reply);
 }
 
 void deliver(const Message& message, sdbus::MethodReply& reply, const sdbus::Error* error)
@@ -152,7 +176,7 @@ class NSXPCConnection::Worker
             return {};
         } catch (const sdbus::Error& error) {
             match_.reset();
-            return asNSError(error);
+            return {NSXPCConnectionError::ConnectionInvalid, error.getName(), error.getMessage()};
         }
     }
 
@@ -230,7 +254,8 @@ class NSXPCConnection::Worker
 
     static NSError invalidError()
     {
-        return {"org.freedesktop.DBus.Error.Disconnected", "The connection to the system bus has been lost."};
+        return {NSXPCConnectionError::ConnectionInvalid, "org.freedesktop.DBus.Error.Disconnected",
+                "The connection to the system bus has been lost."};
     }
 
     void sendNow(Message taken)
@@ -247,7 +272,7 @@ class NSXPCConnection::Worker
             }
         }
         try {
-            auto methodCall = proxy_->createMethodCall(serviceName_, message->method);
+            auto methodCall = proxy_->createMethodCall(message->method.interface, message->method.name);
             append(methodCall, message->argument);
             underWay_.push_back(message);
             proxy_->callMethod(methodCall, [this, message](sdbus::MethodReply& reply, const sdbus::Error* error) {
@@ -298,10 +323,10 @@ void NSXPCConnection::setInterruptionHandler(Handler handler)
     worker_->setHandler(&Worker::onInterruption, std::move(handler));
 }
 
-void NSXPCConnection::send(const std::string& method, XPCArgument argument, XPCReplyType type, ReplyBlock reply,
+void NSXPCConnection::send(XPCMethod method, XPCArgument argument, XPCReplyType type, ReplyBlock reply,
                            ErrorHandler onError)
 {
-    worker_->enqueue({method, std::move(argument), type, std::move(reply), std::move(onError)});
+    worker_->enqueue({std::move(method), std::move(argument), type, std::move(reply), std::move(onError)});
 }
 
 } // namespace vantro

@@ -16,18 +16,20 @@ using Clock = std::chrono::steady_clock;
 
 struct Method
 {
+    const char* interface;
     const char* name;
     const char* argument;
     const char* value;
 };
 
 constexpr Method methods[] = {
-    {service_method::getSerial, "", "t"},
-    {service_method::createCRSettingFile, "t", "b"},
-    {service_method::removeCRSettingFile, "t", "b"},
-    {service_method::validate, "t", "b"},
-    {service_method::savePamSetting, "ay", "b"},
-    {service_method::removePamSetting, "ay", "b"},
+    {label, service_method::getSerial, "", "t"},
+    {label, service_method::createCRSettingFile, "t", "b"},
+    {label, service_method::removeCRSettingFile, "t", "b"},
+    {label, service_method::validate, "t", "b"},
+    {label, service_method::savePamSetting, "ay", "b"},
+    {label, service_method::removePamSetting, "ay", "b"},
+    {diagnosisInterface, service_method::lastFailure, "", "s"},
 };
 
 } // namespace
@@ -41,7 +43,7 @@ struct ScriptedService::Pending
     void send() const
     {
         if (std::holds_alternative<Refusal>(answer.content)) {
-            call.createErrorReply(sdbus::Error("com.vantro.Standalone1.Error.Refused", "The request was refused."))
+            call.createErrorReply(sdbus::Error(std::get<Refusal>(answer.content).name, "The request was refused."))
                 .send();
             return;
         }
@@ -50,6 +52,8 @@ struct ScriptedService::Pending
             reply << *flag;
         else if (const auto* const number = std::get_if<std::uint64_t>(&answer.content))
             reply << *number;
+        else if (const auto* const text = std::get_if<std::string>(&answer.content))
+            reply << *text;
         reply.send();
     }
 };
@@ -59,6 +63,7 @@ ScriptedService::ScriptedService() : wakeEvent_(::eventfd(0, EFD_CLOEXEC | EFD_N
     for (const Method& method : tests::methods)
         answers_[method.name] = {{true}};
     answers_[service_method::getSerial] = {{std::uint64_t{1}}};
+    answers_[service_method::lastFailure] = {{std::string()}};
     thread_ = std::thread([this] { run(); });
     std::unique_lock lock(mutex_);
     started_.wait(lock, [this] { return isStarted_; });
@@ -79,7 +84,7 @@ void ScriptedService::run()
     const auto connection = sdbus::createSystemBusConnection();
     const auto object = sdbus::createObject(*connection, serviceObjectPath);
     for (const Method& method : tests::methods)
-        object->registerMethod(label, method.name, method.argument, method.value,
+        object->registerMethod(method.interface, method.name, method.argument, method.value,
                                [this, name = method.name](const sdbus::MethodCall& call) { take(name, call); });
     object->finishRegistration();
     connection->requestName(label);
@@ -121,11 +126,12 @@ void ScriptedService::take(const std::string& method, const sdbus::MethodCall& r
         std::vector<std::uint8_t> archive;
         call >> archive;
         record.setting = PamSetting::unarchived(archive).value_or(PamSetting());
-    } else if (method != service_method::getSerial) {
+    } else if (method != service_method::getSerial && method != service_method::lastFailure) {
         call >> record.serial;
     }
     const std::lock_guard lock(mutex_);
-    calls_.push_back(std::move(record));
+    if (method != service_method::lastFailure)
+        calls_.push_back(std::move(record));
     auto& answers = answers_[method];
     const Answer answer = answers.front();
     if (answers.size() > 1)

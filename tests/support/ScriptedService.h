@@ -21,8 +21,8 @@ class MethodCall;
 
 namespace vantro::tests {
 
-/// A double of the privileged service on the system bus: answers each of the six methods as it is told and keeps what
-/// it was asked. It lives on a thread and a connection of its own, and takes a call while another one still waits for
+/// A double of the privileged service on the system bus: answers each of its methods as it is told and keeps what it
+/// was asked. It lives on a thread and a connection of its own, and takes a call while another one still waits for
 /// its answer. Every member may be called on any thread.
 class ScriptedService
 {
@@ -30,6 +30,7 @@ class ScriptedService
     /// Answers with an error reply.
     struct Refusal
     {
+        const char* name = "com.vantro.Standalone1.Error.Refused";
     };
     /// Never answers.
     struct Silence
@@ -39,7 +40,7 @@ class ScriptedService
     /// The value of an answer has the type that the method promises.
     struct Answer
     {
-        std::variant<bool, std::uint64_t, Refusal, Silence> content;
+        std::variant<bool, std::uint64_t, std::string, Refusal, Silence> content;
         std::chrono::milliseconds delay{0};
     };
 
@@ -50,7 +51,8 @@ class ScriptedService
         PamSetting setting;
     };
 
-    /// Returns when the name is owned. Until told otherwise every method answers true, and GetSerial 1.
+    /// Returns when the name is owned. Until told otherwise every method answers true, GetSerial 1, and
+    /// LastFailure that nothing is known.
     ScriptedService();
     /// Leaves the bus; calls that wait for an answer get none.
     ~ScriptedService();
@@ -60,7 +62,7 @@ class ScriptedService
     /// Answers `method` with these answers, one after the other; the last one stays.
     void script(const std::string& method, std::deque<Answer> answers);
 
-    /// The calls so far, in order; a setting that could not be decoded is left at its default.
+    /// The calls so far but those of LastFailure, in order; a setting that could not be decoded is left at its default.
     [[nodiscard]] std::vector<Call> calls() const;
     /// The methods of the calls so far.
     [[nodiscard]] std::vector<std::string> methods() const;

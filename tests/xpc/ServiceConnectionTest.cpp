@@ -73,6 +73,22 @@ class ServiceConnection : public testing::Test
                                                [this](const NSError& error) { told.add("error: " + error.name); });
     }
 
+    /// The code of the error of one more request; nothing when the proxy's own handler does not hear of it before.
+    std::optional<NSXPCConnectionError> codeOfNext()
+    {
+        const std::size_t before = told.texts().size();
+        std::optional<NSXPCConnectionError> code;
+        proxy
+            ->withErrorHandler([&](const NSError& error) {
+                if (told.texts().size() > before)
+                    code = error.code;
+                told.add("handed on");
+            })
+            .validateWithSerialNo(7, tellSuccess());
+        EXPECT_TRUE(told.reaches(before + 2));
+        return code;
+    }
+
     VantroStandaloneServiceProtocol::SuccessReply tellSuccess()
     {
         return [this](bool isSuccess) { told.add(isSuccess ? "true" : "false"); };
@@ -106,9 +122,11 @@ TEST_F(ServiceConnection, EachRequestCarriesItsArgumentAndItsReply)
     proxy->validateWithSerialNo(3, tellSuccess());
     proxy->savePamSettingWithSetting(setting.archived().value(), tellSuccess());
     proxy->removePamSettingWithSetting(setting.archived().value(), tellSuccess());
+    service->script("LastFailure", {{std::string("jump")}});
+    proxy->lastFailureWithReply([this](const std::string& reason) { told.add(reason); });
 
-    ASSERT_TRUE(told.reaches(6));
-    EXPECT_THAT(told.texts(), ElementsAre("18446744073709551615", "true", "false", "true", "true", "true"));
+    ASSERT_TRUE(told.reaches(7));
+    EXPECT_THAT(told.texts(), ElementsAre("18446744073709551615", "true", "false", "true", "true", "true", "jump"));
     EXPECT_THAT(service->methods(), ElementsAre("GetSerial", "CreateCRSettingFile", "RemoveCRSettingFile", "Validate",
                                                 "SavePamSetting", "RemovePamSetting"));
     EXPECT_EQ(service->calls()[1].serial, largest);
@@ -133,11 +151,32 @@ TEST_F(ServiceConnection, WhatIsNoReplyOfTheTypeIsAnError)
         const std::size_t before = told.texts().size();
         const XPCArgument argument = type == XPCReplyType::Boolean ? XPCArgument() : XPCArgument(std::uint64_t{7});
         connection->send(
-            method, argument, type, [this](const XPCValue&) { told.add("a value"); },
+            {label, method}, argument, type, [this](const XPCValue&) { told.add("a value"); },
             [this](const NSError& error) { told.add("error: " + error.name); });
         ASSERT_TRUE(told.reaches(before + 1));
         EXPECT_THAT(told.texts().back(), StartsWith("error: "));
     }
+}
+
+TEST_F(ServiceConnection, AnErrorHasACodeForWhatItsReceiverMayTellApart)
+{
+    using enum NSXPCConnectionError;
+    const std::pair<const char*, NSXPCConnectionError> errors[] = {
+        {"org.freedesktop.DBus.Error.AccessDenied", AccessDenied},
+        {"org.freedesktop.DBus.Error.Spawn.ExecFailed", ServiceMissing},
+        {"org.freedesktop.systemd1.UnitMasked", ServiceMissing},
+        {"org.freedesktop.DBus.Error.NoReply", ReplyInvalid},
+        {"com.vantro.Standalone1.Error.Refused", ReplyInvalid}};
+    for (const auto& [name, code] : errors) {
+        service->script("Validate", {{ScriptedService::Refusal{name}}});
+        EXPECT_EQ(codeOfNext(), code) << name;
+    }
+    service.reset();
+    ASSERT_TRUE(waitUntil([this] { return told.texts().back() == "interrupted"; }));
+    EXPECT_EQ(codeOfNext(), ServiceMissing);
+    bus.end();
+    ASSERT_TRUE(waitUntil([this] { return told.texts().back() == "invalidated"; }));
+    EXPECT_EQ(codeOfNext(), ConnectionInvalid);
 }
 
 TEST_F(ServiceConnection, AReplyBlockThatNeverRunsIsDestroyedAfterTheErrorHandler)
