@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "LoggerManager/LoggerManager.h"
+#include "ServiceRequest.h"
+#include "ServiceRequests.h"
 #include "SystemUsers.h"
-#include "VantroStandaloneXPCSupport/ServiceProxy.h"
 #include "foundation/FileManager.h"
 #include "foundation/Identity.h"
-#include "foundation/ReplyCell.h"
 
 namespace vantro {
 namespace {
@@ -76,7 +76,7 @@ void AppDataSet::openUpFilePermissions() const
     }
 }
 
-std::shared_ptr<VantroStandaloneServiceProtocol> AppDataSet::connectionService() const
+std::unique_ptr<ServiceProxy> AppDataSet::connectionService() const
 {
     constexpr auto function = "connectionService()";
     logger.info("Connection serivce.", function);
@@ -84,7 +84,7 @@ std::shared_ptr<VantroStandaloneServiceProtocol> AppDataSet::connectionService()
     connection->resume();
     connection->setInvalidationHandler([log = logger] { log.error("Connection has been invalidated.", function); });
     connection->setInterruptionHandler([log = logger] { log.error("Connection has been interrupted.", function); });
-    return std::make_shared<ServiceProxy>(std::move(connection), [log = logger](const NSError& error) {
+    return std::make_unique<ServiceProxy>(std::move(connection), [log = logger](const NSError& error) {
         log.error("Connection Error : " + error.localizedDescription, function);
         log.error(error.description(), function);
     });
@@ -112,21 +112,24 @@ void AppDataSet::onDeviceConnected(const Notification& notification)
     if (device == nullptr || device->reportSize != tokenReportSize)
         return;
 
-    const ReplyCell<std::uint64_t> cell;
     // Through shared(), which is not there before the start sequence has ended.
-    AppDataSet::shared().service().getSerialWithReply([log = logger, send = cell.sender()](std::uint64_t serial) {
-        log.info("Connected YubiKey [Serial = " + std::to_string(serial) + "].", function);
-        send(serial);
+    const ServiceRequest<std::uint64_t> request([log = logger](ServiceProxy& service, auto reply) {
+        service.getSerialWithReply([log, reply](std::uint64_t serial) {
+            log.info("Connected YubiKey [Serial = " + std::to_string(serial) + "].", function);
+            reply(serial);
+        });
     });
     // A request that fails ends the wait, and like a serial of 0: the token can't be used, but it is there.
-    const std::optional<std::uint64_t> serial = cell.waitForReplyOrFailure();
+    const std::optional<std::uint64_t> serial = request.waitForReplyOrFailure();
     setConnectedYubiKeyCount(connectedYubiKeyCount_ + 1);
 
     if (serial.value_or(0) == 0) {
         logger.warning(std::string("Serial is nil or 0. [") + (serial ? "Optional(0)" : "nil") + "]", function);
+        tokenObstacle.set(TokenObstacle::Kind::SerialNotRead, request.failure(serviceReplyLimit));
         return;
     }
     connectedYubiKeySerial_ = *serial;
+    tokenObstacle.set(TokenObstacle::Kind::None);
     NotificationCenter::defaultCenter().post(ConnectedYubiKey);
     logger.info("YubiKey connection notification", function);
     if (connectedYubiKeyCount_ >= 2) {
@@ -150,6 +153,10 @@ void AppDataSet::onDeviceDisconnected()
         logger.info("Disconnected YubiKey.", function);
     connectedYubiKeySerial_ = 0;
     setConnectedYubiKeyCount(connectedYubiKeyCount_ - 1);
+    if (connectedYubiKeyCount_ <= 0)
+        tokenObstacle.set(TokenObstacle::Kind::None);
+    else if (serial)
+        tokenObstacle.set(TokenObstacle::Kind::AnotherPulledOut);
     NotificationCenter::defaultCenter().post(DisconnectedYubiKey);
 }
 

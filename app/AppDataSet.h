@@ -8,8 +8,9 @@
 #include <vector>
 
 #include "LoggerManager/Logger.h"
+#include "Model/TokenObstacle.h"
 #include "VantroStandaloneSetting/VantroStandaloneSetting.h"
-#include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "VantroStandaloneXPCSupport/ServiceProxy.h"
 #include "foundation/NotificationCenter.h"
 #include "usb/HIDDeviceMonitor.h"
 
@@ -38,7 +39,7 @@ class AppDataSet
     VantroStandaloneSetting vantroStandaloneSetting;
 
     /// The proxy of the privileged service. Any thread.
-    VantroStandaloneServiceProtocol& service() { return *service_; }
+    ServiceProxy& service() { return *service_; }
 
     /// The number of tokens counted as plugged in; written by the monitor's thread alone. Any thread.
     [[nodiscard]] std::int64_t connectedYubiKeyCount() const { return connectedYubiKeyCount_; }
@@ -46,6 +47,9 @@ class AppDataSet
     /// The serial of the token that was counted in last; absent when unknown, and after any token has gone. Written by
     /// the monitor's thread alone. Any thread.
     [[nodiscard]] std::optional<std::uint64_t> connectedYubiKeySerial() const;
+
+    /// Why none of the tokens that are plugged in can be used; set by the monitor's thread alone.
+    TokenObstacle tokenObstacle;
 
     AppDataSet(const AppDataSet&) = delete;
     AppDataSet& operator=(const AppDataSet&) = delete;
@@ -56,14 +60,14 @@ class AppDataSet
 
     void loadOrCreateSetting();
     void openUpFilePermissions() const;
-    [[nodiscard]] std::shared_ptr<VantroStandaloneServiceProtocol> connectionService() const;
+    [[nodiscard]] std::unique_ptr<ServiceProxy> connectionService() const;
     void monitorYubiKey();
 
     void onDeviceConnected(const Notification& notification);
     void onDeviceDisconnected();
     void setConnectedYubiKeyCount(std::int64_t count);
 
-    std::shared_ptr<VantroStandaloneServiceProtocol> service_;
+    std::unique_ptr<ServiceProxy> service_;
     std::atomic<std::int64_t> connectedYubiKeyCount_ = 0;
     /// 0, which no token has, stands for an absent serial.
     std::atomic<std::uint64_t> connectedYubiKeySerial_ = 0;

@@ -4,8 +4,8 @@
 
 #include "AppDataSet.h"
 #include "Model/KeySorting.h"
+#include "ServiceRequest.h"
 #include "appkit/BusyPointer.h"
-#include "foundation/ReplyCell.h"
 
 namespace vantro {
 namespace {
@@ -30,15 +30,15 @@ std::string LoginAuthentication::rawValue(AuthResult result)
     return names.at(static_cast<std::size_t>(result));
 }
 
-LoginAuthentication::AuthResult LoginAuthentication::authenticate()
+LoginAuthentication::AuthResult LoginAuthentication::authenticate(ServiceFailure* failure)
 {
     authenticationLogger().info("Start login authentication.", function);
-    const AuthResult result = check();
+    const AuthResult result = check(failure);
     authenticationLogger().info("[Result: " + rawValue(result) + "]", function);
     return result;
 }
 
-LoginAuthentication::AuthResult LoginAuthentication::check()
+LoginAuthentication::AuthResult LoginAuthentication::check(ServiceFailure* failure)
 {
     auto& dataSet = AppDataSet::shared();
     const std::int64_t count = dataSet.connectedYubiKeyCount();
@@ -56,9 +56,13 @@ LoginAuthentication::AuthResult LoginAuthentication::check()
         return AuthResult::NotAdminYubiKey;
 
     const BusyPointer busyPointer;
-    const ReplyCell<bool> cell;
-    dataSet.service().validateWithSerialNo(*serial, cell.sender());
-    return cell.waitForReplyOrFailure(validationLimit).value_or(false) ? AuthResult::Success : AuthResult::CRFailure;
+    const ServiceRequest<bool> request(
+        [&serial](ServiceProxy& service, auto reply) { service.validateWithSerialNo(*serial, std::move(reply)); });
+    if (request.waitForReplyOrFailure(validationLimit).value_or(false))
+        return AuthResult::Success;
+    if (failure != nullptr)
+        *failure = request.failure(validationLimit);
+    return AuthResult::CRFailure;
 }
 
 } // namespace vantro

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <string>
 
+#include "ServiceFailure.h"
+
 namespace vantro {
 
 /// The check that the tool's own sign-in stands on. Holds no state.
@@ -30,11 +32,11 @@ class LoginAuthentication
 
     /// Checks the token that is plugged in. Count comes before serial, serial before membership, and the service is
     /// asked last. Blocks until the result is known, at most validationLimit; a connection that fails ends the wait at
-    /// once. Main thread.
-    [[nodiscard]] static AuthResult authenticate();
+    /// once. Where the service did not confirm the token, `failure` says why. Main thread.
+    [[nodiscard]] static AuthResult authenticate(ServiceFailure* failure = nullptr);
 
   private:
-    [[nodiscard]] static AuthResult check();
+    [[nodiscard]] static AuthResult check(ServiceFailure* failure);
 };
 
 } // namespace vantro

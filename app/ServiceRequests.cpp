@@ -1,12 +1,10 @@
 #include "ServiceRequests.h"
 
-#include <functional>
 #include <utility>
 
-#include "AppDataSet.h"
+#include "ServiceRequest.h"
 #include "appkit/BusyPointer.h"
 #include "foundation/OperatingSystem.h"
-#include "foundation/ReplyCell.h"
 
 namespace vantro {
 
@@ -18,15 +16,16 @@ namespace {
 
 constexpr auto moduleName = "pam_vantro_standalone.so";
 
-using SuccessReply = VantroStandaloneServiceProtocol::SuccessReply;
-
 /// One request whose answer is waited for; silence is failure.
-bool askService(const std::function<void(VantroStandaloneServiceProtocol&, SuccessReply)>& send)
+template <class Send>
+bool askService(ServiceFailure* failure, Send send)
 {
     const BusyPointer busyPointer;
-    const ReplyCell<bool> cell;
-    send(AppDataSet::shared().service(), cell.sender());
-    return cell.waitFor(serviceReplyLimit).value_or(false);
+    const ServiceRequest<bool> request(std::move(send));
+    const bool isSuccess = request.waitFor(serviceReplyLimit).value_or(false);
+    if (!isSuccess && failure != nullptr)
+        *failure = request.failure(serviceReplyLimit);
+    return isSuccess;
 }
 
 std::string asText(bool value)
@@ -36,20 +35,20 @@ std::string asText(bool value)
 
 } // namespace
 
-bool updatePamSetting(const std::string& fileName, ControlFlag controlFlag)
+bool updatePamSetting(const std::string& fileName, ControlFlag controlFlag, ServiceFailure* failure)
 {
     const PamSetting setting{fileName, ModuleInterface::Auth, controlFlag, moduleName};
     const auto archive = setting.archived();
     if (!archive)
         return false;
-    return askService([&](VantroStandaloneServiceProtocol& service, SuccessReply reply) {
+    return askService(failure, [&](ServiceProxy& service, auto reply) {
         service.savePamSettingWithSetting(*archive, std::move(reply));
     });
 }
 
-bool createCRSettingFile(std::uint64_t serial)
+bool createCRSettingFile(std::uint64_t serial, ServiceFailure* failure)
 {
-    return askService([&](VantroStandaloneServiceProtocol& service, SuccessReply reply) {
+    return askService(failure, [&](ServiceProxy& service, auto reply) {
         service.createCRSettingFileWithSerialNo(serial, std::move(reply));
     });
 }
@@ -69,9 +68,16 @@ std::string PamUpdateResults::logText() const
 PamUpdateResults updateAllPamSettings(ControlFlag controlFlag)
 {
     PamUpdateResults results;
-    results.authorization = updatePamSetting("authorization", controlFlag);
-    results.screensaver = updatePamSetting("screensaver", controlFlag);
-    results.screensaverNew = updatePamSetting("screensaver_new", controlFlag);
+    auto update = [&results, controlFlag, failed = false](const char* fileName) mutable {
+        ServiceFailure failure;
+        const bool isSuccess = updatePamSetting(fileName, controlFlag, &failure);
+        if (!isSuccess && !std::exchange(failed, true))
+            results.failure = failure;
+        return isSuccess;
+    };
+    results.authorization = update(pamServices[0]);
+    results.screensaver = update(pamServices[1]);
+    results.screensaverNew = update(pamServices[2]);
     return results;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <string>
 
+#include "ServiceFailure.h"
 #include "VantroStandaloneSetting/PamSetting.h"
 
 namespace vantro {
@@ -12,13 +14,19 @@ namespace vantro {
 /// alone, before any request.
 extern std::chrono::milliseconds serviceReplyLimit;
 
+/// The PAM services that hold an entry of the add-on, in the order in which they are updated.
+inline constexpr std::array pamServices = {"authorization", "screensaver", "screensaver_new"};
+
 /// Has the privileged service write the add-on's entry into the PAM service `fileName`. Blocks the calling thread; true
-/// only when the service replies true within serviceReplyLimit. Main thread.
-[[nodiscard]] bool updatePamSetting(const std::string& fileName, ControlFlag controlFlag);
+/// only when the service replies true within serviceReplyLimit, and else `failure` says why, as far as that is known by
+/// then. Main thread.
+[[nodiscard]] bool updatePamSetting(const std::string& fileName, ControlFlag controlFlag,
+                                    ServiceFailure* failure = nullptr);
 
 /// Has the privileged service write the challenge-response setting file of the plugged-in token with the serial. Blocks
-/// the calling thread; true only when the service replies true within serviceReplyLimit. Main thread.
-[[nodiscard]] bool createCRSettingFile(std::uint64_t serial);
+/// the calling thread; true only when the service replies true within serviceReplyLimit, and else `failure` says
+/// why, as far as that is known by then. Main thread.
+[[nodiscard]] bool createCRSettingFile(std::uint64_t serial, ServiceFailure* failure = nullptr);
 
 /// The answers to a full update of the add-on's entries, one for each PAM service.
 struct PamUpdateResults
@@ -26,6 +34,8 @@ struct PamUpdateResults
     bool authorization = false;
     bool screensaver = false;
     bool screensaverNew = false;
+    /// Why the first update that failed did.
+    ServiceFailure failure;
 
     /// By the rule of the running operating system: from version 14 on all three count, before that the last does not.
     [[nodiscard]] bool isSuccess() const;
@@ -34,8 +44,8 @@ struct PamUpdateResults
     [[nodiscard]] std::string logText() const;
 };
 
-/// Updates "authorization", "screensaver" and "screensaver_new" with one control flag, in this order, one after the
-/// other and all three whatever the answers. What was written stays when another fails. Main thread.
+/// Updates all pamServices with one control flag, one after the other and all three whatever the answers. What was
+/// written stays when another fails. Main thread.
 PamUpdateResults updateAllPamSettings(ControlFlag controlFlag);
 
 } // namespace vantro

@@ -78,6 +78,12 @@ void LabelModel::setIsHidden(bool isHidden)
     Q_EMIT isHiddenChanged();
 }
 
+void LabelModel::setTextOrHide(const QString& text)
+{
+    setText(text);
+    setIsHidden(text.isEmpty());
+}
+
 void LabelModel::bindTo(QLabel* label)
 {
     bind(this, "text", label, [label](const QVariant& value) { label->setText(value.toString()); });

@@ -27,6 +27,9 @@ class LabelModel : public QObject
     [[nodiscard]] bool isHidden() const { return isHidden_; }
     void setIsHidden(bool isHidden);
 
+    /// Sets the text, and hides the label while there is none: it takes no room then.
+    void setTextOrHide(const QString& text);
+
     /// Shows this model in `label` for as long as both live.
     void bindTo(QLabel* label);
 

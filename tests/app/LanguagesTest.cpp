@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDir>
+#include <QFile>
 #include <QFont>
 #include <QLocale>
 #include <QMenu>
@@ -102,6 +103,22 @@ TEST_P(LanguageOf, HasEveryTextAndPluralFormAndNoOther)
         }
         EXPECT_EQ(placeholders(text.forms.back()), placeholders(original.forms.back()));
     });
+}
+
+TEST_P(LanguageOf, HasASentenceForEveryReasonOfAFailure)
+{
+    const TableTexts texts = tableTexts(GetParam().code);
+    QFile words(QStringLiteral(APP_RESOURCES "/../../libraries/VantroStandaloneXPCSupport/FailureReason.h"));
+    ASSERT_TRUE(words.open(QIODevice::ReadOnly));
+    const QRegularExpression definition(QStringLiteral("string_view (\\w+) = \"(.*)\";"));
+    int count = 0;
+    for (auto match = definition.globalMatch(QString::fromUtf8(words.readAll())); match.hasNext(); ++count) {
+        const auto word = match.next();
+        EXPECT_EQ(texts.contains({QStringLiteral("ServiceFailure"), word.captured(2)}),
+                  word.captured(1) != QLatin1String("none"))
+            << word.captured().toStdString();
+    }
+    EXPECT_GT(count, 20);
 }
 
 TEST_P(LanguageOf, IsWhatTheProgramCarries)

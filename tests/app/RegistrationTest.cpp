@@ -166,6 +166,55 @@ TEST_P(Registration, DisplayFollowsTheTokens)
     EXPECT_EQ(takeWrites(), 0);
 }
 
+TEST_P(Registration, SaysWhyATokenThatIsPluggedInCannotBeRegistered)
+{
+    using Answer = ScriptedService::Answer;
+    dataSet();
+    const auto dialog = open();
+    const auto* const label = dialog->view()->findChild<QLabel*>("obstacleLabel");
+    const int height = dialog->view()->height();
+    const auto plugInUnread = [this](const Answer& serial, const char* word) {
+        return [this, serial, word] {
+            service->script("GetSerial", {serial});
+            service->script("LastFailure", {{std::string(word)}});
+            onMonitorThread([] { postConnected(64); });
+        };
+    };
+    const auto text = [](const char* what, const char* why = nullptr) {
+        QStringList lines(localizedString("TokenObstacle", what));
+        if (why != nullptr)
+            lines += localizedString("ServiceFailure", why);
+        return (lines << localizedString("TokenObstacle", "plug_in_again")).join('\n');
+    };
+    const std::pair<std::function<void()>, QString> steps[] = {
+        {[&] { plugIn(5); }, ""},
+        {[&] { unplug(); }, ""},
+        {plugInUnread({std::uint64_t{0}}, "not-allowed by a later version"), text("serial_not_read")},
+        {[&] { unplug(); }, ""},
+        {plugInUnread({std::uint64_t{0}}, "no-keyboard-interface"), text("serial_not_read", "no-keyboard-interface")},
+        {[&] { plugIn(5); }, ""},
+        {[&] { unplug(); }, text("another_pulled_out")},
+        {plugInUnread({ScriptedService::Refusal{"org.freedesktop.DBus.Error.AccessDenied"}}, ""),
+         text("serial_not_read", "access-denied")},
+        // Plugging the one that is left in again would not help.
+        {[&] { unplug(); }, text("serial_not_read", "access-denied")},
+        {[&] { unplug(); }, ""},
+        {[&] {
+             service.reset();
+             onMonitorThread([] { postConnected(64); });
+         },
+         text("serial_not_read", "service-missing")},
+    };
+    for (const auto& [change, expected] : steps) {
+        change();
+        EXPECT_TRUE(spinUntil([&, &text_ = expected] { return label->text() == text_; }))
+            << label->text().toStdString();
+        EXPECT_EQ(label->isHidden(), expected.isEmpty());
+    }
+    EXPECT_EQ(dialog->serialLabelModel.text(), kind().notConnected());
+    EXPECT_TRUE(spinUntil([&] { return dialog->view()->height() > height; })) << "the dialog grows with its texts";
+}
+
 TEST_P(Registration, RegisterWritesTheFileThenTheDocumentThenTheList)
 {
     store(kind().with({3, 9}));
@@ -195,21 +244,34 @@ TEST_P(Registration, AFileThatIsNotWrittenLeavesEverythingElseAsItWas)
     store(kind().with({3}));
     plugIn(5);
     takeWrites();
+    const Answer unknown{ScriptedService::Refusal{"org.freedesktop.DBus.Error.UnknownInterface"}};
     const struct
     {
         std::optional<Answer> answer;
+        /// What the service says when it is asked why.
+        Answer reason;
         bool waitsForTheLimit;
-    } cases[] = {{Answer{false}, false},
-                 {Answer{ScriptedService::Refusal()}, true},
-                 {Answer{ScriptedService::Silence()}, true},
-                 {Answer{true, 400ms}, true},
-                 {std::nullopt, true}};
-    for (const auto& [answer, waitsForTheLimit] : cases) {
+        /// The text below the specified one; empty when there is none.
+        const char* sentence;
+    } cases[] = {
+        {Answer{false}, {std::string()}, false, ""},
+        {Answer{false}, {std::string("slot-not-programmed")}, false, "slot-not-programmed"},
+        {Answer{false}, {std::string("word of a later version")}, false, ""},
+        {Answer{false}, unknown, false, ""},
+        {Answer{false}, {ScriptedService::Silence()}, true, ""},
+        {Answer{ScriptedService::Refusal()}, {std::string("jump")}, true, ""},
+        {Answer{ScriptedService::Refusal{"org.freedesktop.DBus.Error.AccessDenied"}}, unknown, true, "access-denied"},
+        {Answer{ScriptedService::Silence()}, {std::string("jump")}, true, ""},
+        {Answer{true, 400ms}, {std::string("jump")}, true, ""},
+        {std::nullopt, unknown, true, "service-missing"}};
+    for (const auto& [answer, reason, waitsForTheLimit, sentence] : cases) {
         serviceReplyLimit = waitsForTheLimit ? 200ms : std::chrono::milliseconds(ample);
-        if (answer)
+        if (answer) {
             service->script("CreateCRSettingFile", {*answer});
-        else
+            service->script("LastFailure", {reason});
+        } else {
             service.reset();
+        }
         const auto dialog = open();
         forgetLog();
         const auto start = std::chrono::steady_clock::now();
@@ -220,7 +282,9 @@ TEST_P(Registration, AFileThatIsNotWrittenLeavesEverythingElseAsItWas)
         EXPECT_EQ(alerts[0].windowTitle, "Vantro Standalone (Version 1.0.0)");
         EXPECT_EQ(alerts[0].style, NSAlert::Style::Warning);
         EXPECT_EQ(alerts[0].message, CommonMessage::warning());
-        EXPECT_EQ(alerts[0].information, CommonMessage::CRFailureAlert());
+        EXPECT_EQ(alerts[0].information,
+                  CommonMessage::CRFailureAlert() +
+                      (*sentence == 0 ? QString() : "\n\n" + localizedString("ServiceFailure", sentence)));
         EXPECT_EQ(alerts[0].buttons, QStringList{CommonMessage::ok()});
         alerts.clear();
         EXPECT_THAT(messages(kind().file),

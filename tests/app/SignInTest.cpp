@@ -72,6 +72,7 @@ class SignInDialog : public AppFixture
 
     static QWidget* dialog() { return QApplication::activeModalWidget(); }
     static QString text() { return dialog()->findChild<QLabel*>("errorMessageLabel")->text(); }
+    static QString reason() { return dialog()->findChild<QLabel*>("reasonLabel")->text(); }
     static void press(const char* key)
     {
         const QString title = localizedString("LoginAuthAlertView", key);
@@ -85,6 +86,13 @@ class SignInDialog : public AppFixture
     {
         service->script("GetSerial", {{serial}});
         std::thread([] { postConnected(64); }).detach();
+    }
+    static void unplugMeanwhile()
+    {
+        std::thread([] {
+            postDisconnected();
+            postDisconnected();
+        }).detach();
     }
 };
 
@@ -102,24 +110,32 @@ TEST_F(SignInDialog, RefusesUntilAnAdministratorKeyIsConfirmedAndShowsNothingBef
                nothingElseIsThere();
                press("authenticate_button");
                EXPECT_EQ(text(), LoginAuthAlertMessage::notConnectedYubiKey());
-               plugInMeanwhile(22);
+               EXPECT_EQ(reason(), "");
+               plugInMeanwhile(0);
            }},
+          {[] { return reason().startsWith(localizedString("TokenObstacle", "serial_not_read")); },
+           [&] {
+               press("authenticate_button");
+               EXPECT_EQ(text(), LoginAuthAlertMessage::authFailure());
+               EXPECT_TRUE(reason().startsWith(localizedString("TokenObstacle", "serial_not_read")));
+               unplugMeanwhile();
+           }},
+          {[] { return reason().isEmpty(); }, [&] { plugInMeanwhile(22); }},
           {counted(1),
            [&] {
                press("authenticate_button");
                EXPECT_EQ(text(), LoginAuthAlertMessage::notAdminKey());
                nothingElseIsThere();
-               std::thread([] {
-                   postDisconnected();
-                   postDisconnected();
-               }).detach();
+               unplugMeanwhile();
            }},
           {counted(0), [&] { plugInMeanwhile(adminKey); }},
           {[&] { return dataSet().connectedYubiKeySerial() == adminKey; },
            [&] {
                service->script("Validate", {{false}, {true}});
+               service->script("LastFailure", {{std::string("not-touched")}});
                press("authenticate_button");
                EXPECT_EQ(text(), LoginAuthAlertMessage::authFailure());
+               EXPECT_EQ(reason(), localizedString("ServiceFailure", "not-touched"));
                press("authenticate_button");
            }}});
     EXPECT_TRUE(window().isVisible());

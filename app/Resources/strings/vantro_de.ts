@@ -196,6 +196,152 @@ Sorgen Sie dafür, dass Sie in diesen Ordner schreiben dürfen und der Datenträ
     </message>
 </context>
 <context>
+    <name>ServiceFailure</name>
+    <message>
+        <source>no-token</source>
+        <translation>Der Dienst hat kein Token gefunden. Schließen Sie das Token an, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>no-token-with-serial</source>
+        <translation>Der Dienst hat kein Token mit dieser Seriennummer gefunden: Es wurde abgezogen oder vertauscht. Schließen Sie es an, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>no-keyboard-interface</source>
+        <translation>Das Token bietet keine OTP-Anwendung an, zu der Challenge-Response gehört. Schalten Sie diese mit dem Konfigurationsprogramm des Tokens ein, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>token-busy</source>
+        <translation>Das Token ist mit einer anderen Anfrage beschäftigt. Versuchen Sie es gleich noch einmal.</translation>
+    </message>
+    <message>
+        <source>token-gone</source>
+        <translation>Das Token wurde während der Abfrage abgezogen. Schließen Sie es an, lassen Sie es angeschlossen, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>device-not-allowed</source>
+        <translation>Der Dienst darf das Gerät des Tokens nicht öffnen. Führen Sie als root „systemctl restart com.vantro.Standalone1“ aus, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>transfer-failed</source>
+        <translation>Die Verbindung zum Token wurde gestört. Schließen Sie das Token an einen anderen USB-Anschluss an, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>no-answer</source>
+        <translation>Das Token hat nicht rechtzeitig geantwortet. Schließen Sie es an einen anderen USB-Anschluss an, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>bad-answer</source>
+        <translation>Die Antwort des Tokens war beschädigt. Schließen Sie es an einen anderen USB-Anschluss an, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>slot-not-programmed</source>
+        <translation>Kein Slot des Tokens ist für Challenge-Response programmiert. Programmieren Sie einen davon (HMAC-SHA1), und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>not-touched</source>
+        <translation>Das Token wurde nicht rechtzeitig berührt. Versuchen Sie es erneut, und berühren Sie es, sobald es blinkt.</translation>
+    </message>
+    <message>
+        <source>claims-another</source>
+        <translation>Ein Token mit dieser Seriennummer ist bereits registriert, und dieses hier antwortet nicht wie jenes. Wenn es dasselbe ist und sein Slot neu programmiert wurde, löschen Sie zuerst alle seine Schlüssel, und versuchen Sie es erneut. Andernfalls verwenden Sie es nicht: Es gibt sich für ein anderes aus.</translation>
+    </message>
+    <message>
+        <source>no-record</source>
+        <translation>Der Dienst hat keine Aufzeichnung zu diesem Token. Melden Sie sich mit einem anderen Token an, löschen Sie die Schlüssel von diesem, und registrieren Sie es neu.</translation>
+    </message>
+    <message>
+        <source>record-unusable</source>
+        <translation>Die Aufzeichnung des Dienstes zu diesem Token ist beschädigt oder nicht sicher. Melden Sie sich mit einem anderen Token an, löschen Sie die Schlüssel von diesem, und registrieren Sie es neu.</translation>
+    </message>
+    <message>
+        <source>wrong-response</source>
+        <translation>Das Token antwortet nicht wie bei seiner Registrierung; sein Slot wurde neu programmiert. Melden Sie sich mit einem anderen Token an, löschen Sie die Schlüssel von diesem, und registrieren Sie es neu.</translation>
+    </message>
+    <message>
+        <source>records-folder</source>
+        <translation>Der Ordner mit den Aufzeichnungen des Dienstes fehlt oder ist nicht sicher. Installieren Sie als root das Paket „vantro-standalone“ neu, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>service-file-missing</source>
+        <translation>Ein PAM-Dienst der Erweiterung fehlt in „/etc/pam.d“. Installieren Sie als root das Paket „vantro-standalone“ neu, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>service-file-unusable</source>
+        <translation>Ein PAM-Dienst der Erweiterung kann so, wie er ist, nicht sicher geändert werden. Das Protokoll des Dienstes nennt ihn und den Grund: „journalctl -t vantro-standalone-service“. Berichtigen Sie ihn als root, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>module-missing</source>
+        <translation>Das Anmeldemodul „pam_vantro_standalone.so“ ist nicht installiert. Eine Token-Pflicht ohne das Modul würde alle aussperren. Installieren Sie es als root, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>module-unusable</source>
+        <translation>Das Anmeldemodul „pam_vantro_standalone.so“ kann nicht geladen werden. Eine Token-Pflicht ohne das Modul würde alle aussperren. Installieren Sie es als root neu, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>jump</source>
+        <translation>Ein Sprung in der PAM-Konfiguration des Computers führt über den Eintrag der Erweiterung hinweg. Das Protokoll des Dienstes nennt die Stelle: „journalctl -t vantro-standalone-service“. Ändern Sie die Zeile als root, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>includer-unreadable</source>
+        <translation>Eine Datei der PAM-Konfiguration des Computers kann nicht so gelesen werden, wie PAM sie liest; was eine Änderung bewirken würde, ist deshalb ungewiss. Das Protokoll des Dienstes nennt sie: „journalctl -t vantro-standalone-service“. Berichtigen Sie die Datei als root, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>no-key-registered</source>
+        <translation>Es ist kein Benutzer- oder Hauptschlüssel registriert, zu dem der Dienst eine Aufzeichnung hat; niemand könnte sich anmelden. Registrieren Sie einen; wenn schon einer in der Liste steht, löschen Sie ihn zuerst. Versuchen Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>document-unreadable</source>
+        <translation>Der Dienst kann die Einstellungsdatei nicht lesen. Das Protokoll des Dienstes nennt den Grund: „journalctl -t vantro-standalone-service“. Bringen Sie sie als root in Ordnung, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>not-accepted</source>
+        <translation>Der Dienst nimmt diese Anfrage nicht an; vielleicht hat er eine andere Version als das Programm. Installieren Sie als root das Paket „vantro-standalone“ neu, und starten Sie das Programm erneut.</translation>
+    </message>
+    <message>
+        <source>disk-full</source>
+        <translation>Der Datenträger ist voll. Schaffen Sie Platz, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>write-failed</source>
+        <translation>Der Dienst konnte eine Datei nicht schreiben. Das Protokoll des Dienstes nennt sie und den Grund: „journalctl -t vantro-standalone-service“. Beheben Sie ihn als root, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>no-time</source>
+        <translation>Der Dienst wurde nicht rechtzeitig fertig. Versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>internal</source>
+        <translation>Im Dienst ist ein unerwarteter Fehler aufgetreten. Versuchen Sie es erneut; bleibt er bestehen, sagt das Protokoll des Dienstes mehr: „journalctl -t vantro-standalone-service“.</translation>
+    </message>
+    <message>
+        <source>access-denied</source>
+        <translation>Der Dienst steht nur Administratoren zur Verfügung, und in dieser Sitzung sind Sie keiner. Ihr Konto muss zur Gruppe „sudo“ gehören; falls nicht, führen Sie als root „adduser NAME sudo“ mit dem Namen Ihres Kontos aus. Melden Sie sich dann ab und wieder an: Ein neues Mitglied gilt erst von da an.</translation>
+    </message>
+    <message>
+        <source>service-missing</source>
+        <translation>Der Vantro-Standalone-Dienst ist nicht installiert oder startet nicht. Installieren Sie als root das Paket „vantro-standalone“, oder suchen Sie den Grund mit „systemctl status com.vantro.Standalone1“, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>bus-missing</source>
+        <translation>Der Systembus (D-Bus) ist nicht erreichbar und damit auch nicht der Vantro-Standalone-Dienst. Starten Sie den Computer neu, und starten Sie dann das Programm erneut.</translation>
+    </message>
+</context>
+<context>
+    <name>TokenObstacle</name>
+    <message>
+        <source>serial_not_read</source>
+        <translation>Ein Token ist angeschlossen, aber seine Seriennummer konnte nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>another_pulled_out</source>
+        <translation>Ein Token ist noch angeschlossen; welches, ist nicht bekannt, weil ein anderes abgezogen wurde.</translation>
+    </message>
+    <message>
+        <source>plug_in_again</source>
+        <translation>Ziehen Sie das Token ab, und schließen Sie es wieder an.</translation>
+    </message>
+</context>
+<context>
     <name>TabView</name>
     <message>
         <source>tab_settings</source>

@@ -196,6 +196,152 @@ See to it that you may write to that folder and that the disk is not full, then 
     </message>
 </context>
 <context>
+    <name>ServiceFailure</name>
+    <message>
+        <source>no-token</source>
+        <translation>The service found no token. Plug the token in and try again.</translation>
+    </message>
+    <message>
+        <source>no-token-with-serial</source>
+        <translation>The service found no token with this serial number: it was pulled out or exchanged. Plug it in and try again.</translation>
+    </message>
+    <message>
+        <source>no-keyboard-interface</source>
+        <translation>The token offers no OTP application, which challenge-response belongs to. Switch that on with the token's configuration program, then try again.</translation>
+    </message>
+    <message>
+        <source>token-busy</source>
+        <translation>The token is busy with another request. Try again in a moment.</translation>
+    </message>
+    <message>
+        <source>token-gone</source>
+        <translation>The token was pulled out while it was being asked. Plug it in, leave it plugged in, and try again.</translation>
+    </message>
+    <message>
+        <source>device-not-allowed</source>
+        <translation>The service may not open the token's device. Have root run "systemctl restart com.vantro.Standalone1", then try again.</translation>
+    </message>
+    <message>
+        <source>transfer-failed</source>
+        <translation>The connection to the token was disturbed. Plug the token into another USB port and try again.</translation>
+    </message>
+    <message>
+        <source>no-answer</source>
+        <translation>The token did not answer in time. Plug it into another USB port and try again.</translation>
+    </message>
+    <message>
+        <source>bad-answer</source>
+        <translation>The token's answer was damaged. Plug it into another USB port and try again.</translation>
+    </message>
+    <message>
+        <source>slot-not-programmed</source>
+        <translation>No slot of the token is programmed for challenge-response. Program one of them (HMAC-SHA1), then try again.</translation>
+    </message>
+    <message>
+        <source>not-touched</source>
+        <translation>The token was not touched in time. Try again, and touch it as soon as it blinks.</translation>
+    </message>
+    <message>
+        <source>claims-another</source>
+        <translation>A token with this serial number is registered already, and this one does not answer as that one does. If it is the same token and its slot was programmed anew, delete all its keys first, then try again. Otherwise do not use it: it passes itself off as another.</translation>
+    </message>
+    <message>
+        <source>no-record</source>
+        <translation>The service has no record of this token. Use another token to sign in, delete the keys of this one, and register it again.</translation>
+    </message>
+    <message>
+        <source>record-unusable</source>
+        <translation>The service's record of this token is damaged or not safe. Use another token to sign in, delete the keys of this one, and register it again.</translation>
+    </message>
+    <message>
+        <source>wrong-response</source>
+        <translation>The token does not answer as it did when it was registered; its slot was programmed anew. Use another token to sign in, delete the keys of this one, and register it again.</translation>
+    </message>
+    <message>
+        <source>records-folder</source>
+        <translation>The folder of the service's records is missing or not safe. Have root reinstall the package "vantro-standalone", then try again.</translation>
+    </message>
+    <message>
+        <source>service-file-missing</source>
+        <translation>A PAM service of the add-on is missing in "/etc/pam.d". Have root reinstall the package "vantro-standalone", then try again.</translation>
+    </message>
+    <message>
+        <source>service-file-unusable</source>
+        <translation>A PAM service of the add-on can't be changed safely as it is. The service's log says which and why: "journalctl -t vantro-standalone-service". Have root set it right, then try again.</translation>
+    </message>
+    <message>
+        <source>module-missing</source>
+        <translation>The login module "pam_vantro_standalone.so" is not installed. To demand a token without it would lock everybody out. Have root install it, then try again.</translation>
+    </message>
+    <message>
+        <source>module-unusable</source>
+        <translation>The login module "pam_vantro_standalone.so" can't be loaded. To demand a token without it would lock everybody out. Have root reinstall it, then try again.</translation>
+    </message>
+    <message>
+        <source>jump</source>
+        <translation>A jump in the computer's PAM configuration leads over the add-on's entry. The service's log says where: "journalctl -t vantro-standalone-service". Have root change that line, then try again.</translation>
+    </message>
+    <message>
+        <source>includer-unreadable</source>
+        <translation>A file of the computer's PAM configuration can't be read as PAM reads it, so nobody can tell what a change would do. The service's log says which: "journalctl -t vantro-standalone-service". Have root set it right, then try again.</translation>
+    </message>
+    <message>
+        <source>no-key-registered</source>
+        <translation>No user key or master key is registered that the service has a record of, so nobody could sign in. Register one; if there is one in the list, delete it first. Then try again.</translation>
+    </message>
+    <message>
+        <source>document-unreadable</source>
+        <translation>The service can't read the settings document. The service's log says why: "journalctl -t vantro-standalone-service". Have root set it right, then try again.</translation>
+    </message>
+    <message>
+        <source>not-accepted</source>
+        <translation>The service does not accept this request; it may be of another version than the tool. Have root reinstall the package "vantro-standalone", then start the tool again.</translation>
+    </message>
+    <message>
+        <source>disk-full</source>
+        <translation>The disk is full. Free some space, then try again.</translation>
+    </message>
+    <message>
+        <source>write-failed</source>
+        <translation>The service could not write a file. The service's log says which and why: "journalctl -t vantro-standalone-service". Have root set it right, then try again.</translation>
+    </message>
+    <message>
+        <source>no-time</source>
+        <translation>The service did not finish in time. Try again.</translation>
+    </message>
+    <message>
+        <source>internal</source>
+        <translation>An unexpected error occurred in the service. Try again; if it stays, the service's log says more: "journalctl -t vantro-standalone-service".</translation>
+    </message>
+    <message>
+        <source>access-denied</source>
+        <translation>The service serves administrators only, and you are none in this session. Your account must be a member of the group "sudo"; if it is not, have root run "adduser NAME sudo" with your account's name. Then sign out and sign in again: a new member counts only from then on.</translation>
+    </message>
+    <message>
+        <source>service-missing</source>
+        <translation>The Vantro Standalone service is not installed or does not start. Have root install the package "vantro-standalone", or find out why with "systemctl status com.vantro.Standalone1", then try again.</translation>
+    </message>
+    <message>
+        <source>bus-missing</source>
+        <translation>The system bus (D-Bus) can't be reached, and so neither can the Vantro Standalone service. Restart the computer, then start the tool again.</translation>
+    </message>
+</context>
+<context>
+    <name>TokenObstacle</name>
+    <message>
+        <source>serial_not_read</source>
+        <translation>A token is plugged in, but its serial number could not be read.</translation>
+    </message>
+    <message>
+        <source>another_pulled_out</source>
+        <translation>A token is still plugged in, but which one is not known, since another was pulled out.</translation>
+    </message>
+    <message>
+        <source>plug_in_again</source>
+        <translation>Pull the token out and plug it in again.</translation>
+    </message>
+</context>
+<context>
     <name>TabView</name>
     <message>
         <source>tab_settings</source>

@@ -196,6 +196,152 @@
     </message>
 </context>
 <context>
+    <name>ServiceFailure</name>
+    <message>
+        <source>no-token</source>
+        <translation>サービスがトークンを検出できませんでした。トークンを接続して、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>no-token-with-serial</source>
+        <translation>このシリアル番号のトークンが見つかりません。取り外されたか、別のトークンに差し替えられています。接続し直して、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>no-keyboard-interface</source>
+        <translation>チャレンジレスポンスに必要なOTPアプリケーションが、トークンで無効になっています。トークンの設定プログラムで有効にしてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>token-busy</source>
+        <translation>トークンは別の要求を処理しています。しばらくしてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>token-gone</source>
+        <translation>問い合わせ中にトークンが取り外されました。トークンを接続し、そのままの状態で、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>device-not-allowed</source>
+        <translation>サービスにトークンのデバイスを開く許可がありません。root権限で「systemctl restart com.vantro.Standalone1」を実行してから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>transfer-failed</source>
+        <translation>トークンとの通信が妨げられました。別のUSBポートに接続して、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>no-answer</source>
+        <translation>トークンから時間内に応答がありませんでした。別のUSBポートに接続して、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>bad-answer</source>
+        <translation>トークンの応答が破損していました。別のUSBポートに接続して、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>slot-not-programmed</source>
+        <translation>トークンのどのスロットも、チャレンジレスポンス用にプログラムされていません。いずれかをプログラムしてから（HMAC-SHA1）、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>not-touched</source>
+        <translation>時間内にトークンがタッチされませんでした。もう一度実行し、トークンが点滅したらすぐにタッチしてください。</translation>
+    </message>
+    <message>
+        <source>claims-another</source>
+        <translation>このシリアル番号のトークンはすでに登録されていますが、応答が一致しません。同じトークンのスロットをプログラムし直した場合は、先にそのトークンのキーをすべて削除してから、もう一度お試しください。そうでない場合は、別のトークンを装っているため、使用しないでください。</translation>
+    </message>
+    <message>
+        <source>no-record</source>
+        <translation>サービスにこのトークンの記録がありません。別のトークンでサインインし、このトークンのキーを削除してから、登録し直してください。</translation>
+    </message>
+    <message>
+        <source>record-unusable</source>
+        <translation>サービスにあるこのトークンの記録が、破損しているか、安全ではありません。別のトークンでサインインし、このトークンのキーを削除してから、登録し直してください。</translation>
+    </message>
+    <message>
+        <source>wrong-response</source>
+        <translation>トークンの応答が登録時と異なります。スロットがプログラムし直されています。別のトークンでサインインし、このトークンのキーを削除してから、登録し直してください。</translation>
+    </message>
+    <message>
+        <source>records-folder</source>
+        <translation>サービスの記録用フォルダーが、存在しないか、安全ではありません。root権限で「vantro-standalone」パッケージを再インストールしてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>service-file-missing</source>
+        <translation>アドオンのPAMサービスが「/etc/pam.d」にありません。root権限で「vantro-standalone」パッケージを再インストールしてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>service-file-unusable</source>
+        <translation>アドオンのPAMサービスは、現在の状態では安全に変更できません。該当するファイルと理由は、サービスのログ「journalctl -t vantro-standalone-service」に記録されています。root権限で修正してから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>module-missing</source>
+        <translation>サインイン用モジュール「pam_vantro_standalone.so」がインストールされていません。このままトークンを必須にすると、誰もサインインできなくなります。root権限でインストールしてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>module-unusable</source>
+        <translation>サインイン用モジュール「pam_vantro_standalone.so」を読み込めません。このままトークンを必須にすると、誰もサインインできなくなります。root権限で再インストールしてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>jump</source>
+        <translation>コンピューターのPAM設定に、アドオンの項目を飛び越えるジャンプがあります。場所は、サービスのログ「journalctl -t vantro-standalone-service」に記録されています。root権限でその行を変更してから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>includer-unreadable</source>
+        <translation>コンピューターのPAM設定に、PAMと同じようには読み取れないファイルがあり、変更の影響を判断できません。該当するファイルは、サービスのログ「journalctl -t vantro-standalone-service」に記録されています。root権限で修正してから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>no-key-registered</source>
+        <translation>サービスに記録のあるユーザーキーまたはマスターキーが登録されていないため、誰もサインインできなくなります。キーを登録してください。一覧にすでにある場合は、先に削除してください。その後、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>document-unreadable</source>
+        <translation>サービスが設定ファイルを読み込めません。理由は、サービスのログ「journalctl -t vantro-standalone-service」に記録されています。root権限で修正してから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>not-accepted</source>
+        <translation>サービスがこの要求を受け付けません。ツールとサービスのバージョンが異なる可能性があります。root権限で「vantro-standalone」パッケージを再インストールしてから、ツールをもう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>disk-full</source>
+        <translation>ディスクに空きがありません。空き領域を増やしてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>write-failed</source>
+        <translation>サービスがファイルに書き込めませんでした。該当するファイルと理由は、サービスのログ「journalctl -t vantro-standalone-service」に記録されています。root権限で対処してから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>no-time</source>
+        <translation>サービスの処理が時間内に終わりませんでした。もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>internal</source>
+        <translation>サービスで予期しないエラーが発生しました。もう一度お試しください。解決しない場合は、サービスのログ「journalctl -t vantro-standalone-service」で詳細を確認してください。</translation>
+    </message>
+    <message>
+        <source>access-denied</source>
+        <translation>サービスを利用できるのは管理者だけですが、このセッションのアカウントは管理者ではありません。アカウントが「sudo」グループのメンバーである必要があります。メンバーでない場合は、root権限で「adduser NAME sudo」を実行してください（NAMEはアカウント名）。その後、サインアウトしてサインインし直すと有効になります。</translation>
+    </message>
+    <message>
+        <source>service-missing</source>
+        <translation>Vantro Standaloneサービスがインストールされていないか、起動しません。root権限で「vantro-standalone」パッケージをインストールするか、「systemctl status com.vantro.Standalone1」で原因を調べてから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>bus-missing</source>
+        <translation>システムバス（D-Bus）に接続できないため、Vantro Standaloneサービスも利用できません。コンピューターを再起動してから、ツールをもう一度起動してください。</translation>
+    </message>
+</context>
+<context>
+    <name>TokenObstacle</name>
+    <message>
+        <source>serial_not_read</source>
+        <translation>トークンは接続されていますが、シリアル番号を読み取れませんでした。</translation>
+    </message>
+    <message>
+        <source>another_pulled_out</source>
+        <translation>まだトークンが接続されていますが、別のトークンが取り外されたため、どのトークンなのか判別できません。</translation>
+    </message>
+    <message>
+        <source>plug_in_again</source>
+        <translation>トークンを取り外して、接続し直してください。</translation>
+    </message>
+</context>
+<context>
     <name>TabView</name>
     <message>
         <source>tab_settings</source>

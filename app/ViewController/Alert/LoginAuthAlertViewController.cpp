@@ -52,6 +52,7 @@ std::unique_ptr<QWidget> LoginAuthAlertViewController::loadView()
     authenticateButton->setDefault(true);
     authenticateButton->installEventFilter(this);
     errorMessageLabelModel.bindTo(outlets.errorMessageLabel);
+    reasonLabelModel.bindTo(outlets.reasonLabel);
     connect(authenticateButton, &QPushButton::clicked, this, [this] { onClickAuthenticate(authenticateButton); });
     connect(quitButton, &QPushButton::clicked, this, [this] { dismissController(); });
     return view;
@@ -62,6 +63,8 @@ void LoginAuthAlertViewController::viewDidLoad()
     constexpr auto function = "viewDidLoad()";
     logger.info("Start viewDidLoad.", function);
     errorMessageLabelModel.setTextColor(NSColor::Red);
+    observe(TokenObstacleChanged, [this](const Notification&) { showReason(); });
+    showReason();
     logger.info("Finished viewDidLoad.", function);
 }
 
@@ -82,13 +85,22 @@ void LoginAuthAlertViewController::onClickAuthenticate(QObject* /*sender*/)
     authenticateButton->setEnabled(false);
     errorMessageLabelModel.setTextColor(NSColor::LabelColor);
     errorMessageLabelModel.setText(localizedString("LoginAuthAlertView", "asking"));
-    result = LoginAuthentication::authenticate();
+    reasonLabelModel.setTextOrHide({});
+    ServiceFailure failure;
+    result = LoginAuthentication::authenticate(&failure);
     errorMessageLabelModel.setTextColor(NSColor::Red);
     errorMessageLabelModel.setText(errorText(result));
+    showReason(failure);
     authenticateButton->setEnabled(true);
     authenticateButton->setFocus();
     if (result == LoginAuthentication::AuthResult::Success)
         dismissController();
+}
+
+void LoginAuthAlertViewController::showReason(const ServiceFailure& failure)
+{
+    const QString reason = failure.sentence();
+    reasonLabelModel.setTextOrHide(reason.isEmpty() ? AppDataSet::shared().tokenObstacle.text() : reason);
 }
 
 bool LoginAuthAlertViewController::eventFilter(QObject* watched, QEvent* event)

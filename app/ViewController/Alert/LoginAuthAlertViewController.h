@@ -30,12 +30,17 @@ class LoginAuthAlertViewController : public NSViewController
 
     QPointer<QPushButton> authenticateButton;
     LabelModel errorMessageLabelModel{QString(), NSColor::LabelColor, false};
+    /// Below the error: why the service did not confirm the token, or why a token that is plugged in can't be checked.
+    LabelModel reasonLabelModel{QString(), NSColor::LabelColor, true};
 
   protected:
     std::unique_ptr<QWidget> loadView() override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    /// Shows what is known of `failure`, or else what is in the token's way.
+    void showReason(const ServiceFailure& failure = {});
+
     const Logger logger;
     LoginAuthentication::AuthResult result = LoginAuthentication::AuthResult::CRFailure;
 };

@@ -48,12 +48,19 @@ void RegistrationKeyViewController::observeTokens()
                 log.info("YubiKey disconnected.", "onDeviceDisconnected()");
                 DispatchQueue::main().async(update);
             });
+    observe(TokenObstacleChanged, [this](const Notification&) { showObstacle(); });
 }
 
 void RegistrationKeyViewController::showNotConnected()
 {
     serialLabelModel.setText(texts_.isNotConnected());
     setOKEnabled(false);
+    showObstacle();
+}
+
+void RegistrationKeyViewController::showObstacle()
+{
+    obstacleLabelModel.setTextOrHide(AppDataSet::shared().tokenObstacle.text());
 }
 
 void RegistrationKeyViewController::updateDisplay()
@@ -74,6 +81,7 @@ void RegistrationKeyViewController::updateDisplay()
     }
     serialLabelModel.setText(text);
     setOKEnabled(!isAlreadyAllocated);
+    showObstacle();
 }
 
 void RegistrationKeyViewController::onClickOK(QObject* /*sender*/)
@@ -92,9 +100,11 @@ bool RegistrationKeyViewController::registerToken()
         return false;
     }
     logRequest(*serial);
-    if (!createCRSettingFile(*serial)) {
+    ServiceFailure failure;
+    if (!createCRSettingFile(*serial, &failure)) {
         logger.info("Failed to update the CR setting file.", function);
-        createOKButtonOnlyAlert(NSAlert::Style::Warning, CommonMessage::warning(), CommonMessage::CRFailureAlert())
+        createOKButtonOnlyAlert(NSAlert::Style::Warning, CommonMessage::warning(),
+                                failure.below(CommonMessage::CRFailureAlert()))
             .runModal();
         return false;
     }

@@ -24,6 +24,8 @@ class RegistrationKeyViewController : public DialogViewController
     void onClickOK(QObject* sender) override;
 
     LabelModel serialLabelModel{QString(), NSColor::LabelColor, false};
+    /// Below the serial: why a token that is plugged in can't be registered.
+    LabelModel obstacleLabelModel{QString(), NSColor::LabelColor, true};
 
   protected:
     /// What becomes of the dialog when OK did not register anything.
@@ -50,6 +52,7 @@ class RegistrationKeyViewController : public DialogViewController
         auto view = std::make_unique<QWidget>();
         outlets.setupUi(view.get());
         serialLabelModel.bindTo(outlets.serialLabel);
+        obstacleLabelModel.bindTo(outlets.obstacleLabel);
         addButtons(outlets.buttonBox, localizedString(stringTable, "register_button"),
                    localizedString(stringTable, "cancel_button"), DefaultButton::OK);
         return view;
@@ -82,6 +85,7 @@ class RegistrationKeyViewController : public DialogViewController
   private:
     void observeTokens();
     void showNotConnected();
+    void showObstacle();
     [[nodiscard]] bool registerToken();
 
     const Texts texts_;

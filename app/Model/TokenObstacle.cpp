@@ -1,0 +1,40 @@
+#include "Model/TokenObstacle.h"
+
+#include <QStringList>
+
+#include "AppDataSet.h"
+#include "appkit/StringTable.h"
+#include "foundation/DispatchQueue.h"
+
+namespace vantro {
+namespace {
+
+QString localized(const char* key)
+{
+    return localizedString("TokenObstacle", key);
+}
+
+} // namespace
+
+void TokenObstacle::set(Kind kind, const ServiceFailure& cause)
+{
+    DispatchQueue::main().async([this, kind, cause] {
+        kind_ = kind;
+        cause_ = cause;
+        NotificationCenter::defaultCenter().post(TokenObstacleChanged);
+    });
+}
+
+QString TokenObstacle::text() const
+{
+    const auto& dataSet = AppDataSet::shared();
+    if (kind_ == Kind::None || dataSet.connectedYubiKeySerial() || dataSet.connectedYubiKeyCount() <= 0)
+        return {};
+    QStringList lines(localized(kind_ == Kind::SerialNotRead ? "serial_not_read" : "another_pulled_out"));
+    if (const QString cause = cause_.sentence(); !cause.isEmpty())
+        lines += cause;
+    lines += localized("plug_in_again");
+    return lines.join(QLatin1Char('\n'));
+}
+
+} // namespace vantro
