@@ -30,6 +30,22 @@ class SettingTab : public AppFixture
     QCheckBox& box(const char* name) { return *page().view()->findChild<QCheckBox*>(name); }
     QCheckBox& forcedLogon() { return box("forcedYubiKeyLogonButton"); }
     QLabel& label(const char* name) { return *page().view()->findChild<QLabel*>(name); }
+
+    /// What the status says when it consists of these texts of the page's table, with these PAM services in the one
+    /// that names some, and the reason that the first of two has.
+    static QString status(const QStringList& keys, const QString& demanding = {}, const char* reason = "jump")
+    {
+        QStringList lines;
+        for (const QString& key : keys)
+            lines += localizedString("SettingView", key.toLatin1().constData()).replace("%1", demanding);
+        return (lines << localizedString("ServiceFailure", reason)).join('\n');
+    }
+    /// Scripts the answers for the three files, and one reason each time it is asked for.
+    void answerFiles(const std::array<bool, 3>& files)
+    {
+        service->script("SavePamSetting", {{files[0]}, {files[1]}, {files[2]}});
+        service->script("LastFailure", {{std::string("jump")}, {std::string("disk-full")}});
+    }
 };
 
 TEST_F(SettingTab, ForcedLogonNeedsAKeyAndSaysSo)
@@ -84,6 +100,8 @@ struct Change
     /// What the service answers for the three files.
     std::array<bool, 3> answers;
     bool isOnAfterwards;
+    /// Which entries the status says demand a token, when that is not what the switch says.
+    const char* demanding = "";
 };
 
 constexpr OperatingSystemVersion strict{14, 0, 0};
@@ -93,16 +111,18 @@ class ForcedLogon : public SettingTab, public testing::WithParamInterface<Change
 {
 };
 
-INSTANTIATE_TEST_SUITE_P(SettingTab, ForcedLogon,
-                         testing::Values(Change{"On", strict, false, {true, true, true}, true},
-                                         Change{"Off", strict, true, {true, true, true}, false},
-                                         Change{"OnFirstRefused", strict, false, {false, true, true}, false},
-                                         Change{"OnLastRefused", strict, false, {true, true, false}, false},
-                                         Change{"OffLastRefused", strict, true, {true, true, false}, true},
-                                         Change{"OffAllRefused", strict, true, {false, false, false}, true},
-                                         Change{"OffLastRefusedLenient", lenient, true, {true, true, false}, false},
-                                         Change{"OnSecondRefusedLenient", lenient, false, {true, false, true}, false}),
-                         [](const auto& instance) { return instance.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    SettingTab, ForcedLogon,
+    testing::Values(
+        Change{"On", strict, false, {true, true, true}, true}, Change{"Off", strict, true, {true, true, true}, false},
+        Change{"OnFirstRefused", strict, false, {false, true, true}, false, "screensaver, screensaver_new"},
+        Change{"OnLastRefused", strict, false, {true, true, false}, false, "authorization, screensaver"},
+        Change{"OffLastRefused", strict, true, {true, true, false}, true, "screensaver_new"},
+        Change{"OnAllRefused", strict, false, {false, false, false}, false},
+        Change{"OffAllRefused", strict, true, {false, false, false}, true},
+        Change{"OffLastRefusedLenient", lenient, true, {true, true, false}, false},
+        Change{"OnSecondRefusedLenient", lenient, false, {true, false, true}, false, "authorization, screensaver_new"}),
+    [](const auto& instance) { return instance.param.name; });
 
 TEST_P(ForcedLogon, StandsOrFallsWithTheService)
 {
@@ -115,7 +135,7 @@ TEST_P(ForcedLogon, StandsOrFallsWithTheService)
         "forcedYubiKeyLogonChanged", [&notifications](const Notification&) { ++notifications; });
     service->forgetCalls();
     takeWrites();
-    service->script("SavePamSetting", {{change.answers[0]}, {change.answers[1]}, {change.answers[2]}});
+    answerFiles(change.answers);
 
     checkBox.click();
 
@@ -126,6 +146,11 @@ TEST_P(ForcedLogon, StandsOrFallsWithTheService)
     EXPECT_EQ(takeWrites(), isDone ? 1 : 0);
     EXPECT_EQ(notifications, 1);
     EXPECT_EQ(label("statusLabel").isHidden(), isDone);
+    const QString mend = change.wasOn ? "mend_switched_on" : "mend_switched_off";
+    const QString failed = *change.demanding == 0
+                               ? status({"update_failed"})
+                               : status({"written_in_part", "entries_demand", mend}, change.demanding);
+    EXPECT_EQ(label("statusLabel").text(), isDone ? QString() : failed);
     const auto text = [](bool value) { return std::string(value ? "true" : "false"); };
     EXPECT_THAT(messages(sourceFile),
                 Contains("Update PAM setting. [Success. authorization: " + text(change.answers[0]) + ", screensaver: " +
@@ -151,28 +176,51 @@ TEST_F(SettingTab, ASilentServiceIsWaitedForThreeTimesAndThenTheSwitchSpringsBac
     EXPECT_FALSE(stored().secureMode);
 }
 
-TEST_F(SettingTab, SaysUntilTheNextChangeThatTheLastKeysDeletionLeftLogonForced)
+TEST_F(SettingTab, SaysWhatTheLastKeysDeletionLeftUndoneUntilAKeyIsThereAgain)
 {
-    store({.masterKeys = {7}, .secureMode = true});
-    EXPECT_TRUE(label("statusLabel").isHidden());
-    service->script("SavePamSetting", {{false}});
-    auto& list = AppFixture::page<KeyListViewController>("MasterKey");
-    list.view()->findChild<QTableView*>()->selectAll();
-    const auto deletion = present<DeletionKeyViewController>(list, list.deleteButton);
-    ASSERT_TRUE(deletion);
-    QTest::mouseClick(deletion->OKButton, Qt::LeftButton);
-    ASSERT_TRUE(isDismissed(deletion));
-    EXPECT_EQ(stored(), DocumentContent{.secureMode = true});
-    EXPECT_EQ(label("statusLabel").text(), localizedString("SettingView", "reset_failed"));
-    EXPECT_FALSE(label("statusLabel").isHidden());
+    const QString all = "authorization, screensaver, screensaver_new";
+    const struct
+    {
+        bool wasOn;
+        std::array<bool, 3> files;
+        QString status;
+        /// Once a key is registered again.
+        QString statusWithKey;
+    } cases[] = {
+        {false, {false, false, false}, status({"reset_failed_switched_off"}), ""},
+        {true, {false, false, false}, status({"reset_failed", "entries_demand", "mend_without_token"}, all), ""},
+        {true,
+         {true, false, true},
+         status({"reset_failed", "entries_demand", "mend_without_token"}, "screensaver"),
+         status({"written_in_part", "entries_demand", "mend_switched_on"}, "screensaver")},
+        {true, {true, true, true}, "", ""},
+    };
+    for (const auto& [wasOn, files, expected, expectedWithKey] : cases) {
+        SCOPED_TRACE(expected.toStdString());
+        auto& setting = dataSet().vantroStandaloneSetting;
+        setting = DocumentContent{.masterKeys = {7}, .secureMode = wasOn}.asDocument();
+        service->script("SavePamSetting", {{true}});
+        EXPECT_EQ(label("statusLabel").text(), "");
+        answerFiles(files);
+        auto& list = AppFixture::page<KeyListViewController>("MasterKey");
+        list.view()->findChild<QTableView*>()->selectAll();
+        const auto deletion = present<DeletionKeyViewController>(list, list.deleteButton);
+        QTest::mouseClick(deletion->OKButton, Qt::LeftButton);
+        ASSERT_TRUE(isDismissed(deletion));
+        EXPECT_EQ(label("statusLabel").text(), expected);
+        EXPECT_EQ(label("statusLabel").isHidden(), expected.isEmpty());
 
-    switchTo("MasterKey");
-    dataSet().vantroStandaloneSetting.masterKeySetting.masterKeys.emplace_back(8U);
-    EXPECT_FALSE(label("statusLabel").isHidden());
-    service->script("SavePamSetting", {{true}});
-    forcedLogon().click();
-    EXPECT_FALSE(forcedLogon().isChecked());
-    EXPECT_TRUE(label("statusLabel").isHidden());
+        switchTo("MasterKey");
+        setting.masterKeySetting.masterKeys.emplace_back(8U);
+        EXPECT_EQ(label("statusLabel").text(), expectedWithKey);
+        EXPECT_EQ(label("statusLabel").isHidden(), expectedWithKey.isEmpty());
+
+        // The next change that is done leaves nothing to say.
+        service->script("SavePamSetting", {{true}});
+        forcedLogon().click();
+        EXPECT_TRUE(label("statusLabel").isHidden());
+        switchTo("MasterKey");
+    }
 }
 
 } // namespace

@@ -676,11 +676,43 @@ Sorgen Sie dafür, dass Sie in diesen Ordner schreiben dürfen und der Datenträ
     </message>
     <message>
         <source>update_failed</source>
-        <translation>Die Änderung wurde nicht vorgenommen: Die Einträge für die Anmeldung konnten nicht geschrieben werden. Prüfen Sie, ob der Vantro-Standalone-Dienst installiert ist und ob Sie Administrator sind, und versuchen Sie es dann erneut.</translation>
+        <translation>Die Änderung wurde nicht vorgenommen: Die Einträge für die Anmeldung konnten nicht geschrieben werden.</translation>
     </message>
     <message>
         <source>reset_failed</source>
-        <translation>Das letzte Token wurde gelöscht, aber die Token-Pflicht konnte nicht ausgeschaltet werden. Registrieren Sie wieder ein Token, oder prüfen Sie, ob der Vantro-Standalone-Dienst installiert ist und ob Sie Administrator sind.</translation>
+        <translation>Das letzte Token wurde gelöscht, aber die Token-Pflicht konnte nicht ausgeschaltet werden.</translation>
+    </message>
+    <message>
+        <source>reset_failed_switched_off</source>
+        <translation>Das letzte Token wurde gelöscht. Die Einträge für die Anmeldung konnten nicht geschrieben werden; die Token-Pflicht ist wie zuvor ausgeschaltet.</translation>
+    </message>
+    <message>
+        <source>written_in_part</source>
+        <translation>Nicht alle Einträge für die Anmeldung konnten geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>entries_demand</source>
+        <translation>Ein Token verlangen jetzt: %1.</translation>
+    </message>
+    <message>
+        <source>entries_demand_none</source>
+        <translation>Kein Eintrag verlangt jetzt ein Token.</translation>
+    </message>
+    <message>
+        <source>mend_switched_on</source>
+        <translation>Wenn die Ursache behoben ist, schalten Sie die Token-Pflicht erneut aus.</translation>
+    </message>
+    <message>
+        <source>mend_switched_off</source>
+        <translation>Halten Sie ein registriertes Token bereit, bis die Ursache behoben ist und Sie die Token-Pflicht ein- und wieder ausgeschaltet haben.</translation>
+    </message>
+    <message>
+        <source>mend_without_token</source>
+        <translation>Registrieren Sie wieder ein Token, damit sich jemand anmelden kann; schalten Sie dann die Token-Pflicht aus.</translation>
+    </message>
+    <message>
+        <source>check_service</source>
+        <translation>Prüfen Sie, ob der Vantro-Standalone-Dienst installiert ist und ob Sie Administrator sind, und versuchen Sie es dann erneut.</translation>
     </message>
 </context>
 <context>

@@ -676,11 +676,43 @@ See to it that you may write to that folder and that the disk is not full, then 
     </message>
     <message>
         <source>update_failed</source>
-        <translation>The change was not made: the entries for signing in could not be written. Check that the Vantro Standalone service is installed and that you are an administrator, then try again.</translation>
+        <translation>The change was not made: the entries for signing in could not be written.</translation>
     </message>
     <message>
         <source>reset_failed</source>
-        <translation>The last token was deleted, but a token is still demanded at sign-in, since that could not be switched off. Register a token again, or check that the Vantro Standalone service is installed and that you are an administrator.</translation>
+        <translation>The last token was deleted, but the demand for a token could not be switched off.</translation>
+    </message>
+    <message>
+        <source>reset_failed_switched_off</source>
+        <translation>The last token was deleted. The entries for signing in could not be written; the demand for a token is off, as it was before.</translation>
+    </message>
+    <message>
+        <source>written_in_part</source>
+        <translation>Not all entries for signing in could be written.</translation>
+    </message>
+    <message>
+        <source>entries_demand</source>
+        <translation>A token is demanded now by: %1.</translation>
+    </message>
+    <message>
+        <source>entries_demand_none</source>
+        <translation>No entry demands a token now.</translation>
+    </message>
+    <message>
+        <source>mend_switched_on</source>
+        <translation>When the cause is mended, switch "Demand a token" off again.</translation>
+    </message>
+    <message>
+        <source>mend_switched_off</source>
+        <translation>Have a registered token at hand until the cause is mended and you have switched "Demand a token" on and off again.</translation>
+    </message>
+    <message>
+        <source>mend_without_token</source>
+        <translation>Register a token again, so that somebody can sign in; then switch "Demand a token" off.</translation>
+    </message>
+    <message>
+        <source>check_service</source>
+        <translation>Check that the Vantro Standalone service is installed and that you are an administrator, then try again.</translation>
     </message>
 </context>
 <context>

@@ -673,11 +673,43 @@
     </message>
     <message>
         <source>update_failed</source>
-        <translation>サインイン用の項目に書き込めなかったため、変更は行われませんでした。Vantro Standaloneサービスがインストールされていることと、お使いのアカウントが管理者であることを確認して、もう一度お試しください。</translation>
+        <translation>サインイン用の項目に書き込めなかったため、変更は行われませんでした。</translation>
     </message>
     <message>
         <source>reset_failed</source>
-        <translation>最後のトークンは削除されましたが、トークンの必須設定をオフにできませんでした。トークンをもう一度登録するか、Vantro Standaloneサービスがインストールされていることと、お使いのアカウントが管理者であることを確認してください。</translation>
+        <translation>最後のトークンは削除されましたが、トークンの必須設定をオフにできませんでした。</translation>
+    </message>
+    <message>
+        <source>reset_failed_switched_off</source>
+        <translation>最後のトークンは削除されました。サインイン用の項目には書き込めませんでしたが、トークンの必須設定は以前と同じくオフです。</translation>
+    </message>
+    <message>
+        <source>written_in_part</source>
+        <translation>サインイン用の項目の一部に書き込めませんでした。</translation>
+    </message>
+    <message>
+        <source>entries_demand</source>
+        <translation>現在トークンを求める項目: %1。</translation>
+    </message>
+    <message>
+        <source>entries_demand_none</source>
+        <translation>現在トークンを求める項目はありません。</translation>
+    </message>
+    <message>
+        <source>mend_switched_on</source>
+        <translation>原因を解消してから、「トークンを必須にする」をもう一度オフにしてください。</translation>
+    </message>
+    <message>
+        <source>mend_switched_off</source>
+        <translation>原因を解消し、「トークンを必須にする」を一度オンにしてからオフにし直すまで、登録済みのトークンを手元に置いてください。</translation>
+    </message>
+    <message>
+        <source>mend_without_token</source>
+        <translation>サインインできるように、トークンをもう一度登録してください。その後、「トークンを必須にする」をオフにしてください。</translation>
+    </message>
+    <message>
+        <source>check_service</source>
+        <translation>Vantro Standaloneサービスがインストールされていることと、お使いのアカウントが管理者であることを確認して、もう一度お試しください。</translation>
     </message>
 </context>
 <context>

@@ -96,15 +96,14 @@ void releaseForcedLogonWithoutKeys(const Logger& logger)
     logger.info("Start update PAM setting.", onClickOKFunction);
     const PamUpdateResults results = updateAllPamSettings(ControlFlag::Optional);
     logger.info(results.logText(), onClickOKFunction);
+    PamUpdateStatus::shared().record(PamUpdateStatus::Change::Reset, ControlFlag::Optional, results);
     if (!results.isSuccess()) {
         logger.warning("Failed update PAM setting.", onClickOKFunction);
-        PamUpdateStatus::shared().set(PamUpdateStatus::Outcome::ResetFailed);
         return;
     }
     setting.switchSetting.secureMode = false;
     logger.info("Update setting. [Forced YubiKey Logon: false]", onClickOKFunction);
     setting.write();
-    PamUpdateStatus::shared().set(PamUpdateStatus::Outcome::Fine);
 }
 
 } // namespace vantro

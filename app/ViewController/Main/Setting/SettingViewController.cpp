@@ -5,7 +5,6 @@
 #include "AppDataSet.h"
 #include "Model/PamUpdateStatus.h"
 #include "ServiceRequests.h"
-#include "appkit/StringTable.h"
 #include "ui_SettingView.h"
 
 namespace vantro {
@@ -78,17 +77,17 @@ void SettingViewController::updateForcedYubiKeyModel()
     constexpr auto function = "updateForcedYubiKeyModel()";
     const bool isOn = forcedYubiKeyLogonModel.state();
     logger.info("Update ForcedYubiKeyModel: " + asText(isOn), function);
-    const PamUpdateResults results = updateAllPamSettings(isOn ? ControlFlag::Required : ControlFlag::Optional);
+    const ControlFlag asked = isOn ? ControlFlag::Required : ControlFlag::Optional;
+    const PamUpdateResults results = updateAllPamSettings(asked);
     logger.info(results.logText(), function);
+    PamUpdateStatus::shared().record(PamUpdateStatus::Change::Switch, asked, results);
     if (results.isSuccess()) {
         auto& setting = AppDataSet::shared().vantroStandaloneSetting;
         setting.switchSetting.secureMode = isOn;
         setting.write();
-        PamUpdateStatus::shared().set(PamUpdateStatus::Outcome::Fine);
     } else {
         logger.warning("Failed update PAM setting.", function);
         restoreForcedYubiKeyModel();
-        PamUpdateStatus::shared().set(PamUpdateStatus::Outcome::ChangeFailed);
     }
     showStatus();
 }
@@ -102,17 +101,7 @@ void SettingViewController::restoreForcedYubiKeyModel()
 
 void SettingViewController::showStatus()
 {
-    switch (PamUpdateStatus::shared().outcome()) {
-    case PamUpdateStatus::Outcome::Fine:
-        statusLabel_->clear();
-        break;
-    case PamUpdateStatus::Outcome::ChangeFailed:
-        statusLabel_->setText(localizedString("SettingView", "update_failed"));
-        break;
-    case PamUpdateStatus::Outcome::ResetFailed:
-        statusLabel_->setText(localizedString("SettingView", "reset_failed"));
-        break;
-    }
+    statusLabel_->setText(PamUpdateStatus::shared().text());
     statusLabel_->setHidden(statusLabel_->text().isEmpty());
 }
 
