@@ -8,6 +8,22 @@
 
 namespace vantro {
 
+namespace {
+
+/// What the toolkit gives the focus to when the window becomes the active one.
+const QWidget* firstInFocus(const QWidget* window)
+{
+    if (const QWidget* const focus = window->focusWidget())
+        return focus;
+    const QWidget* widget = window->nextInFocusChain();
+    while (widget != window &&
+           (!widget->isEnabled() || !widget->isVisible() || (widget->focusPolicy() & Qt::TabFocus) == 0))
+        widget = widget->nextInFocusChain();
+    return widget;
+}
+
+} // namespace
+
 DialogViewController::DialogViewController(const char* sourceFile)
     : logger(AppDataSet::shared().logger.inFile(sourceFile))
 {
@@ -47,8 +63,7 @@ void DialogViewController::setOKEnabled(bool isEnabled)
 void DialogViewController::viewDidAppear()
 {
     NSViewController::viewDidAppear();
-    // The toolkit gives the focus to whatever can have it.
-    if (!OKButton->isEnabled() && (window()->focusWidget() == nullptr || window()->focusWidget() == cancelButton_))
+    if (!OKButton->isEnabled() && firstInFocus(window()) == cancelButton_)
         view()->setFocus();
 }
 

@@ -57,9 +57,6 @@ void MultipleConnectionsAlertViewController::viewWillAppear()
 
 void MultipleConnectionsAlertViewController::closeNow()
 {
-    // Those that came since the last one went found the alert still there, and no other will follow.
-    if (AppDataSet::shared().connectedYubiKeyCount() >= 2)
-        return;
     logger.info("Close window.", closeFunction);
     auto* const mainWindow = qobject_cast<TabViewController*>(presentingViewController());
     if (mainWindow != nullptr)
@@ -67,6 +64,9 @@ void MultipleConnectionsAlertViewController::closeNow()
     else
         logger.info("Failed to get presenting view controller.", closeFunction);
     dismissController();
+    // Those that came since the last one went found the alert still there, and brought no other.
+    if (mainWindow != nullptr && AppDataSet::shared().connectedYubiKeyCount() >= 2)
+        mainWindow->onMultipleConnectedYubiKey();
 }
 
 } // namespace vantro

@@ -27,15 +27,16 @@ class TabViewController : public NSTabViewController
     /// Set from the moment when a multiple-connections alert is asked for until it has closed. Any thread.
     std::atomic<bool> isDisplayingMultipleConnectionsAlert = false;
 
+    /// The alert stands over whatever is in front: a dialog, another alert, the sign-in. Those can't be used until the
+    /// last token has gone, and then go on as they were, texts and input included. A request under way ends first, and
+    /// with it its dialog; the alert comes right after. Any thread.
+    void onMultipleConnectedYubiKey();
+
   protected:
     void tabViewWillSelect(const NSTabViewItem* item) override;
     void tabViewDidSelect(const NSTabViewItem* item) override;
 
   private:
-    /// The alert stands over whatever is in front: a dialog, another alert, the sign-in. Those can't be used until the
-    /// last token has gone, and then go on as they were, texts and input included. A request under way ends first, and
-    /// with it its dialog; the alert comes right after.
-    void onMultipleConnectedYubiKey();
     /// Says that changes are not stored, the first time that they aren't.
     void tellDocumentNotWritten();
     void systemSettingAlert();
