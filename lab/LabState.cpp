@@ -158,8 +158,8 @@ void LabState::makePamFolders() const
         writeIfAbsent(services / service, "# Included by the services that authenticate with a token:\n#   @include " +
                                               std::string(service) + "\n");
     }
-    const fs::path module = LAB_PAM_MODULE;
-    fs::copy_file(module, folderOf(bundle_, bundle_key::pamModulesFolder) / module.filename(),
+    // The service writes a mandatory entry only for a module that libpam could load. One of libpam's own stands in.
+    fs::copy_file(LAB_STAND_IN_MODULE, folderOf(bundle_, bundle_key::pamModulesFolder) / "pam_vantro_standalone.so",
                   fs::copy_options::overwrite_existing);
 }
 

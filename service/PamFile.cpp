@@ -2,54 +2,21 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <iterator>
 #include <strings.h>
+#include <utility>
+
+#include <security/pam_appl.h>
 
 namespace vantro::service {
 namespace {
 
-/// libpam's buffer for a logical line, without the zero at its end.
-constexpr std::size_t lineLimit = 1023;
-constexpr std::string_view blanks = " \t\n";
+using Entry = PamFile::Entry;
+using Kind = Entry::Kind;
 
 bool isWord(const std::string& word, const char* expected)
 {
     return ::strcasecmp(word.c_str(), expected) == 0;
-}
-
-std::vector<std::string> wordsOf(std::string_view line)
-{
-    std::vector<std::string> words;
-    while (true) {
-        const auto begin = line.find_first_not_of(blanks);
-        if (begin == std::string_view::npos)
-            return words;
-        line.remove_prefix(begin);
-        auto end = std::min(line.find_first_of(blanks), line.size());
-        if (line.front() == '[') {
-            end = 1;
-            while (end < line.size() && line[end] != ']')
-                end += line[end] == '\\' && end + 1 < line.size() ? 2 : 1;
-            end = std::min(end + 1, line.size());
-        }
-        words.emplace_back(line.substr(0, end));
-        line.remove_prefix(end);
-    }
-}
-
-/// The type without the dash that keeps libpam silent about a missing module.
-std::string typeOf(const PamFile::Entry& entry)
-{
-    const auto& word = entry.words.front();
-    return word.starts_with('-') ? word.substr(1) : word;
-}
-
-bool isKnownType(const std::string& type)
-{
-    constexpr std::array interfaces = {ModuleInterface::Account, ModuleInterface::Auth, ModuleInterface::Password,
-                                       ModuleInterface::Session};
-    return std::any_of(interfaces.begin(), interfaces.end(),
-                       [&type](ModuleInterface interface) { return isWord(type, pamKeyword(interface).c_str()); });
 }
 
 std::string_view fileNameOf(std::string_view path)
@@ -57,143 +24,157 @@ std::string_view fileNameOf(std::string_view path)
     return path.substr(path.rfind('/') + 1);
 }
 
-} // namespace
-
-std::string_view describe(PamFailure failure)
+/// Whether libpam can make a name for its log of the path; it stops, or crashes, where it can't.
+bool isNameable(const std::string& path)
 {
-    switch (failure) {
-    case PamFailure::CarriageReturn:
-        return "It has carriage returns, which libpam does not understand; give it plain line breaks.";
-    case PamFailure::ZeroByte:
-        return "It holds a zero byte; it is no text.";
-    case PamFailure::LineTooLong:
-        return "It has a line of more than 1023 bytes, which libpam cuts in two; shorten it.";
-    case PamFailure::StrayContinuation:
-        return "Its last line ends in a backslash, so that libpam reads none of it; complete the line.";
-    case PamFailure::SeveralEntries:
-        return "It has more than one entry of the module; remove all but one.";
-    case PamFailure::EntryInsideJump:
-        return "The module's entry stands between a jump and its target; move it out of there.";
-    case PamFailure::JumpSpansInclude:
-        return "A service that includes it jumps over the include; move the include out of there.";
+    const auto name = fileNameOf(path);
+    const auto stem = name.substr(0, name.rfind('.'));
+    return !stem.empty() && stem != "?";
+}
+
+/// The interface that a line's first word names; nothing for one that libpam does not know.
+std::optional<ModuleInterface> interfaceOf(const std::string& word)
+{
+    constexpr std::array interfaces = {ModuleInterface::Account, ModuleInterface::Auth, ModuleInterface::Password,
+                                       ModuleInterface::Session};
+    const auto found = std::find_if(interfaces.begin(), interfaces.end(), [&word](ModuleInterface interface) {
+        return isWord(word, pamKeyword(interface).c_str());
+    });
+    return found == interfaces.end() ? std::nullopt : std::optional(*found);
+}
+
+Kind kindOf(const std::string& control)
+{
+    if (isWord(control, "include"))
+        return Kind::Include;
+    return isWord(control, "substack") ? Kind::Substack : Kind::Module;
+}
+
+struct ParsedLine
+{
+    Entry entry;
+    bool isForAuth = true;
+    /// libpam reads past it without harm.
+    bool isReadable = true;
+};
+
+ParsedLine parsedLine(const PamLine& line)
+{
+    const auto words = pamWordsOf(line.text, 3);
+    const auto wordAt = [&words](std::size_t index) { return index < words.size() ? words[index] : std::string(); };
+    ParsedLine parsed;
+    auto& entry = parsed.entry;
+    entry.begin = line.begin;
+    entry.end = line.end;
+    // A dash keeps libpam silent about a module that is missing.
+    const auto first = wordAt(0);
+    const auto type = first.starts_with('-') ? first.substr(1) : first;
+    if (isWord(type, "@include")) {
+        entry.kind = Kind::IncludeAll;
+        entry.target = wordAt(1);
+        parsed.isReadable = words.size() > 1;
+        return parsed;
     }
-    return "Unknown failure.";
+    const auto interface = interfaceOf(type);
+    parsed.isForAuth = !interface || interface == ModuleInterface::Auth;
+    entry.kind = kindOf(wordAt(1));
+    entry.target = wordAt(2);
+    entry.isMalformed = !interface || words.size() < 3;
+    if (entry.kind == Kind::Module && words.size() > 1)
+        entry.actions = pamActionsOf(words[1]);
+    const bool isNamed = words.size() > 2;
+    if (entry.kind == Kind::Include)
+        parsed.isReadable = isNamed;
+    else if (entry.kind == Kind::Substack)
+        parsed.isReadable = isNamed && isNameable(entry.target);
+    else
+        parsed.isReadable = !isNamed || isNameable(entry.target);
+    return parsed;
 }
 
-std::optional<std::string_view> PamFile::Entry::includedService(ModuleInterface interface) const
+std::string lineOf(const PamSetting& setting)
 {
-    if (words.size() >= 2 && isWord(words[0], "@include"))
-        return words[1];
-    if (words.size() >= 3 && isWord(typeOf(*this), pamKeyword(interface).c_str()) &&
-        (isWord(words[1], "include") || isWord(words[1], "substack")))
-        return words[2];
-    return std::nullopt;
+    return pamKeyword(setting.moduleInterface) + "\t" + pamKeyword(setting.controlFlag) + "\t" + setting.moduleName +
+           "\n";
 }
 
-bool PamFile::Entry::isModuleOf(ModuleInterface interface) const
-{
-    if (isWord(words[0], "@include") || includedService(interface))
-        return false;
-    const std::string type = typeOf(*this);
-    return isWord(type, pamKeyword(interface).c_str()) || !isKnownType(type);
-}
+} // namespace
 
 std::size_t PamFile::Entry::jump() const
 {
-    if (words.size() < 2 || words[1].front() != '[')
-        return 0;
-    std::size_t longest = 0;
-    for (auto equals = words[1].find('='); equals != std::string::npos; equals = words[1].find('=', equals + 1)) {
-        const auto action = std::min(words[1].find_first_not_of(blanks, equals + 1), words[1].size());
-        std::size_t count = 0;
-        const auto result = std::from_chars(words[1].data() + action, words[1].data() + words[1].size(), count);
-        // A number that is too large to be one leads over everything.
-        longest = std::max(longest, result.ec == std::errc::result_out_of_range ? lineLimit : count);
-    }
-    return longest;
+    const int longest = isMalformed ? actions[PAM_PERM_DENIED] : *std::max_element(actions.begin(), actions.end());
+    return static_cast<std::size_t>(std::max(longest, 0));
 }
 
-Outcome<PamFile, PamFailure> PamFile::parsed(std::string text)
+PamFile::PamFile(std::string text) : text_(std::move(text))
 {
-    PamFile file(std::move(text));
-    if (const auto failure = file.split())
-        return *failure;
+    const auto lines = pamLinesOf(text_);
+    reading_ = lines.reading;
+    oddity_ = lines.oddity;
+    for (const auto& line : lines.lines) {
+        auto [entry, isForAuth, isReadable] = parsedLine(line);
+        if (!isReadable) {
+            reading_ = PamReading::Breaks;
+            oddity_ = oddity_.value_or(PamFailure::NamelessEntry);
+            return;
+        }
+        if (isForAuth)
+            entries_.push_back(std::move(entry));
+    }
+}
+
+PamFile PamFile::unreadable()
+{
+    PamFile file{std::string()};
+    file.reading_ = PamReading::Unknown;
     return file;
 }
 
-std::optional<PamFailure> PamFile::split()
+bool PamFile::isEntryOf(const PamSetting& setting, const Entry& entry)
 {
-    if (text_.find('\r') != std::string::npos)
-        return PamFailure::CarriageReturn;
-    if (text_.find('\0') != std::string::npos)
-        return PamFailure::ZeroByte;
-
-    Entry entry;
-    std::string line;
-    bool isContinued = false;
-    for (std::size_t begin = 0; begin < text_.size();) {
-        const auto lineBreak = text_.find('\n', begin);
-        const std::size_t end = lineBreak == std::string::npos ? text_.size() : lineBreak + 1;
-        const std::string_view physical = std::string_view(text_).substr(begin, end - begin);
-        const std::size_t size = physical.size() - (lineBreak == std::string::npos ? 0 : 1);
-        if (line.size() + size > lineLimit)
-            return PamFailure::LineTooLong;
-
-        const auto comment = physical.find('#');
-        const bool isBlank =
-            std::min(physical.find_first_not_of(blanks), physical.size()) >= std::min(comment, physical.size());
-        if (!isBlank) {
-            if (!isContinued)
-                entry.begin = begin;
-            const auto last = physical.find_last_not_of(blanks);
-            isContinued = comment == std::string_view::npos && physical[last] == '\\';
-            line += physical.substr(0, isContinued ? last : std::min(comment, physical.size()));
-            if (isContinued) {
-                line += ' ';
-            } else {
-                entry.end = end;
-                entry.words = wordsOf(line);
-                if (!entry.words.empty())
-                    entries_.push_back(std::move(entry));
-                entry = {};
-                line.clear();
-            }
-        }
-        begin = end;
-    }
-    return isContinued ? std::optional(PamFailure::StrayContinuation) : std::nullopt;
+    return entry.kind == Kind::Module && !entry.isMalformed && fileNameOf(entry.target) == setting.moduleName;
 }
 
-Outcome<std::optional<PamFile::Entry>, PamFailure> PamFile::entryOf(const PamSetting& setting) const
+bool PamFile::hasEntryOf(const PamSetting& setting) const
 {
-    std::optional<Entry> found;
-    for (const auto& entry : entries_) {
-        if (entry.words.size() < 3 || !isWord(typeOf(entry), pamKeyword(setting.moduleInterface).c_str()) ||
-            fileNameOf(entry.words[2]) != setting.moduleName)
-            continue;
-        if (found)
-            return PamFailure::SeveralEntries;
-        found = entry;
-    }
+    return !entriesOf(setting).empty();
+}
+
+std::vector<Entry> PamFile::entriesOf(const PamSetting& setting) const
+{
+    std::vector<Entry> found;
+    std::copy_if(entries_.begin(), entries_.end(), std::back_inserter(found),
+                 [&setting](const Entry& entry) { return isEntryOf(setting, entry); });
     return found;
+}
+
+bool PamFile::isWholeLines(const Entry& entry) const
+{
+    return (entry.begin == 0 || text_[entry.begin - 1] == '\n') &&
+           (entry.end == text_.size() || text_[entry.end - 1] == '\n');
 }
 
 Outcome<std::string, PamFailure> PamFile::withEntry(const PamSetting& setting) const
 {
-    const auto known = entryOf(setting);
-    if (!known)
-        return known.failure();
-    const std::string line =
-        pamKeyword(setting.moduleInterface) + "\t" + pamKeyword(setting.controlFlag) + "\t" + setting.moduleName + "\n";
+    const auto known = entriesOf(setting);
+    if (setting.controlFlag != ControlFlag::Optional || known.empty()) {
+        if (oddity_)
+            return *oddity_;
+        if (known.size() > 1)
+            return PamFailure::SeveralEntries;
+    }
+    const auto line = lineOf(setting);
     std::string text = text_;
-    if (*known)
-        return text.replace((*known)->begin, (*known)->end - (*known)->begin, line);
-
-    const auto first = std::find_if(entries_.begin(), entries_.end(), [&setting](const Entry& entry) {
-        return entry.isModuleOf(setting.moduleInterface) || entry.includedService(setting.moduleInterface);
-    });
-    if (first != entries_.end())
-        return text.insert(first->begin, line);
+    // From the last one on, so that the places of the others stay.
+    for (auto entry = known.rbegin(); entry != known.rend(); ++entry) {
+        if (!isWholeLines(*entry))
+            return PamFailure::LineTooLong;
+        text.replace(entry->begin, entry->end - entry->begin, line);
+    }
+    if (!known.empty())
+        return text;
+    if (!entries_.empty())
+        return text.insert(entries_.front().begin, line);
     if (!text.empty() && text.back() != '\n')
         text += '\n';
     return text + line;
@@ -201,13 +182,15 @@ Outcome<std::string, PamFailure> PamFile::withEntry(const PamSetting& setting) c
 
 Outcome<std::string, PamFailure> PamFile::withoutEntry(const PamSetting& setting) const
 {
-    const auto known = entryOf(setting);
-    if (!known)
-        return known.failure();
+    const auto known = entriesOf(setting);
+    if (known.empty())
+        return text_;
+    if (oddity_)
+        return *oddity_;
+    if (known.size() > 1)
+        return PamFailure::SeveralEntries;
     std::string text = text_;
-    if (*known)
-        text.erase((*known)->begin, (*known)->end - (*known)->begin);
-    return text;
+    return text.erase(known.front().begin, known.front().end - known.front().begin);
 }
 
 } // namespace vantro::service

@@ -1,74 +1,88 @@
 #include "service/PamModule.h"
 
-#include <array>
+#include <cerrno>
 #include <cstring>
-#include <elf.h>
-#include <fstream>
-#include <link.h>
-#include <string>
+#include <fcntl.h>
+#include <memory>
 #include <string_view>
-#include <system_error>
+#include <sys/stat.h>
 
-#include "foundation/DurableFile.h"
+#include <gelf.h>
+#include <libelf.h>
+
+#include "foundation/FileDescriptor.h"
+#include "service/TrustedFile.h"
 
 namespace vantro::service {
 namespace {
 
-using namespace std::string_view_literals;
-
-constexpr std::size_t moduleSizeLimit = std::size_t{16} * 1024 * 1024;
-
-using Header = ElfW(Ehdr);
-
-std::optional<Header> headerOf(std::string_view bytes)
+struct ElfDeleter
 {
-    Header header = {};
-    if (bytes.size() < sizeof header)
-        return std::nullopt;
-    std::memcpy(&header, bytes.data(), sizeof header);
-    if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
-        return std::nullopt;
-    return header;
+    void operator()(Elf* elf) const { ::elf_end(elf); }
+};
+using ElfFile = std::unique_ptr<Elf, ElfDeleter>;
+
+ElfFile elfOf(const FileDescriptor& file)
+{
+    ::elf_version(EV_CURRENT);
+    return ElfFile(::elf_begin(file.get(), ELF_C_READ, nullptr));
 }
 
-/// The header of a program that this machine runs: the service's own.
-std::optional<Header> ownHeader()
+/// Whether a process like this one could load it.
+bool isSharedObjectOfThisMachine(Elf* elf)
 {
-    std::array<char, sizeof(Header)> bytes = {};
-    std::ifstream program("/proc/self/exe", std::ios::binary);
-    program.read(bytes.data(), bytes.size());
-    return program ? headerOf({bytes.data(), bytes.size()}) : std::nullopt;
+    const FileDescriptor program(::open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
+    const ElfFile own = elfOf(program);
+    GElf_Ehdr expected;
+    GElf_Ehdr header;
+    if (::gelf_getehdr(own.get(), &expected) == nullptr || ::gelf_getehdr(elf, &header) == nullptr)
+        return false;
+    return header.e_type == ET_DYN && header.e_machine == expected.e_machine &&
+           header.e_ident[EI_CLASS] == expected.e_ident[EI_CLASS] &&
+           header.e_ident[EI_DATA] == expected.e_ident[EI_DATA];
 }
 
-bool isForThisMachine(const Header& header)
+bool exports(Elf* elf, std::string_view function)
 {
-    const auto own = ownHeader();
-    return own && header.e_type == ET_DYN && header.e_machine == own->e_machine &&
-           header.e_ident[EI_CLASS] == own->e_ident[EI_CLASS] && header.e_ident[EI_DATA] == own->e_ident[EI_DATA];
+    for (Elf_Scn* section = ::elf_nextscn(elf, nullptr); section != nullptr; section = ::elf_nextscn(elf, section)) {
+        GElf_Shdr header;
+        if (::gelf_getshdr(section, &header) == nullptr || header.sh_type != SHT_DYNSYM)
+            continue;
+        Elf_Data* const symbols = ::elf_getdata(section, nullptr);
+        GElf_Sym symbol;
+        for (int index = 0; ::gelf_getsym(symbols, index, &symbol) != nullptr; ++index) {
+            const char* const name = ::elf_strptr(elf, header.sh_link, symbol.st_name);
+            if (name != nullptr && name == function && symbol.st_shndx != SHN_UNDEF)
+                return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
 
-std::optional<RequestFailure> moduleFailure(const std::filesystem::path& module)
+std::optional<RequestFailure> pamModuleFailure(const std::filesystem::path& path)
 {
-    std::error_code error;
-    const auto bytes = readFile(module, moduleSizeLimit, error);
-    if (error == std::errc::no_such_file_or_directory)
-        return RequestFailure{failure_reason::moduleMissing,
-                              module.string() + " is not installed; a mandatory entry would lock everybody out."};
-    const auto isUnusable = [&module](const std::string& why) {
+    const auto unusable = [&path](const std::string& what) {
         return RequestFailure{failure_reason::moduleUnusable,
-                              module.string() + " " + why + "; a mandatory entry would lock everybody out."};
+                              path.string() + " " + what + "; a mandatory entry would lock everybody out."};
     };
-    if (!bytes)
-        return isUnusable("can't be read: " + error.message());
-    const auto header = headerOf(*bytes);
-    if (!header || !isForThisMachine(*header))
-        return isUnusable("is no shared object of this machine");
-    // The names of what an object exports stand in it as they are, each between two zeros.
-    for (const auto entryPoint : {"\0pam_sm_authenticate\0"sv, "\0pam_sm_setcred\0"sv})
-        if (bytes->find(entryPoint) == std::string::npos)
-            return isUnusable("has no entry points of an authentication module");
+    // O_NONBLOCK keeps a pipe that lies there from holding up the caller.
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (!file && errno == ENOENT)
+        return RequestFailure{failure_reason::moduleMissing,
+                              path.string() + " is not installed; a mandatory entry would lock everybody out."};
+    struct stat status = {};
+    if (!file || ::fstat(file.get(), &status) != 0)
+        return unusable(std::string("can't be read: ") + std::strerror(errno));
+    if (!S_ISREG(status.st_mode))
+        return unusable("is no regular file");
+    const ElfFile elf = elfOf(file);
+    if (!isSharedObjectOfThisMachine(elf.get()))
+        return unusable("is no shared object for this machine");
+    for (const char* const function : {"pam_sm_authenticate", "pam_sm_setcred"})
+        if (!exports(elf.get(), function))
+            return unusable(std::string("has no ") + function);
     return std::nullopt;
 }
 

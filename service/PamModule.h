@@ -7,9 +7,9 @@
 
 namespace vantro::service {
 
-/// Says why libpam could not load the module; nothing when it could, as far as its file tells: a regular file, an ELF
-/// shared object for this machine that has the entry points of an authentication module. Nothing of it is run. Any
-/// thread.
-[[nodiscard]] std::optional<RequestFailure> moduleFailure(const std::filesystem::path& module);
+/// Says why libpam could not load the file as a module that authenticates; nothing when it could: a regular file, or a
+/// link to one, that is a shared object for this machine and exports what libpam calls. It is read, never run, so that
+/// what the module itself needs (other libraries, its own files) is not known.
+[[nodiscard]] std::optional<RequestFailure> pamModuleFailure(const std::filesystem::path& path);
 
 } // namespace vantro::service

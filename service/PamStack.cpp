@@ -1,79 +1,110 @@
 #include "service/PamStack.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <utility>
 
 namespace vantro::service {
 namespace {
 
-/// Services that include one another in a circle end here.
-constexpr int depthLimit = 16;
+using Kind = PamFile::Entry::Kind;
+
+/// libpam's own limit for substacks inside of substacks.
+constexpr int levelLimit = 16;
+/// Services that include one another many times over end here.
 constexpr std::size_t entryLimit = 10000;
 
 } // namespace
 
-std::string PamStack::nameOf(std::string_view included) const
+PamStack::PamStack(const PamFile& service, std::filesystem::path folder, Finder finder)
+    : folder_(std::move(folder)), finder_(std::move(finder))
 {
-    const auto path = std::filesystem::path(included).lexically_normal();
-    if (path.is_relative())
-        return path.string();
-    const auto folder = std::filesystem::path(folder_).lexically_normal();
-    return path.parent_path() == folder ? path.filename().string() : std::string();
+    if (!append(service, 0, Wanted::All))
+        stop(PamReading::GivesUp);
 }
 
-void PamStack::flatten(const PamFile& file, int depth, Walk& walk) const
+bool PamStack::stop(PamReading reading)
 {
+    reading_ = std::max(reading_, reading);
+    return false;
+}
+
+bool PamStack::append(const PamFile& file, int level, Wanted wanted)
+{
+    frames_.push_back({&file, level});
     for (const auto& entry : file.entries()) {
-        if (++walk.entriesSeen > entryLimit)
-            return;
-        if (walk.isPlace(entry, depth))
-            walk.steps.push_back({0, true});
-        const auto included = entry.includedService(walk.interface);
-        const PamFile* const found = included && depth < depthLimit ? finder_(nameOf(*included)) : nullptr;
-        if (found != nullptr)
-            flatten(*found, depth + 1, walk);
-        else if (entry.isModuleOf(walk.interface))
-            walk.steps.push_back({entry.jump(), false});
+        if (++entriesSeen_ > entryLimit)
+            return stop(PamReading::Unknown);
+        if (entry.kind == Kind::Module)
+            steps_.push_back({Step::Kind::Module, &file, &entry, level});
+        else if (!appendIncluded(file, entry, level, wanted))
+            return false;
     }
+    frames_.pop_back();
+    if (file.reading() > PamReading::GivesUp)
+        stop(file.reading());
+    return file.reading() == PamReading::Whole;
 }
 
-bool PamStack::isJumpedOver(const PamFile& file, ModuleInterface interface, const IsPlace& isPlace) const
+bool PamStack::appendIncluded(const PamFile& file, const PamFile::Entry& entry, int level, Wanted wanted)
 {
-    Walk walk{interface, isPlace, {}, 0};
-    flatten(file, 0, walk);
-    // How many of the coming modules the jumps so far lead over.
-    std::size_t reach = 0;
-    for (const auto& step : walk.steps) {
-        if (step.isPlace && reach > 0)
-            return true;
-        if (!step.isPlace)
-            reach = std::max(reach > 0 ? reach - 1 : 0, step.jump);
+    const bool isSubstack = entry.kind == Kind::Substack;
+    if (isSubstack)
+        steps_.push_back({Step::Kind::Substack, &file, &entry, level});
+    const auto depth = frames_.size();
+    const bool isIncludeAll = entry.kind == Kind::IncludeAll;
+    if (load(entry, isSubstack ? level + 1 : level, isIncludeAll ? wanted : Wanted::Auth))
+        return true;
+    frames_.resize(depth);
+    if (reading_ > PamReading::GivesUp)
+        return false;
+    if (isIncludeAll && wanted == Wanted::All)
+        return false;
+    // What this step does after its failure libpam leaves to what its memory happened to hold.
+    if (isIncludeAll)
+        return stop(PamReading::Breaks);
+    steps_.push_back({Step::Kind::Failing, &file, &entry, level});
+    return true;
+}
+
+bool PamStack::load(const PamFile::Entry& entry, int level, Wanted wanted)
+{
+    if (level >= levelLimit)
+        return false;
+    const auto* const file =
+        finder_(entry.target.starts_with('/') ? std::filesystem::path(entry.target) : folder_ / entry.target);
+    if (file == nullptr)
+        return false;
+    // libpam goes round in such a circle until it crashes; one through a substack ends at the limit of levels.
+    const bool isCircle = std::any_of(frames_.begin(), frames_.end(), [file, level](const Frame& frame) {
+        return frame.file == file && frame.level == level;
+    });
+    if (isCircle)
+        return stop(PamReading::Breaks);
+    return append(*file, level, wanted);
+}
+
+bool PamStack::holds(const IsPlace& isPlace) const
+{
+    return std::any_of(steps_.begin(), steps_.end(), isPlace);
+}
+
+bool PamStack::isJumpedOver(const IsPlace& isPlace) const
+{
+    // A jump leads over steps of its own level; what stands in a substack goes with the substack.
+    for (std::size_t from = 0; from < steps_.size(); ++from) {
+        const auto& jumping = steps_[from];
+        auto left = jumping.kind == Step::Kind::Module ? jumping.entry->jump() : 0;
+        for (std::size_t step = from + 1; step < steps_.size() && steps_[step].level >= jumping.level; ++step) {
+            if (step == from + 1 || steps_[step].level == jumping.level) {
+                if (left == 0)
+                    break;
+                --left;
+            }
+            if (isPlace(steps_[step]))
+                return true;
+        }
     }
-    return walk.entriesSeen > entryLimit;
-}
-
-std::optional<PamFailure> PamStack::ownJumpFailure(const PamFile& file, const PamSetting& setting) const
-{
-    const auto own = file.entryOf(setting);
-    if (!own)
-        return own.failure();
-    if (!*own)
-        return std::nullopt;
-    const bool isInside =
-        isJumpedOver(file, setting.moduleInterface, [place = (*own)->begin](const PamFile::Entry& entry, int depth) {
-            return depth == 0 && entry.begin == place;
-        });
-    return isInside ? std::optional(PamFailure::EntryInsideJump) : std::nullopt;
-}
-
-std::optional<PamFailure> PamStack::includerJumpFailure(const PamFile& includer, const PamSetting& setting) const
-{
-    const bool isSpanned =
-        isJumpedOver(includer, setting.moduleInterface, [this, &setting](const PamFile::Entry& entry, int /*depth*/) {
-            const auto included = entry.includedService(setting.moduleInterface);
-            return included && nameOf(*included) == setting.fileName;
-        });
-    return isSpanned ? std::optional(PamFailure::JumpSpansInclude) : std::nullopt;
+    return false;
 }
 
 } // namespace vantro::service

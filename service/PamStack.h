@@ -1,58 +1,80 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <functional>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "service/PamFile.h"
 
 namespace vantro::service {
 
-/// The PAM services of a folder as they include one another. Any thread that may use the finder.
+/// What libpam 1.5.2 makes of one PAM service for authenticating: the steps of the service with those of the files that
+/// it includes. The files must outlive it.
 class PamStack
 {
   public:
-    /// Gives a service's file by its name; null for one that is not there or that libpam would not read.
-    using Finder = std::function<const PamFile*(const std::string& name)>;
+    /// Gives the file that is included by this absolute path, the same object for the same file; null where libpam
+    /// finds none.
+    using Finder = std::function<const PamFile*(const std::filesystem::path& path)>;
 
-    /// `folder` is what absolute names in includes begin with.
-    PamStack(std::string folder, Finder finder) : folder_(std::move(folder)), finder_(std::move(finder)) {}
-
-    /// Says why the setting's entry can't be changed where it stands: a jump leads over it. Nothing without an entry.
-    [[nodiscard]] std::optional<PamFailure> ownJumpFailure(const PamFile& file, const PamSetting& setting) const;
-
-    /// Says why the setting's service can't be changed: the service `includer` jumps over its include. Nothing when it
-    /// does not include it.
-    [[nodiscard]] std::optional<PamFailure> includerJumpFailure(const PamFile& includer,
-                                                                const PamSetting& setting) const;
-
-  private:
-    /// Whether an entry is the place that is asked about; `depth` counts the includes on the way to it.
-    using IsPlace = std::function<bool(const PamFile::Entry& entry, int depth)>;
-
-    /// A module of a stack with its includes put in place, or the place itself.
     struct Step
     {
-        std::size_t jump = 0;
-        bool isPlace = false;
+        enum class Kind
+        {
+            Module,
+            /// In the place of an include that does not work out.
+            Failing,
+            /// The steps of one level more behind it are its own; jumps take them all for one.
+            Substack
+        };
+
+        Kind kind = Kind::Module;
+        const PamFile* file = nullptr;
+        const PamFile::Entry* entry = nullptr;
+        int level = 0;
     };
-    struct Walk
+
+    /// `folder` is where relative names in includes lie.
+    PamStack(const PamFile& service, std::filesystem::path folder, Finder finder);
+
+    /// Those that libpam gets to.
+    [[nodiscard]] const std::vector<Step>& steps() const { return steps_; }
+    /// Unless it is whole, libpam lets nobody sign in with the service.
+    [[nodiscard]] PamReading reading() const { return reading_; }
+
+    using IsPlace = std::function<bool(const Step& step)>;
+    [[nodiscard]] bool holds(const IsPlace& isPlace) const;
+    /// Whether some answer of a module makes libpam jump over the place.
+    [[nodiscard]] bool isJumpedOver(const IsPlace& isPlace) const;
+
+  private:
+    /// Whether a file is read for all interfaces, or only for auth.
+    enum class Wanted
     {
-        ModuleInterface interface = ModuleInterface::Auth;
-        IsPlace isPlace;
-        std::vector<Step> steps;
-        std::size_t entriesSeen = 0;
+        All,
+        Auth
+    };
+    /// A file whose reading has begun.
+    struct Frame
+    {
+        const PamFile* file;
+        int level;
     };
 
-    void flatten(const PamFile& file, int depth, Walk& walk) const;
-    [[nodiscard]] bool isJumpedOver(const PamFile& file, ModuleInterface interface, const IsPlace& isPlace) const;
-    [[nodiscard]] std::string nameOf(std::string_view included) const;
+    /// Both answer whether libpam goes on with the file that has the entry.
+    bool append(const PamFile& file, int level, Wanted wanted);
+    bool appendIncluded(const PamFile& file, const PamFile::Entry& entry, int level, Wanted wanted);
+    /// Whether libpam got to the end of the included file.
+    bool load(const PamFile::Entry& entry, int level, Wanted wanted);
+    bool stop(PamReading reading);
 
-    std::string folder_;
+    std::filesystem::path folder_;
     Finder finder_;
+    std::vector<Step> steps_;
+    std::vector<Frame> frames_;
+    std::size_t entriesSeen_ = 0;
+    PamReading reading_ = PamReading::Whole;
 };
 
 } // namespace vantro::service

@@ -3,210 +3,209 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <utility>
 
 #include "foundation/DurableFile.h"
+#include "service/PamFile.h"
 #include "service/PamModule.h"
+#include "service/PamServices.h"
 #include "service/PamStack.h"
+#include "service/TrustedFile.h"
 
 namespace vantro::service {
 namespace {
 
 constexpr std::array<std::string_view, 3> ownServices = {"authorization", "screensaver", "screensaver_new"};
 constexpr std::string_view ownModule = "pam_vantro_standalone.so";
-constexpr std::size_t serviceSizeLimit = 65536;
-constexpr std::size_t serviceCountLimit = 4096;
 constexpr mode_t backupFolderMode = 0700;
 constexpr mode_t backupMode = 0600;
 
-RequestFailure inFile(const FileFailure& failure)
+RequestFailure failureOf(const FileFailure& failure, std::string_view usual)
 {
-    switch (failure.kind) {
-    case FileFailure::Kind::Missing:
-        return {failure_reason::serviceFileMissing, failure.text};
-    case FileFailure::Kind::DiskFull:
-        return {failure_reason::diskFull, failure.text};
-    case FileFailure::Kind::SystemError:
-        return {failure_reason::writeFailed, failure.text};
-    default:
-        return {failure_reason::serviceFileUnusable, failure.text};
-    }
+    return {failure.kind == FileFailure::Kind::DiskFull ? failure_reason::diskFull : usual, failure.text};
 }
 
-RequestFailure inText(const std::filesystem::path& path, PamFailure failure)
+RequestFailure serviceFailureOf(const FileFailure& failure)
 {
-    const bool isJump = failure == PamFailure::EntryInsideJump || failure == PamFailure::JumpSpansInclude;
-    return {isJump ? failure_reason::jump : failure_reason::serviceFileUnusable,
-            path.string() + ": " + std::string(describe(failure))};
+    return failureOf(failure, failure.kind == FileFailure::Kind::Missing ? failure_reason::serviceFileMissing
+                                                                         : failure_reason::serviceFileUnusable);
 }
 
-/// What the settings tool asks for is all that anybody may: a token demanded beside the password, or not.
-std::optional<RequestFailure> refusal(const PamSetting& setting)
+RequestFailure writeFailureOf(const FileFailure& failure)
 {
-    const auto refuse = [](const char* why) { return RequestFailure{failure_reason::notAccepted, why}; };
+    return failureOf(failure, failure_reason::writeFailed);
+}
+
+RequestFailure pamFailureOf(const std::filesystem::path& path, PamFailure failure)
+{
+    auto reason = failure_reason::serviceFileUnusable;
+    if (failure == PamFailure::EntryInsideJump || failure == PamFailure::JumpSpansInclude)
+        reason = failure_reason::jump;
+    else if (failure == PamFailure::IncluderUnreadable)
+        reason = failure_reason::includerUnreadable;
+    return {reason, path.string() + ": " + std::string(describe(failure))};
+}
+
+/// Says why the service does not do what is asked: it is nothing that the tool asks for.
+std::optional<RequestFailure> acceptanceFailure(const PamSetting& setting)
+{
+    const auto refused = [](const char* text) { return RequestFailure{failure_reason::notAccepted, text}; };
     if (std::find(ownServices.begin(), ownServices.end(), setting.fileName) == ownServices.end())
-        return refuse("This service is not the add-on's to change.");
+        return refused("This service is not the add-on's to change.");
     if (setting.moduleName != ownModule)
-        return refuse("This module is not the add-on's.");
+        return refused("This module is not the add-on's.");
     if (setting.moduleInterface != ModuleInterface::Auth)
-        return refuse("The module takes part in authentication (auth) alone.");
+        return refused("The add-on takes part in authenticating alone.");
     if (setting.controlFlag != ControlFlag::Required && setting.controlFlag != ControlFlag::Optional)
-        return refuse("The entry may be required or optional, nothing else.");
+        return refused("The add-on's entry is required or optional.");
     return std::nullopt;
 }
 
 } // namespace
 
-PamStore::PamStore(Folders folders, const RegisteredKeys& keys, const Logger& logger)
-    : folders_(std::move(folders)), keys_(keys), logger_(logger.inFile("PamStore"))
+bool PamStore::isRelaxing(const PamSetting& setting, Request request)
+{
+    return request == Request::Save && setting.controlFlag == ControlFlag::Optional;
+}
+
+PamStore::PamStore(Folders folders, const RegisteredKeys& registeredKeys, const Logger& logger)
+    : folders_(std::move(folders)), registeredKeys_(registeredKeys), logger_(logger.inFile("PamStore"))
 {
 }
 
 std::optional<RequestFailure> PamStore::save(const ArchiveData& setting)
 {
-    return change(setting, Action::Save);
+    return take(setting, "save(_:)", Request::Save);
 }
 
 std::optional<RequestFailure> PamStore::remove(const ArchiveData& setting)
 {
-    return change(setting, Action::Remove);
+    return take(setting, "remove(_:)", Request::Remove);
 }
 
-std::optional<RequestFailure> PamStore::change(const ArchiveData& archive, Action action)
+std::optional<RequestFailure> PamStore::take(const ArchiveData& archive, std::string_view function, Request request)
 {
-    constexpr auto function = "change(_:action:)";
     const auto setting = PamSetting::unarchived(archive);
     if (!setting) {
         logger_.error("The request holds no PAM setting.", function);
-        return RequestFailure{failure_reason::notAccepted, {}};
-    }
-    const bool isSaving = action == Action::Save;
-    const std::lock_guard lock(mutex_);
-    auto failure = refusal(*setting);
-    if (!failure && isSaving && setting->controlFlag == ControlFlag::Required)
-        failure = demandFailure(*setting);
-    if (!failure) {
-        const auto found = plan(*setting, action);
-        failure = found ? carryOut(*found) : found.failure();
+        return RequestFailure{failure_reason::notAccepted, "The request holds no PAM setting."};
     }
     const std::string entry =
         pamKeyword(setting->moduleInterface) + " entry of " + setting->moduleName + " in " + setting->fileName;
+    const std::lock_guard lock(mutex_);
+    auto failure = acceptanceFailure(*setting);
+    if (!failure)
+        failure = apply(*setting, request);
     if (failure)
         logger_.error("The " + entry + " was not changed. " + failure->text, function);
     else
-        logger_.info("The " + entry + (isSaving ? " is " + pamKeyword(setting->controlFlag) : " is removed") + ".",
+        logger_.info("The " + entry +
+                         (request == Request::Save ? " is " + pamKeyword(setting->controlFlag) : " is removed") + ".",
                      function);
     return failure;
 }
 
+std::optional<RequestFailure> PamStore::apply(const PamSetting& setting, Request request)
+{
+    const auto change = prepare(setting, request);
+    if (!change)
+        return change.failure();
+    // Also where it stands already: a demand that locks everybody out is not to be confirmed.
+    if (request == Request::Save && setting.controlFlag == ControlFlag::Required)
+        if (auto failure = demandFailure(setting))
+            return failure;
+    if (change->text == change->found.content)
+        return std::nullopt;
+    if (auto failure = keep(*change)) {
+        if (!isRelaxing(setting, request))
+            return failure;
+        logger_.warning("What was there is not kept. " + failure->text, "apply(_:request:)");
+    }
+    const auto written = replaceFile(change->path, change->text, {change->found.mode, {}, change->found.group, {}});
+    if (!written.isDone)
+        return writeFailureOf(systemFailure(change->path, written.error.value()));
+    warnUnlessDurable(logger_, change->path, written);
+    return std::nullopt;
+}
+
 std::optional<RequestFailure> PamStore::demandFailure(const PamSetting& setting) const
 {
-    if (auto failure = moduleFailure(folders_.modules / setting.moduleName))
+    if (auto failure = pamModuleFailure(folders_.modules / setting.moduleName))
         return failure;
-    const auto opensAnAccount = keys_.opensAnAccount();
+    const auto opensAnAccount = registeredKeys_.opensAnAccount();
     if (!opensAnAccount)
         return RequestFailure{failure_reason::documentUnreadable, opensAnAccount.failure().text};
     if (!*opensAnAccount)
         return RequestFailure{failure_reason::noKeyRegistered,
-                              "No registered user or master key has a record; a mandatory entry would lock everybody "
-                              "out. Register a token first."};
+                              "No user or master key is registered; register one before tokens are demanded."};
     for (const auto service : ownServices) {
-        PamSetting same = setting;
-        same.fileName = service;
-        if (const auto found = plan(same, Action::Save); !found)
-            return found.failure();
+        auto other = setting;
+        other.fileName = service;
+        if (const auto change = prepare(other, Request::Save); !change)
+            return change.failure();
     }
     return std::nullopt;
 }
 
-Outcome<PamStore::Plan, RequestFailure> PamStore::plan(const PamSetting& setting, Action action) const
+Outcome<PamStore::Change, RequestFailure> PamStore::prepare(const PamSetting& setting, Request request) const
 {
     if (const auto failure = folderFailure(folders_.services, writableByOthers))
-        return inFile(*failure);
+        return serviceFailureOf(*failure);
     const auto path = folders_.services / setting.fileName;
-    auto found = readTrustedFile(path, writableByOthers, serviceSizeLimit);
+    const auto found = readTrustedFile(path, writableByOthers, pamServiceSizeLimit);
     if (!found)
-        return inFile(found.failure());
-    const auto file = PamFile::parsed(found->content);
-    if (!file)
-        return inText(path, file.failure());
-    const auto entry = file->entryOf(setting);
-    if (!entry)
-        return inText(path, entry.failure());
-    const bool takesDemandBack = action == Action::Save && *entry && setting.controlFlag == ControlFlag::Optional;
-    if (!takesDemandBack)
-        if (auto failure = jumpFailure(*file, setting))
-            return *failure;
-    auto text = action == Action::Save ? file->withEntry(setting) : file->withoutEntry(setting);
+        return serviceFailureOf(found.failure());
+    const PamFile file(found->content);
+    const auto text = request == Request::Save ? file.withEntry(setting) : file.withoutEntry(setting);
     if (!text)
-        return inText(path, text.failure());
-    return Plan{path, std::move(*found), std::move(*text), takesDemandBack};
+        return pamFailureOf(path, text.failure());
+    const Change change{path, *found, *text};
+    if (change.text == found->content || (isRelaxing(setting, request) && file.hasEntryOf(setting)))
+        return change;
+    auto failure = jumpFailure(setting, request == Request::Save ? change.text : found->content);
+    if (!failure)
+        return change;
+    if (!isRelaxing(setting, request))
+        return *failure;
+    logger_.warning("No entry was put into " + setting.fileName + ", which demands nothing without one. " +
+                        failure->text,
+                    "prepare(_:request:)");
+    return Change{path, *found, found->content};
 }
 
-std::optional<RequestFailure> PamStore::carryOut(const Plan& plan) const
+std::optional<RequestFailure> PamStore::jumpFailure(const PamSetting& setting, const std::string& text) const
 {
-    if (plan.after == plan.before.content)
-        return std::nullopt;
-    if (auto failure = keep(plan)) {
-        if (!plan.takesDemandBack)
-            return failure;
-        logger_.warning("The text from before the change is not kept. " + failure->text, "carryOut(_:)");
-    }
-    const auto written = replaceFile(plan.path, plan.after, {plan.before.mode, {}, plan.before.group, {}});
-    if (!written.isDone)
-        return inFile(systemFailure(plan.path, written.error.value()));
-    warnUnlessDurable(logger_, plan.path, written);
-    return std::nullopt;
-}
-
-std::optional<RequestFailure> PamStore::jumpFailure(const PamFile& file, const PamSetting& setting) const
-{
-    const auto services = readServices();
-    const PamStack stack(folders_.services, [&services](const std::string& name) {
-        const auto service = services.find(name);
-        return service == services.end() ? nullptr : &service->second;
-    });
-    if (const auto failure = stack.ownJumpFailure(file, setting))
-        return inText(folders_.services / setting.fileName, *failure);
-    for (const auto& [name, service] : services)
-        if (const auto failure = stack.includerJumpFailure(service, setting))
-            return inText(folders_.services / name, *failure);
-    return std::nullopt;
-}
-
-std::map<std::string, PamFile> PamStore::readServices() const
-{
-    std::map<std::string, PamFile> services;
-    std::error_code error;
-    std::filesystem::directory_iterator entries(folders_.services, error);
-    for (; !error && entries != std::filesystem::directory_iterator() && services.size() < serviceCountLimit;
-         entries.increment(error)) {
-        std::error_code readError;
-        const auto text = readFile(entries->path(), serviceSizeLimit, readError);
-        auto file = text ? PamFile::parsed(*text) : Outcome<PamFile, PamFailure>(PamFailure::ZeroByte);
-        if (file)
-            services.emplace(entries->path().filename(), std::move(*file));
-    }
-    return services;
-}
-
-std::optional<RequestFailure> PamStore::keep(const Plan& plan) const
-{
-    const auto told = [](const FileFailure& failure) {
-        return RequestFailure{failure.kind == FileFailure::Kind::DiskFull ? failure_reason::diskFull
-                                                                          : failure_reason::writeFailed,
-                              failure.text};
+    PamServices services(folders_.services, folders_.vendorServices);
+    const auto ownPath = folders_.services / setting.fileName;
+    services.assume(ownPath, text);
+    const auto* const own = services.at(ownPath);
+    const auto isPlace = [own, &setting](const PamStack::Step& step) {
+        return step.file == own && PamFile::isEntryOf(setting, *step.entry);
     };
+    for (const auto& [name, service] : services.all()) {
+        const PamStack stack(*service.file, folders_.services,
+                             [&services](const std::filesystem::path& path) { return services.at(path); });
+        const bool isIncluder = stack.holds(isPlace);
+        if (isIncluder && stack.isJumpedOver(isPlace))
+            return pamFailureOf(service.path,
+                                service.file == own ? PamFailure::EntryInsideJump : PamFailure::JumpSpansInclude);
+        if (stack.reading() == PamReading::Unknown || (isIncluder && stack.reading() != PamReading::Whole))
+            return pamFailureOf(service.path, PamFailure::IncluderUnreadable);
+    }
+    return std::nullopt;
+}
+
+std::optional<RequestFailure> PamStore::keep(const Change& change) const
+{
     if (::mkdir(folders_.backup.c_str(), backupFolderMode) != 0 && errno != EEXIST)
-        return told(systemFailure(folders_.backup, errno));
+        return writeFailureOf(systemFailure(folders_.backup, errno));
     if (const auto failure = folderFailure(folders_.backup, openToOthers))
-        return told(*failure);
-    const auto path = folders_.backup / plan.path.filename();
-    const auto written = replaceFile(path, plan.before.content, {backupMode, {}, {}, {}});
-    return written.isDone ? std::nullopt : std::optional(told(systemFailure(path, written.error.value())));
+        return writeFailureOf(*failure);
+    const auto path = folders_.backup / change.path.filename();
+    const auto written = replaceFile(path, change.found.content, {backupMode, {}, {}, {}});
+    return written.isDone ? std::nullopt : std::optional(writeFailureOf(systemFailure(path, written.error.value())));
 }
 
 } // namespace vantro::service

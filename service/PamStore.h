@@ -1,15 +1,14 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "LoggerManager/Logger.h"
 #include "VantroStandaloneSetting/PamSetting.h"
 #include "service/Outcome.h"
-#include "service/PamFile.h"
 #include "service/RegisteredKeys.h"
 #include "service/RequestFailure.h"
 #include "service/TrustedFile.h"
@@ -18,10 +17,6 @@ namespace vantro::service {
 
 /// Writes and removes the login add-on's entries in the three PAM services that are its own to change. Whatever is
 /// refused leaves the file untouched and is in the log. Any thread; one change at a time.
-///
-/// A mandatory entry is all or nothing: it is refused while it would be refused in any of the three services, while no
-/// registered token opens an account, and while libpam could not load the module. An optional one may always take the
-/// place of the entry that stands, since the number of the stack's modules stays: a demand can always be taken back.
 class PamStore
 {
   public:
@@ -31,42 +26,55 @@ class PamStore
         std::filesystem::path modules;
         /// Where the text that was there before a change is kept, under the service's name; made when missing.
         std::filesystem::path backup;
+        /// Where libpam looks for a program's service that `services` does not have.
+        std::filesystem::path vendorServices = "/usr/lib/pam.d";
     };
 
-    /// `keys` must outlive this.
-    PamStore(Folders folders, const RegisteredKeys& keys, const Logger& logger);
+    /// `registeredKeys` must outlive this.
+    PamStore(Folders folders, const RegisteredKeys& registeredKeys, const Logger& logger);
 
-    /// Both take an archived PamSetting and make the file hold, or not hold, its entry; nothing is answered when it
-    /// does. The file must exist: the services are not this program's to make.
+    /// Makes the PAM service hold the entry of an archived PamSetting: in the interface auth, required or optional. The
+    /// file must exist: the services are not this program's to make. Nothing when it is done.
+    ///
+    /// A required entry locks out everybody whom it can't let in, so it is written only while all three services could
+    /// be made to have one, the module could be loaded, and a registered token opens an account. An optional entry
+    /// takes the place of the one that is there whatever else is wrong, so that a demand can always be taken back; it
+    /// is left out of a file that has none and where it would move a jump's target.
     [[nodiscard]] std::optional<RequestFailure> save(const ArchiveData& setting);
+
+    /// Takes the entry out; nothing when the file does not hold one afterwards.
     [[nodiscard]] std::optional<RequestFailure> remove(const ArchiveData& setting);
 
   private:
-    enum class Action
+    enum class Request
     {
         Save,
         Remove
     };
-    /// What a change makes of a service's file.
-    struct Plan
+
+    /// Whether it can only take a demand back.
+    [[nodiscard]] static bool isRelaxing(const PamSetting& setting, Request request);
+
+    /// A PAM service's file, and the text that a request makes of it.
+    struct Change
     {
         std::filesystem::path path;
-        TrustedFile before;
-        std::string after;
-        /// An optional entry comes in the place of the one that stands: to be done even where nothing can be kept.
-        bool takesDemandBack = false;
+        TrustedFile found;
+        std::string text;
     };
 
-    [[nodiscard]] std::optional<RequestFailure> change(const ArchiveData& archive, Action action);
+    [[nodiscard]] std::optional<RequestFailure> take(const ArchiveData& archive, std::string_view function,
+                                                     Request request);
+    [[nodiscard]] std::optional<RequestFailure> apply(const PamSetting& setting, Request request);
+    [[nodiscard]] Outcome<Change, RequestFailure> prepare(const PamSetting& setting, Request request) const;
     [[nodiscard]] std::optional<RequestFailure> demandFailure(const PamSetting& setting) const;
-    [[nodiscard]] Outcome<Plan, RequestFailure> plan(const PamSetting& setting, Action action) const;
-    [[nodiscard]] std::optional<RequestFailure> carryOut(const Plan& plan) const;
-    [[nodiscard]] std::optional<RequestFailure> jumpFailure(const PamFile& file, const PamSetting& setting) const;
-    [[nodiscard]] std::optional<RequestFailure> keep(const Plan& plan) const;
-    [[nodiscard]] std::map<std::string, PamFile> readServices() const;
+    /// Says why a text that has the entry can't be put in the place: some service jumps over it, or nobody knows.
+    [[nodiscard]] std::optional<RequestFailure> jumpFailure(const PamSetting& setting, const std::string& text) const;
+    /// Writes the text that is to be replaced into the backup folder.
+    [[nodiscard]] std::optional<RequestFailure> keep(const Change& change) const;
 
     const Folders folders_;
-    const RegisteredKeys& keys_;
+    const RegisteredKeys& registeredKeys_;
     const Logger logger_;
     std::mutex mutex_;
 };

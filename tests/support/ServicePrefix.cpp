@@ -38,8 +38,8 @@ void ServicePrefix::store(const VantroStandaloneSetting& setting) const
 
 void ServicePrefix::installModule() const
 {
-    const fs::path module = VANTRO_PAM_MODULE;
-    fs::copy_file(module, pamModules() / module.filename(), fs::copy_options::overwrite_existing);
+    fs::copy_file(VANTRO_LIBPAM_MODULES_FOLDER "/pam_permit.so", pamModules() / "pam_vantro_standalone.so",
+                  fs::copy_options::overwrite_existing);
 }
 
 void ServicePrefix::makeDemandable() const
