@@ -63,8 +63,9 @@ void DialogViewController::setOKEnabled(bool isEnabled)
 void DialogViewController::viewDidAppear()
 {
     NSViewController::viewDidAppear();
-    if (!OKButton->isEnabled() && firstInFocus(window()) == cancelButton_)
-        view()->setFocus();
+    // Some desktops have Cancel first.
+    if (OKButton->isDefault() && firstInFocus(window()) == cancelButton_)
+        (OKButton->isEnabled() ? OKButton.data() : view())->setFocus();
 }
 
 } // namespace vantro

@@ -38,12 +38,13 @@ def _end_with_parent():
 class Desktop:
     """Starts everything on entry and ends it, with everything that was started from it, on exit."""
 
-    def __init__(self, language="en", scale=1, dark=False, points=PLAIN_POINTS, log=None):
+    def __init__(self, language="en", scale=1, dark=False, points=PLAIN_POINTS, log=None, name=None):
         self._language = language
         self._scale = scale
         self._dark = dark
         self._points = points
         self._log = log or subprocess.DEVNULL
+        self._name = name
         self._processes = []
         self._runtime_folder = None
         self.environment = dict(os.environ)
@@ -103,6 +104,8 @@ class Desktop:
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             "QT_QPA_PLATFORM": "xcb",
         })
+        if self._name:
+            environment["XDG_CURRENT_DESKTOP"] = self._name
         if self._has_theme():
             environment["QT_QPA_PLATFORMTHEME"] = "qt6ct"
             environment["XDG_CONFIG_HOME"] = self._runtime_folder

@@ -37,6 +37,11 @@ def press(window, *keys):
     subprocess.run(["xdotool", "windowactivate", "--sync", window, "key", "--clearmodifiers", *keys], check=True)
 
 
+def type_blindly(*keys):
+    """Presses keys, whatever window has the keyboard and whether or not its program answers."""
+    subprocess.run(["xdotool", "key", *keys], check=True)
+
+
 def disconnect(window):
     """Ends the connection of the window's program to the display."""
     subprocess.run(["xdotool", "windowkill", window], check=True)
