@@ -1,6 +1,11 @@
 // The three deletion dialogs: what is asked, what is deleted, what is written and what the service is told.
 
+#include <functional>
+#include <future>
+
 #include <QLabel>
+#include <QMessageBox>
+#include <QTimer>
 
 #include "AdminViewMessage.h"
 #include "CommonMessage.h"
@@ -12,10 +17,12 @@
 #include "ViewController/Main/KeyListViewController.h"
 #include "app/AppFixture.h"
 #include "foundation/OperatingSystem.h"
+#include "support/WaitUntil.h"
 
 namespace vantro::tests {
 namespace {
 
+using namespace std::chrono_literals;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
@@ -335,6 +342,47 @@ TEST_F(Deletion, ShowsWhatIsSelectedAndEnterDeletesNothing)
     }
     EXPECT_EQ(stored(), twoEach);
     EXPECT_EQ(takeWrites(), 0);
+}
+
+TEST_F(Deletion, OfTheLastKeysTakesEnterAndEscForCancelWhereverTheFocusIs)
+{
+    NSAlert::setPresenter({});
+    const DocumentContent last{.masterKeys = {3}, .secureMode = true};
+    const auto inFront = [] { return QApplication::activeModalWidget(); };
+    const std::function<void()> ways[] = {
+        [&] { QTest::keyClick(inFront(), Qt::Key_Return); },
+        [&] { QTest::keyClick(inFront(), Qt::Key_Escape); },
+        [&] {
+            for (auto* const button : inFront()->findChildren<QPushButton*>())
+                if (button->text() == CommonMessage::ok())
+                    QTest::keyClick(button, Qt::Key_Return);
+        },
+    };
+    show("MasterKey", last);
+    for (const auto& answer : ways) {
+        const auto dialog = open("MasterKey", {0});
+        QTimer::singleShot(0, dialog, [&] {
+            EXPECT_NE(qobject_cast<QMessageBox*>(inFront()), nullptr);
+            answer();
+        });
+        QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+        EXPECT_TRUE(isDismissed(dialog));
+        EXPECT_EQ(stored(), last);
+    }
+}
+
+TEST_F(Deletion, OfTheLastKeyIsWrittenBeforeTheServiceIsAsked)
+{
+    show("MasterKey", {.masterKeys = {3}});
+    service->script("SavePamSetting", {{true, 100ms}});
+    auto meanwhile = std::async(std::launch::async, [this] {
+        EXPECT_TRUE(waitUntil([this] { return !service->pamCalls().empty(); }));
+        return stored();
+    });
+    const auto dialog = open("MasterKey", {0});
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    EXPECT_EQ(meanwhile.get(), DocumentContent{}) << "a kill in between must not leave a key that opens nothing";
+    EXPECT_TRUE(isDismissed(dialog));
 }
 
 TEST_F(Deletion, WithoutItsListOrItsSelectionItOnlyCloses)

@@ -1,5 +1,6 @@
 // The three registration dialogs, clicked and typed into as a person does.
 
+#include <QCheckBox>
 #include <QLabel>
 
 #include "AdminViewMessage.h"
@@ -450,6 +451,10 @@ TEST_F(AppFixture, AnAdministratorKeyUnlocksItsSwitch)
         EXPECT_TRUE(list.adminModel.authCheckButtonModel.isEnabled());
     }
     EXPECT_EQ(stored(), (DocumentContent{.adminKeys = {100, 200, 300}}));
+    for (const bool isOn : {true, false}) {
+        QTest::mouseClick(list.view()->findChild<QCheckBox*>(), Qt::LeftButton);
+        EXPECT_EQ(stored().toolLoginAuth, isOn);
+    }
 }
 
 } // namespace

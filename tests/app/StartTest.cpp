@@ -1,5 +1,6 @@
 // The start sequence of the shared data set, and what it makes of tokens that come and go.
 
+#include <chrono>
 #include <filesystem>
 #include <sys/stat.h>
 
@@ -168,7 +169,10 @@ constexpr auto notifiedMany = "onDeviceConnected(notification:) Multiple connect
 
 TEST_F(Tokens, ComeAndGo)
 {
-    service->script("GetSerial", {{std::uint64_t{11}}, {std::uint64_t{18446744073709551615U}}, {std::uint64_t{0}}});
+    // The handler waits for the serial.
+    service->script("GetSerial", {{std::uint64_t{11}, std::chrono::milliseconds(100)},
+                                  {std::uint64_t{18446744073709551615U}},
+                                  {std::uint64_t{0}}});
     const auto connect = [] { postConnected(64); };
     // Other interfaces of a token, and what is no device at all, are none of its business.
     expect(

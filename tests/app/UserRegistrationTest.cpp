@@ -95,6 +95,16 @@ TEST_F(UserRegistration, ATokenMayBelongToSeveralAccounts)
     EXPECT_TRUE(isDismissed(dialog));
 }
 
+TEST_F(UserRegistration, DoesNotLookASecondTime)
+{
+    plugIn(5);
+    const auto dialog = open();
+    dataSet().vantroStandaloneSetting = DocumentContent{.users = {{"tester", {5}}}}.asDocument();
+    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    EXPECT_EQ(stored(), (DocumentContent{.users = {{"tester", {5, 5}}}}));
+    EXPECT_TRUE(isDismissed(dialog));
+}
+
 TEST_F(UserRegistration, SortsTheWholeDocumentAndTheListAlike)
 {
     // "é" as one code point and as two is one account; code points decide, not the letters.
