@@ -13,6 +13,7 @@
 #include "ViewController/Main/KeyListViewController.h"
 #include "ViewController/Main/RegistrationKeyViewController.h"
 #include "app/AppFixture.h"
+#include "foundation/DispatchQueue.h"
 
 namespace vantro::tests {
 namespace {
@@ -208,8 +209,8 @@ TEST_P(Registration, SaysWhyATokenThatIsPluggedInCannotBeRegistered)
     };
     for (const auto& [change, expected] : steps) {
         change();
-        EXPECT_TRUE(spinUntil([&, &text_ = expected] { return label->text() == text_; }))
-            << label->text().toStdString();
+        DispatchQueue::main().runPending();
+        EXPECT_EQ(label->text(), expected);
         EXPECT_EQ(label->isHidden(), expected.isEmpty());
     }
     EXPECT_EQ(dialog->serialLabelModel.text(), kind().notConnected());
