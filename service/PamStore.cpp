@@ -22,6 +22,11 @@ constexpr std::string_view ownModule = "pam_vantro_standalone.so";
 constexpr mode_t backupFolderMode = 0700;
 constexpr mode_t backupMode = 0600;
 
+bool isOwnService(std::string_view name)
+{
+    return std::find(ownServices.begin(), ownServices.end(), name) != ownServices.end();
+}
+
 RequestFailure failureOf(const FileFailure& failure, std::string_view usual)
 {
     return {failure.kind == FileFailure::Kind::DiskFull ? failure_reason::diskFull : usual, failure.text};
@@ -52,7 +57,7 @@ RequestFailure pamFailureOf(const std::filesystem::path& path, PamFailure failur
 std::optional<RequestFailure> acceptanceFailure(const PamSetting& setting)
 {
     const auto refused = [](const char* text) { return RequestFailure{failure_reason::notAccepted, text}; };
-    if (std::find(ownServices.begin(), ownServices.end(), setting.fileName) == ownServices.end())
+    if (!isOwnService(setting.fileName))
         return refused("This service is not the add-on's to change.");
     if (setting.moduleName != ownModule)
         return refused("This module is not the add-on's.");
@@ -73,6 +78,13 @@ bool PamStore::isRelaxing(const PamSetting& setting, Request request)
 PamStore::PamStore(Folders folders, const RegisteredKeys& registeredKeys, const Logger& logger)
     : folders_(std::move(folders)), registeredKeys_(registeredKeys), logger_(logger.inFile("PamStore"))
 {
+}
+
+void PamStore::removeUnfinished()
+{
+    const std::lock_guard lock(mutex_);
+    for (const auto& folder : {folders_.services, folders_.backup})
+        removeUnfinishedReplacements(folder, isOwnService);
 }
 
 std::optional<RequestFailure> PamStore::save(const ArchiveData& setting)

@@ -33,6 +33,9 @@ class PamStore
     /// `registeredKeys` must outlive this.
     PamStore(Folders folders, const RegisteredKeys& registeredKeys, const Logger& logger);
 
+    /// Removes what kills have left of changes and of their backups.
+    void removeUnfinished();
+
     /// Makes the PAM service hold the entry of an archived PamSetting: in the interface auth, required or optional. The
     /// file must exist: the services are not this program's to make. Nothing when it is done.
     ///

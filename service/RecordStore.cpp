@@ -9,6 +9,7 @@
 
 #include "foundation/DurableFile.h"
 #include "foundation/FileDescriptor.h"
+#include "foundation/Text.h"
 
 namespace vantro::service {
 namespace {
@@ -56,6 +57,12 @@ std::optional<FileFailure> RecordStore::replace(const ChallengeRecord& record) c
         return systemFailure(path, written.error.value());
     warnUnlessDurable(logger_, path, written);
     return std::nullopt;
+}
+
+void RecordStore::removeUnfinished()
+{
+    const std::lock_guard lock(mutex_);
+    removeUnfinishedReplacements(folder_, [](std::string_view name) { return parseUInt64(name).has_value(); });
 }
 
 std::optional<FileFailure> RecordStore::write(const ChallengeRecord& record)

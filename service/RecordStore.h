@@ -28,6 +28,9 @@ class RecordStore
     /// Says why a record of this token could not be written; nothing when it could.
     [[nodiscard]] std::optional<FileFailure> writeFailure(std::uint64_t serial) const;
 
+    /// Removes what kills have left of records that were being written.
+    void removeUnfinished();
+
     /// Creates the record or puts it in the place of the one that is there.
     [[nodiscard]] std::optional<FileFailure> write(const ChallengeRecord& record);
 

@@ -13,7 +13,6 @@
 #include "LoggerManager/LoggerManager.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "foundation/Bundle.h"
-#include "foundation/DurableFile.h"
 #include "foundation/FileDescriptor.h"
 #include "service/ChallengeResponse.h"
 #include "service/PamStore.h"
@@ -79,8 +78,6 @@ int run(const Logger& logger)
         return EXIT_FAILURE;
     }
     try {
-        for (const auto& folder : {records, pamFolders.services, pamFolders.backup})
-            removeUnfinishedReplacements(folder);
         const auto connection = sdbus::createSystemBusConnection();
         SignalWatch signals;
         TokenRegistry registry(logger);
@@ -88,6 +85,8 @@ int run(const Logger& logger)
         const RegisteredKeys registeredKeys(settings / VantroStandaloneSetting::fileName, recordStore);
         ChallengeResponse challengeResponse(registry, recordStore, registeredKeys, logger);
         PamStore pamStore(pamFolders, registeredKeys, logger);
+        recordStore.removeUnfinished();
+        pamStore.removeUnfinished();
         const StandaloneObject object(*connection, challengeResponse, pamStore, logger);
         connection->requestName(label);
         signals.start(*connection);

@@ -21,37 +21,60 @@ std::error_code lastError()
 }
 
 constexpr std::string_view newFileEnd = ".new";
+constexpr int newFilesTried = 100;
 
-/// What the names of new files for `name` begin with: hidden, so that programs that read a whole folder pass them over.
-std::string newFileBegin(const std::string& name)
-{
-    return "." + name + ".";
-}
-
-/// A name that no other program uses.
+/// A name that no other program uses: hidden, so that programs that read a whole folder pass it over.
 std::string newFileName(const std::filesystem::path& path)
 {
     std::random_device random;
-    std::string name = newFileBegin(path.filename().string());
-    name += std::to_string(random());
+    std::string name = "." + path.filename().string() + "." + std::to_string(random());
     name += newFileEnd;
     return name;
 }
 
-/// Whether a file's name is one of newFileName(), for whatever file where `begin` is empty.
-bool isNewFileName(std::string_view name, std::string_view begin)
+/// The name of the file that a newFileName() is for; empty for every other name.
+std::string_view replacedName(std::string_view name)
 {
-    if (!name.starts_with('.') || !name.starts_with(begin) || !name.ends_with(newFileEnd))
-        return false;
+    if (!name.starts_with('.') || !name.ends_with(newFileEnd))
+        return {};
     name.remove_suffix(newFileEnd.size());
-    const auto digits = name.substr(name.rfind('.') + 1);
-    const bool isNumbered = !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
-    // Between the dots stands the name of the file that was to be replaced.
-    return isNumbered &&
-           (begin.empty() ? name.size() > digits.size() + 2 : name.size() == begin.size() + digits.size());
+    const auto dot = name.rfind('.');
+    const auto number = name.substr(dot + 1);
+    const bool isNumbered = !number.empty() && number.find_first_not_of("0123456789") == std::string_view::npos;
+    return isNumbered && dot > 0 ? name.substr(1, dot - 1) : std::string_view();
 }
 
-/// Whoever writes a new file holds a lock on it.
+/// A new file that has not taken its place yet.
+struct NewFile
+{
+    std::string name;
+    /// Whoever writes a new file holds a lock on it, so that it is not taken for one that was left behind.
+    FileDescriptor file;
+};
+
+std::optional<NewFile> makeNewFile(int folder, const std::filesystem::path& path, std::error_code& error)
+{
+    const auto tryAgain = std::make_error_code(std::errc::resource_unavailable_try_again);
+    error = tryAgain;
+    for (int attempt = 0; attempt < newFilesTried && error == tryAgain; ++attempt) {
+        NewFile made{newFileName(path), {}};
+        made.file = FileDescriptor(
+            ::openat(folder, made.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+        struct stat status = {};
+        if (!made.file) {
+            error = lastError();
+        } else if (::flock(made.file.get(), LOCK_EX | LOCK_NB) != 0 || ::fstat(made.file.get(), &status) != 0) {
+            error = lastError();
+            ::unlinkat(folder, made.name.c_str(), 0);
+        } else if (status.st_nlink == 1) {
+            error.clear();
+            return made;
+        }
+        // Before it had its lock somebody may have taken it for one that was left behind.
+    }
+    return std::nullopt;
+}
+
 void removeUnlocked(int folder, const char* name)
 {
     const FileDescriptor file(::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
@@ -59,18 +82,6 @@ void removeUnlocked(int folder, const char* name)
     if (file && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) &&
         ::flock(file.get(), LOCK_EX | LOCK_NB) == 0)
         ::unlinkat(folder, name, 0);
-}
-
-void removeUnfinished(const std::filesystem::path& folder, std::string_view begin)
-{
-    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error);
-         descriptor && !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        if (isNewFileName(name, begin))
-            removeUnlocked(descriptor.get(), name.c_str());
-    }
 }
 
 std::error_code fill(int file, std::string_view content, const ReplacementOptions& options)
@@ -115,35 +126,38 @@ std::error_code takePlace(int folder, const char* name, const std::filesystem::p
 
 Replacement replaceFile(const std::filesystem::path& path, std::string_view content, const ReplacementOptions& options)
 {
-    removeUnfinished(path.parent_path(), newFileBegin(path.filename().string()));
+    removeUnfinishedReplacements(path.parent_path(),
+                                 [own = path.filename().string()](std::string_view name) { return name == own; });
     const FileDescriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder)
         return {false, lastError()};
 
-    const std::string name = newFileName(path);
-    // Kept open to the end, for the lock that keeps the new file from being taken for one that was left behind.
-    const FileDescriptor file(
-        ::openat(folder.get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!file)
-        return {false, lastError()};
-
     std::error_code error;
-    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0)
-        error = lastError();
+    const auto made = makeNewFile(folder.get(), path, error);
+    if (!made)
+        return {false, error};
+    error = fill(made->file.get(), content, options);
     if (!error)
-        error = fill(file.get(), content, options);
-    if (!error)
-        error = takePlace(folder.get(), name.c_str(), path, options.aside);
+        error = takePlace(folder.get(), made->name.c_str(), path, options.aside);
     if (error) {
-        ::unlinkat(folder.get(), name.c_str(), 0);
+        ::unlinkat(folder.get(), made->name.c_str(), 0);
         return {false, error};
     }
     return {true, ::fsync(folder.get()) == 0 ? std::error_code() : lastError()};
 }
 
-void removeUnfinishedReplacements(const std::filesystem::path& folder)
+void removeUnfinishedReplacements(const std::filesystem::path& folder,
+                                  const std::function<bool(std::string_view name)>& isOwn)
 {
-    removeUnfinished(folder, {});
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error);
+         descriptor && !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        const auto replaced = replacedName(name);
+        if (!replaced.empty() && isOwn(replaced))
+            removeUnlocked(descriptor.get(), name.c_str());
+    }
 }
 
 std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit, std::error_code& error,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,9 +42,10 @@ struct Replacement
 [[nodiscard]] Replacement replaceFile(const std::filesystem::path& path, std::string_view content,
                                       const ReplacementOptions& options);
 
-/// Removes what kills have left of replacements in a folder: the new files that never took their place. One that is
-/// just being written, by whatever process, stays.
-void removeUnfinishedReplacements(const std::filesystem::path& folder);
+/// Removes what kills have left of replacements in a folder: the new files that never took their place, of those files
+/// whose name `isOwn` knows. One that is just being written, by whatever process, stays.
+void removeUnfinishedReplacements(const std::filesystem::path& folder,
+                                  const std::function<bool(std::string_view name)>& isOwn);
 
 /// Whether a file may be reached by a symbolic link as the last name of its path, and have further names.
 enum class Links

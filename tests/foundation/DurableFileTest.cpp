@@ -1,12 +1,10 @@
 #include "foundation/DurableFile.h"
 
-#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <random>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -14,24 +12,9 @@
 #include <gtest/gtest.h>
 
 #include "foundation/FileDescriptor.h"
+#include "support/FailingFolderSync.h"
 #include "support/Privileges.h"
 #include "support/TemporaryFolder.h"
-
-namespace {
-/// Set while folders can't be written to the disk.
-bool isFolderSyncFailing = false;
-} // namespace
-
-/// In place of the C library's.
-extern "C" int fsync(int descriptor)
-{
-    struct stat status = {};
-    if (isFolderSyncFailing && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
-        errno = EIO;
-        return -1;
-    }
-    return static_cast<int>(::syscall(SYS_fsync, descriptor));
-}
 
 namespace vantro::tests {
 namespace {
@@ -169,7 +152,7 @@ TEST(ReplaceFile, AKillAtAnyInstantLeavesOneWholeFile)
 TEST(ReplaceFile, IsDoneWhenOnlyTheFolderDoesNotReachTheDisk)
 {
     const TemporaryFolder folder;
-    isFolderSyncFailing = true;
+    const FailingFolderSync failing;
     const auto replacement = replaceFile(folder / "file", "new", {});
     EXPECT_TRUE(replacement.isDone);
     EXPECT_FALSE(replacement.isDurable());
@@ -195,16 +178,29 @@ TEST(RemoveUnfinishedReplacements, TakesTheirFilesAlone)
     const TemporaryFolder folder;
     for (const char* const name : {".file.1.new", ".other.file.42.new"})
         writeFile(folder / name, "");
-    for (const char* const name : {"file", "file.1.new", ".1.new", ".file.new", ".file.1a.new", ".file.1.new~"})
+    for (const char* const name : {"file", "file.1.new", ".1.new", "..1.new", ".new", ".file.new", ".file.1a.new",
+                                   ".file.1.new~", ".foreign.1.new"})
         writeFile(folder / name, "");
     fs::create_directory(folder / ".folder.1.new");
     writeFile(folder / ".busy.1.new", "");
     const FileDescriptor busy(::open((folder / ".busy.1.new").c_str(), O_WRONLY | O_CLOEXEC));
     ASSERT_EQ(::flock(busy.get(), LOCK_EX), 0);
-    removeUnfinishedReplacements(folder.path());
-    EXPECT_EQ(entriesIn(folder.path()), 8U);
+    removeUnfinishedReplacements(folder.path(), [](std::string_view name) { return name != "foreign"; });
+    EXPECT_EQ(entriesIn(folder.path()), 11U);
     EXPECT_FALSE(fs::exists(folder / ".file.1.new"));
     EXPECT_FALSE(fs::exists(folder / ".other.file.42.new"));
+}
+
+TEST(RemoveUnfinishedReplacements, NeverMakesAReplacementFail)
+{
+    const TemporaryFolder folder;
+    const std::jthread remover([&folder](const std::stop_token& stop) {
+        while (!stop.stop_requested())
+            removeUnfinishedReplacements(folder.path(), [](std::string_view) { return true; });
+    });
+    constexpr int replacements = 200;
+    for (int number = 0; number < replacements; ++number)
+        ASSERT_TRUE(replaceFile(folder / "file", "x", {}).isDurable()) << number;
 }
 
 TEST(ReadFile, TakesRegularFilesUpToTheLimit)

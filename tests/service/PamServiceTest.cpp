@@ -135,8 +135,18 @@ TEST_F(PamServiceTest, KilledBetweenTwoFilesLeavesBothWhole)
     EXPECT_TRUE(bus.endService(SIGKILL));
     EXPECT_EQ(textOf("authorization"), comment + optionalLine);
     EXPECT_EQ(textOf("screensaver"), comment);
+    const auto backups = prefix.records().parent_path() / "pam-backup";
+    const fs::path leftBehind[] = {prefix.pamServices() / ".authorization.1.new", backups / ".screensaver.2.new",
+                                   prefix.records() / ".18446744073709551615.3.new"};
+    const auto foreign = prefix.pamServices() / ".login.1.new";
+    for (const auto& file : leftBehind)
+        writeFile(file, "");
+    writeFile(foreign, "");
     EXPECT_TRUE(save("screensaver", ControlFlag::Optional)) << "the next request starts it again";
     EXPECT_EQ(textOf("screensaver"), comment + optionalLine);
+    for (const auto& file : leftBehind)
+        EXPECT_FALSE(fs::exists(file)) << file;
+    EXPECT_TRUE(fs::exists(foreign));
 }
 
 TEST_F(PamServiceTest, TokenThatIsWaitedForDelaysNoEntry)

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -11,6 +12,7 @@
 #include <unistd.h>
 
 #include "LoggerManager/LoggerManager.h"
+#include "support/FailingFolderSync.h"
 #include "support/TemporaryFolder.h"
 
 namespace vantro::service {
@@ -45,21 +47,26 @@ class RecordStoreTest : public testing::Test
 
 TEST_F(RecordStoreTest, WritesReadsRenewsAndRemoves)
 {
-    const auto first = recordOf(1);
-    ASSERT_FALSE(store_.write(first));
-    EXPECT_EQ(tests::modeOf(file_), 0600U);
-    ASSERT_TRUE(store_.read(serial));
-    EXPECT_EQ(*store_.read(serial), first);
+    for (const bool reachesTheDisk : {true, false}) {
+        std::optional<tests::FailingFolderSync> failing;
+        if (!reachesTheDisk)
+            failing.emplace();
+        const auto first = recordOf(1);
+        ASSERT_FALSE(store_.write(first));
+        EXPECT_EQ(tests::modeOf(file_), 0600U);
+        ASSERT_TRUE(store_.read(serial));
+        EXPECT_EQ(*store_.read(serial), first);
 
-    const auto second = recordOf(2);
-    EXPECT_TRUE(*store_.renew(first, second));
-    EXPECT_FALSE(*store_.renew(first, recordOf(3))) << "the record is another one by now";
-    EXPECT_EQ(*store_.read(serial), second);
+        const auto second = recordOf(2);
+        EXPECT_TRUE(*store_.renew(first, second));
+        EXPECT_FALSE(*store_.renew(first, recordOf(3))) << "the record is another one by now";
+        EXPECT_EQ(*store_.read(serial), second);
 
-    EXPECT_TRUE(*store_.remove(serial));
-    EXPECT_FALSE(*store_.remove(serial));
-    EXPECT_FALSE(*store_.renew(second, recordOf(4))) << "a removed record does not come back";
-    EXPECT_TRUE(fs::is_empty(folder_));
+        EXPECT_TRUE(*store_.remove(serial));
+        EXPECT_FALSE(*store_.remove(serial));
+        EXPECT_FALSE(*store_.renew(second, recordOf(4))) << "a removed record does not come back";
+        EXPECT_TRUE(fs::is_empty(folder_));
+    }
 }
 
 TEST_F(RecordStoreTest, RecordTellsTheRightResponse)
