@@ -1,5 +1,6 @@
 // The settings document's file: where it is, and how it is read, replaced and kept.
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -8,16 +9,20 @@
 #include <unistd.h>
 
 #include "LoggerManager/LoggerManager.h"
+#include "VantroStandaloneSetting/SettingFormat.h"
 #include "VantroStandaloneSetting/VantroStandaloneSetting.h"
 #include "foundation/Bundle.h"
 #include "foundation/DurableFile.h"
 #include "foundation/FileDescriptor.h"
+#include "foundation/Text.h"
 
 namespace vantro {
 namespace {
 
 constexpr std::size_t documentSizeLimit = std::size_t{256} * 1024 * 1024;
 constexpr mode_t newDocumentMode = 0660;
+/// All that is taken over of a mode. Who made a document may have made it a program that runs as whoever copies it.
+constexpr mode_t documentModes = 0666;
 constexpr int namesTried = 1000;
 
 /// Why the document could not be read when it was asked for last; no error where it was read or is not there. Main
@@ -74,11 +79,11 @@ std::error_code moveAside(const std::filesystem::path& file, const std::filesyst
                                                                                               : systemError();
 }
 
-/// Whether an attempt may succeed a moment later: nothing is wrong with the file.
-bool isPassing(const std::error_code& error)
+/// Whether the document itself is such that this account can't read it. Any other error may be gone a moment later.
+bool isUnreadable(const struct stat& status, const std::error_code& error)
 {
-    return error == std::errc::too_many_files_open || error == std::errc::too_many_files_open_in_system ||
-           error == std::errc::not_enough_memory || error == std::errc::interrupted || error == std::errc::io_error;
+    return !S_ISREG(status.st_mode) || error == std::errc::too_many_links || error == std::errc::file_too_large ||
+           error == std::errc::permission_denied || error == std::errc::operation_not_permitted;
 }
 
 std::error_code readabilityOf(const std::filesystem::path& file)
@@ -96,12 +101,24 @@ std::error_code readabilityOf(const std::filesystem::path& file)
     return {};
 }
 
-/// Whether the text reads back as a valid document. What the document itself holds does; only what others have put into
-/// it may not.
+/// Whether the text reads back as a valid document. Only what others have put into it takes a reader to know.
 bool canBeReadAgain(const VantroStandaloneSetting& setting, const std::string& text)
 {
-    return text.size() <= documentSizeLimit &&
-           (!setting.hasForeignNodes() || VantroStandaloneSetting(XML::parse(text)).isValid());
+    if (text.size() > documentSizeLimit)
+        return false;
+    if (setting.hasForeignNodes())
+        return VantroStandaloneSetting(XML::parse(text)).isValid();
+    return std::all_of(setting.users.begin(), setting.users.end(), [](const UserSetting& user) {
+        return setting_format::isAccount(user.account) && isValidUTF8(user.account);
+    });
+}
+
+void warnUnlessDurable(const std::filesystem::path& file, const Replacement& replacement, const char* function)
+{
+    if (replacement.isDone && !replacement.isDurable())
+        settingLogger().warning("The settings document is written to " + file.string() +
+                                    ", but may not outlast a loss of power: " + replacement.error.message() + ".",
+                                function);
 }
 
 Replacement replaceDocument(const std::string& text)
@@ -115,11 +132,11 @@ Replacement replaceDocument(const std::string& text)
     struct stat status = {};
     if (::lstat(file.c_str(), &status) != 0)
         return {false, systemError()};
-    if (!readError || (isPassing(readError) && S_ISREG(status.st_mode))) {
+    if (!readError || !isUnreadable(status, readError)) {
         // Its content is known to nobody when it could not be read before.
         if (lastReadError())
             return {false, lastReadError()};
-        options.mode = status.st_mode & 07777;
+        options.mode = status.st_mode & documentModes;
         return replaceFile(file, text, options);
     }
     Replacement replacement;
@@ -149,19 +166,16 @@ const std::filesystem::path& VantroStandaloneSetting::url()
 void VantroStandaloneSetting::write() const
 {
     const std::string text = serialised(*this);
-    const auto replacement = canBeReadAgain(*this, text)
-                                 ? replaceDocument(text)
-                                 : Replacement{false, std::make_error_code(std::errc::invalid_argument)};
-    if (replacement.isDurable())
-        return;
-    if (replacement.isDone) {
-        settingLogger().warning("The settings document is written to " + url().string() +
-                                    ", but may not outlast a loss of power: " + replacement.error.message() + ".",
-                                "write()");
-        return;
+    std::string reason = "What it holds could not be read again";
+    if (canBeReadAgain(*this, text)) {
+        const auto replacement = replaceDocument(text);
+        warnUnlessDurable(url(), replacement, "write()");
+        if (replacement.isDone)
+            return;
+        reason = replacement.error.message();
     }
-    settingLogger().error("The settings document can't be written to " + url().string() + ": " +
-                              replacement.error.message() + ". The file is left as it was.",
+    settingLogger().error("The settings document can't be written to " + url().string() + ": " + reason +
+                              ". The file is left as it was.",
                           "write()");
     NotificationCenter::defaultCenter().post(DocumentNotWritten);
 }
@@ -180,8 +194,10 @@ std::error_code VantroStandaloneSetting::keepInvalid()
     const auto bytes = readFile(url(), documentSizeLimit, error, Links::Refuse);
     if (bytes && ::lstat(url().c_str(), &status) == 0) {
         ReplacementOptions options;
-        options.mode = status.st_mode & 07777;
-        if (replaceFile(copy, *bytes, options).isDone)
+        options.mode = status.st_mode & documentModes;
+        const auto replacement = replaceFile(copy, *bytes, options);
+        warnUnlessDurable(copy, replacement, "keepInvalid()");
+        if (replacement.isDone)
             return {};
     }
     return moveAside(url(), copy);

@@ -1,6 +1,10 @@
 #pragma once
 
-/// The element and attribute names of the settings document's file.
+#include <string_view>
+
+#include "foundation/Text.h"
+
+/// The element and attribute names of the settings document's file, and what stands for an account in it.
 namespace vantro::setting_format {
 inline constexpr const char* root = "VantroStandaloneSetting";
 inline constexpr const char* version = "version";
@@ -18,4 +22,10 @@ inline constexpr const char* toolLoginAuth = "ToolLoginAuth";
 inline constexpr const char* adminKeys = "AdminKeys";
 inline constexpr const char* yubiKey = "YubiKey";
 inline constexpr const char* serial = "Serial";
+
+/// Whether the text, valid UTF-8, can be an account's name.
+[[nodiscard]] inline bool isAccount(std::string_view text)
+{
+    return !text.empty() && !hasControlCharacters(text);
+}
 } // namespace vantro::setting_format

@@ -102,7 +102,7 @@ class SettingReader
     {
         for (const auto& element : section.children(format::userSetting)) {
             const std::string account = textOf(onlyChild(element, format::account));
-            require(!account.empty() && !hasControlCharacters(account));
+            require(format::isAccount(account));
             auto& user = setting_.users.emplace_back(account);
             user.keys = keysOf(onlyChild(element, format::keys), user.foreignKeys);
             user.foreign = foreignIn(element, {format::account, format::keys});

@@ -5,6 +5,7 @@
 
 #include "LoggerManager/LoggerManager.h"
 #include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "support/FailingFolderSync.h"
 #include "support/Privileges.h"
 #include "support/TemporaryPrefix.h"
 
@@ -59,7 +60,9 @@ TEST_F(SettingFile, IsMadeReplacedAndKeepsItsMode)
     expectWritten();
     EXPECT_EQ(mode(), 0660U);
     for (const mode_t wanted : {0666U, 0600U, 0640U}) {
-        fs::permissions(file, fs::perms(wanted));
+        // A document is never a program, least of all one that runs as whoever wrote it last.
+        constexpr mode_t ofPrograms = 06110;
+        fs::permissions(file, fs::perms(wanted | ofPrograms));
         setting.users[0].keys.emplace_back(wanted);
         setting.write();
         expectWritten();
@@ -147,6 +150,21 @@ TEST_F(SettingFile, OneThatCanNotBeReadIsKeptAside)
     EXPECT_EQ(contentOf(aside("-5")), "secret");
 }
 
+TEST_F(SettingFile, IsWrittenWhenOnlyItsFolderDoesNotReachTheDisk)
+{
+    const FailingFolderSync failing;
+    bool isToldNotWritten = false;
+    const auto observation = NotificationCenter::defaultCenter().addObserver(
+        DocumentNotWritten, [&isToldNotWritten](const Notification&) { isToldNotWritten = true; });
+    setting.write();
+    expectWritten();
+    EXPECT_FALSE(isToldNotWritten);
+    EXPECT_FALSE(VantroStandaloneSetting::keepInvalid());
+    for (const char* const name : {".xml, but may not", ".invalid, but may not"})
+        EXPECT_NE(log().find(name), std::string::npos) << log();
+    EXPECT_EQ(log().find(" error "), std::string::npos) << log();
+}
+
 TEST_F(SettingFile, AProcessWithoutDescriptorsLeavesTheOldOne)
 {
     writeFile(file, "old");
@@ -196,16 +214,22 @@ TEST_F(SettingFile, IsNotTheOneThatCouldNotBeReadAgain)
     damaged.users[0].account.clear();
     damaged.write();
     EXPECT_EQ(contentOf(file), old);
+    for (const char* const account : {"", "ad\nam", "ad\xff"}) {
+        setting.users[0].account = account;
+        setting.write();
+        EXPECT_EQ(contentOf(file), old) << account;
+    }
 }
 
 TEST_F(SettingFile, AnInvalidOneIsKeptWithAllThatWereKeptBefore)
 {
     const auto invalid = [this](const std::string& suffix) { return file.string() + ".invalid" + suffix; };
     for (const char* const content : {"first", "second", "third"}) {
-        writeFile(file, content);
+        writeFile(file, content, 04777);
         EXPECT_FALSE(VantroStandaloneSetting::keepInvalid());
     }
     EXPECT_EQ(contentOf(invalid("")), "third");
+    EXPECT_EQ(modeOf(invalid("")), 0666U);
     EXPECT_EQ(contentOf(invalid("-old")), "first");
     EXPECT_EQ(contentOf(invalid("-old-1")), "second");
     fs::remove(invalid(""));
