@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 
 // Debian 12's header declares its functions for C alone.
 extern "C" {
@@ -23,12 +24,6 @@ std::error_code lastError()
     return {errno, std::generic_category()};
 }
 
-/// Whether the folder is missing, or this account can't make a file there.
-bool isNoPlaceForFiles(int error)
-{
-    return error == ENOENT || error == ENOTDIR || error == EACCES || error == EPERM || error == EROFS;
-}
-
 struct flock wholeFile()
 {
     struct flock lock = {};
@@ -42,10 +37,13 @@ struct flock wholeFile()
 ProcessLock::ProcessLock(const std::filesystem::path& file)
     : file_(::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, lockFileMode))
 {
-    if (!file_)
-        failure_ = isNoPlaceForFiles(errno) ? std::error_code() : lastError();
-    else
+    if (file_) {
         failure_ = take();
+        return;
+    }
+    const auto error = lastError();
+    if (::faccessat(AT_FDCWD, file.parent_path().c_str(), W_OK | X_OK, AT_EACCESS) == 0)
+        failure_ = error;
 }
 
 std::error_code ProcessLock::take()

@@ -24,8 +24,8 @@ class ProcessLock
     /// it can't overwrite what is in it either.
     [[nodiscard]] bool isHeldByAnother() const { return holder_.has_value(); }
 
-    /// Why it can't be said whether another process has the lock: something else stands under the file's name, or the
-    /// file system has no locks.
+    /// Why it can't be said whether another process has the lock: something else stands under the file's name, the file
+    /// can't be opened by this account, which may write to its folder all the same, or the file system has no locks.
     [[nodiscard]] std::error_code failure() const { return failure_; }
 
     /// The user id of the process that has the lock; nothing when there is none or it can't be seen from here.

@@ -56,6 +56,17 @@ TEST_F(OneTool, ASecondStartByAnotherAccountSaysWhoseTheFirstIs)
     expectNothingTouched();
 }
 
+TEST_F(OneTool, NoneOpensWhereNothingTellsWhetherAnotherIs)
+{
+    std::filesystem::create_directory(lockFile);
+    EXPECT_FALSE(applicationStoryboard().mayLaunch());
+    ASSERT_EQ(alerts.size(), 1U);
+    EXPECT_EQ(alerts[0].message, StartMessage::lockUnusableHeading());
+    EXPECT_EQ(alerts[0].information, StartMessage::lockUnusable().arg(QString::fromStdString(lockFile.string()),
+                                                                      QStringLiteral("Is a directory")));
+    expectNothingTouched();
+}
+
 TEST_F(OneTool, TheFirstStartGoesOn)
 {
     EXPECT_TRUE(applicationStoryboard().mayLaunch());
@@ -82,6 +93,22 @@ TEST_F(DocumentAtStart, ThatCantBeReadEndsTheTool)
     std::filesystem::remove_all(prefix.settingsFolder());
     EXPECT_EXIT(launch(), testing::ExitedWithCode(EXIT_SUCCESS),
                 testing::HasSubstr("No such file or directory" + behindPaths(StartMessage::documentUnreadable())));
+}
+
+TEST_F(DocumentAtStart, ThatIsInvalidAndCantBeKeptEndsTheTool)
+{
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    const auto open = [this] {
+        writeFile(prefix.settingsDocument(), "<Setting/>");
+        dataSet();
+        std::filesystem::remove_all(prefix.settingsFolder());
+        whileAlert = [this] {
+            std::cerr << alerts.back().message.toStdString() << "; services asked: " << service->pamCalls().size();
+        };
+        window();
+    };
+    EXPECT_EXIT(open(), testing::ExitedWithCode(EXIT_SUCCESS),
+                testing::HasSubstr(StartMessage::documentNotKeptHeading().toStdString() + "; services asked: 0"));
 }
 
 class DocumentNotStored : public AppFixture, public testing::WithParamInterface<bool>

@@ -9,6 +9,7 @@
 
 #include "foundation/ProcessLock.h"
 #include "support/LockHolder.h"
+#include "support/Privileges.h"
 #include "support/TemporaryFolder.h"
 
 namespace vantro::tests {
@@ -44,7 +45,7 @@ TEST(ProcessLock, IsFreeWhereNothingCanBeWritten)
     EXPECT_FALSE(ProcessLock(folder.path() / "missing" / "lock").failure());
 }
 
-TEST(ProcessLock, FailsWhereSomethingElseStandsUnderItsName)
+TEST(ProcessLock, FailsWhereItsFileCanNotBeUsed)
 {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "folder");
@@ -53,6 +54,11 @@ TEST(ProcessLock, FailsWhereSomethingElseStandsUnderItsName)
     for (const char* const name : {"folder", "link", "pipe"})
         EXPECT_TRUE(ProcessLock(folder / name).failure()) << name;
     EXPECT_FALSE(std::filesystem::exists(folder / "elsewhere"));
+
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0777));
+    writeFile(folder / "of another", "", 0);
+    const WithoutPrivileges nobody;
+    EXPECT_EQ(ProcessLock(folder / "of another").failure(), std::errc::permission_denied);
 }
 
 } // namespace
