@@ -164,13 +164,15 @@ Outcome<std::string, PamFailure> PamFile::withEntry(const PamSetting& setting) c
             return PamFailure::SeveralEntries;
     }
     const auto line = lineOf(setting);
-    std::string text = text_;
-    // From the last one on, so that the places of the others stay.
-    for (auto entry = known.rbegin(); entry != known.rend(); ++entry) {
-        if (!isWholeLines(*entry))
+    std::string text;
+    std::size_t kept = 0;
+    for (const auto& entry : known) {
+        if (!isWholeLines(entry))
             return PamFailure::LineTooLong;
-        text.replace(entry->begin, entry->end - entry->begin, line);
+        text += text_.substr(kept, entry.begin - kept) + line;
+        kept = entry.end;
     }
+    text += text_.substr(kept);
     if (!known.empty())
         return text;
     if (!entries_.empty())

@@ -111,7 +111,7 @@ class PamStoreTest : public testing::Test
     [[nodiscard]] std::string refusal(const std::string& includer)
     {
         add("login", includer);
-        const auto reason = save("authorization", ControlFlag::Required);
+        auto reason = save("authorization", ControlFlag::Required);
         EXPECT_EQ(textOf("authorization"), reason == done ? empty + requiredLine : empty);
         add("authorization", empty);
         return reason;
