@@ -23,6 +23,8 @@ class ServiceFailure
     /// What the connection said instead of handing a reply on.
     explicit ServiceFailure(const NSError& error);
 
+    bool operator==(const ServiceFailure&) const = default;
+
     /// What happened and what to do, for people; empty when nothing is known.
     [[nodiscard]] QString sentence() const;
 

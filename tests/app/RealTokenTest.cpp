@@ -110,6 +110,8 @@ struct SignIn
     std::vector<lab::TokenProfile> tokens;
     /// What happens while the service asks the first token.
     void (*meanwhile)(const PrivateBus&, VirtualToken&) = nullptr;
+    /// Why the service did not confirm the token.
+    const char* reason = "";
 };
 
 constexpr std::uint32_t adminKey = 11;
@@ -158,14 +160,16 @@ INSTANTIATE_TEST_SUITE_P(
                     SignIn{"NeverTouched",
                            AuthResult::CRFailure,
                            {blinking()},
-                           [](const PrivateBus&, VirtualToken& token) { waitForBlinking(token); }},
+                           [](const PrivateBus&, VirtualToken& token) { waitForBlinking(token); },
+                           "not-touched"},
                     SignIn{"PulledOut",
                            AuthResult::CRFailure,
                            {blinking()},
                            [](const PrivateBus&, VirtualToken& token) {
                                waitForBlinking(token);
                                token.unplug();
-                           }},
+                           },
+                           "token-gone"},
                     SignIn{"ServiceKilled",
                            AuthResult::CRFailure,
                            {blinking()},
@@ -173,8 +177,8 @@ INSTANTIATE_TEST_SUITE_P(
                                waitForBlinking(token);
                                EXPECT_TRUE(bus.endService(SIGKILL));
                            }},
-                    SignIn{"OtherSecret", AuthResult::CRFailure, {withOtherSecret()}},
-                    SignIn{"NoRecord", AuthResult::CRFailure, {tokenOf(12)}},
+                    SignIn{"OtherSecret", AuthResult::CRFailure, {withOtherSecret()}, nullptr, "wrong-response"},
+                    SignIn{"NoRecord", AuthResult::CRFailure, {tokenOf(12)}, nullptr, "no-record"},
                     SignIn{"NotConnected", AuthResult::NotConnected, {}},
                     SignIn{"MultipleConnected", AuthResult::MultipleConnected, {tokenOf(22), tokenOf(adminKey)}},
                     SignIn{"SerialAcquisitionError", AuthResult::SerialAcquisitionError, {withoutSerial()}},
@@ -206,7 +210,9 @@ TEST_P(Authentication, HasSixResults)
         if (signIn.meanwhile != nullptr)
             signIn.meanwhile(bus, *tokens.front());
     });
-    EXPECT_EQ(LoginAuthentication::authenticate(), signIn.result);
+    ServiceFailure failure;
+    EXPECT_EQ(LoginAuthentication::authenticate(&failure), signIn.result);
+    EXPECT_EQ(failure, ServiceFailure(signIn.reason));
     meanwhile.get();
 
     std::string expected = "Start login authentication.";
