@@ -32,16 +32,16 @@ void PamUpdateStatus::record(Change change, ControlFlag asked, const PamUpdateRe
         failed_.reset();
         return;
     }
-    if (!failed_) {
-        failed_.emplace();
-        failed_->isDemanding.fill(isSecureMode());
-    }
-    failed_->change = change;
-    failed_->failure = results.failure;
+    std::array<bool, pamServices.size()> isDemanding{};
+    if (failed_)
+        isDemanding = failed_->isDemanding;
+    else
+        isDemanding.fill(isSecureMode());
     const std::array isChanged = {results.authorization, results.screensaver, results.screensaverNew};
     for (std::size_t entry = 0; entry < isChanged.size(); ++entry)
         if (isChanged[entry])
-            failed_->isDemanding[entry] = asked == ControlFlag::Required;
+            isDemanding[entry] = asked == ControlFlag::Required;
+    failed_ = Failed{change, results.failure, isDemanding};
 }
 
 bool PamUpdateStatus::isAsInDocument() const

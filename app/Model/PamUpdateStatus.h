@@ -44,7 +44,7 @@ class PamUpdateStatus
 
     struct Failed
     {
-        Change change = Change::Switch;
+        Change change;
         ServiceFailure failure;
         /// Whether the entry in each of pamServices demands a token.
         std::array<bool, pamServices.size()> isDemanding;
