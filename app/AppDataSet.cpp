@@ -9,6 +9,7 @@
 #include "ServiceRequest.h"
 #include "ServiceRequests.h"
 #include "SystemUsers.h"
+#include "VantroStandaloneNames.h"
 #include "foundation/FileManager.h"
 #include "foundation/Identity.h"
 
@@ -21,7 +22,12 @@ constexpr auto initFunction = "init()";
 
 const std::vector<HIDMonitorData>& deviceFilter()
 {
-    static const std::vector<HIDMonitorData> filter = {{0x1050, 0x0407}, {0x1050, 0x0116}};
+    static const std::vector<HIDMonitorData> filter = [] {
+        std::vector<HIDMonitorData> tokens;
+        for (const auto product : names::tokenProducts)
+            tokens.push_back({names::tokenVendor, product});
+        return tokens;
+    }();
     return filter;
 }
 

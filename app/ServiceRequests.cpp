@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ServiceRequest.h"
+#include "VantroStandaloneNames.h"
 #include "appkit/BusyPointer.h"
 #include "foundation/OperatingSystem.h"
 
@@ -13,8 +14,6 @@ using namespace std::chrono_literals;
 std::chrono::milliseconds serviceReplyLimit = 5s;
 
 namespace {
-
-constexpr auto moduleName = "pam_vantro_standalone.so";
 
 /// One request whose answer is waited for; silence is failure.
 template <class Send>
@@ -37,7 +36,7 @@ std::string asText(bool value)
 
 bool updatePamSetting(const std::string& fileName, ControlFlag controlFlag, ServiceFailure* failure)
 {
-    const PamSetting setting{fileName, ModuleInterface::Auth, controlFlag, moduleName};
+    const PamSetting setting{fileName, ModuleInterface::Auth, controlFlag, std::string(names::pamModule)};
     const auto archive = setting.archived();
     if (!archive)
         return false;
@@ -68,16 +67,16 @@ std::string PamUpdateResults::logText() const
 PamUpdateResults updateAllPamSettings(ControlFlag controlFlag)
 {
     PamUpdateResults results;
-    auto update = [&results, controlFlag, failed = false](const char* fileName) mutable {
+    auto update = [&results, controlFlag, failed = false](std::string_view fileName) mutable {
         ServiceFailure failure;
-        const bool isSuccess = updatePamSetting(fileName, controlFlag, &failure);
+        const bool isSuccess = updatePamSetting(std::string(fileName), controlFlag, &failure);
         if (!isSuccess && !std::exchange(failed, true))
             results.failure = failure;
         return isSuccess;
     };
-    results.authorization = update(pamServices[0]);
-    results.screensaver = update(pamServices[1]);
-    results.screensaverNew = update(pamServices[2]);
+    results.authorization = update(names::pamServices[0]);
+    results.screensaver = update(names::pamServices[1]);
+    results.screensaverNew = update(names::pamServices[2]);
     return results;
 }
 

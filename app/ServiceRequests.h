@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -13,9 +12,6 @@ namespace vantro {
 /// How long a request to the privileged service may take before its caller takes silence for failure. Set by tests
 /// alone, before any request.
 extern std::chrono::milliseconds serviceReplyLimit;
-
-/// The PAM services that hold an entry of the add-on, in the order in which they are updated.
-inline constexpr std::array pamServices = {"authorization", "screensaver", "screensaver_new"};
 
 /// Has the privileged service write the add-on's entry into the PAM service `fileName`. Blocks the calling thread; true
 /// only when the service replies true within serviceReplyLimit, and else `failure` says why, as far as that is known by
@@ -44,8 +40,8 @@ struct PamUpdateResults
     [[nodiscard]] std::string logText() const;
 };
 
-/// Updates all pamServices with one control flag, one after the other and all three whatever the answers. What was
-/// written stays when another fails. Main thread.
+/// Updates all names::pamServices with one control flag, one after the other and all three whatever the answers. What
+/// was written stays when another fails. Main thread.
 PamUpdateResults updateAllPamSettings(ControlFlag controlFlag);
 
 } // namespace vantro

@@ -1,20 +1,23 @@
 # The rooms of the source tree and what each may use. Dependencies point downwards only, and configuring fails as soon
 # as a target links something that its room may not.
 
-set(VANTRO_MAY_USE_platform-core "platform-core")
-set(VANTRO_MAY_USE_platform-desktop "platform-core;platform-desktop")
-set(VANTRO_MAY_USE_libraries "platform-core;libraries")
-set(VANTRO_MAY_USE_service "platform-core;libraries;service")
-set(VANTRO_MAY_USE_app "platform-core;platform-desktop;libraries;app")
-set(VANTRO_MAY_USE_lab "platform-core;libraries;lab")
-set(VANTRO_MAY_USE_tests "platform-core;platform-desktop;libraries;service;app;lab;tests")
-set(VANTRO_MAY_USE_bench "platform-core;platform-desktop;libraries;service;app;lab;tests;bench")
+set(VANTRO_MAY_USE_names "names")
+set(VANTRO_MAY_USE_platform-core "names;platform-core")
+set(VANTRO_MAY_USE_platform-desktop "names;platform-core;platform-desktop")
+set(VANTRO_MAY_USE_libraries "names;platform-core;libraries")
+set(VANTRO_MAY_USE_service "names;platform-core;libraries;service")
+set(VANTRO_MAY_USE_module "names;module")
+set(VANTRO_MAY_USE_app "names;platform-core;platform-desktop;libraries;app")
+set(VANTRO_MAY_USE_lab "names;platform-core;libraries;lab")
+set(VANTRO_MAY_USE_tests "names;platform-core;platform-desktop;libraries;service;module;app;lab;tests")
+set(VANTRO_MAY_USE_bench "names;platform-core;platform-desktop;libraries;service;module;app;lab;tests;bench")
 
 # The rooms that know the desktop toolkit.
 set(VANTRO_ROOMS_WITH_QT platform-desktop app lab tests bench)
 
-# Puts TARGET into ROOM, with the project's warnings and sanitizers. Its headers are found from the room's folder,
-# so that an include names the folder that owns the header: "foundation/Bundle.h", "Model/LabelModel.h".
+# Puts TARGET into ROOM, with the project's warnings and sanitizers. A room's headers are found from its own folder
+# (platform/core and platform/desktop each from theirs), so that an include names what owns the header:
+# "foundation/Bundle.h", "Model/LabelModel.h", "pam/PamFile.h".
 function(vantro_room target room)
     if(NOT DEFINED VANTRO_MAY_USE_${room})
         message(FATAL_ERROR "${target}: there is no room '${room}'")
@@ -59,6 +62,25 @@ function(vantro_check_target target room)
     endwhile()
 endfunction()
 
+# Checks that no folder from which a target finds headers holds a room that the target may not use.
+function(vantro_check_includes target room)
+    foreach(property IN ITEMS INCLUDE_DIRECTORIES INTERFACE_INCLUDE_DIRECTORIES)
+        get_target_property(includes ${target} ${property})
+        foreach(include IN LISTS includes)
+            foreach(place IN LISTS VANTRO_PLACES)
+                string(REGEX MATCH "^([^=]+)=(.*)$" place "${place}")
+                set(other ${CMAKE_MATCH_1})
+                set(folder ${CMAKE_MATCH_2})
+                cmake_path(IS_PREFIX include "${folder}" NORMALIZE isInside)
+                if(isInside AND NOT other IN_LIST VANTRO_MAY_USE_${room})
+                    message(FATAL_ERROR
+                        "${target} (room ${room}) finds the headers of room ${other} from ${include}: not allowed from there")
+                endif()
+            endforeach()
+        endforeach()
+    endforeach()
+endfunction()
+
 function(vantro_check_rooms directory)
     get_property(targets DIRECTORY ${directory} PROPERTY BUILDSYSTEM_TARGETS)
     foreach(target IN LISTS targets)
@@ -66,6 +88,7 @@ function(vantro_check_rooms directory)
         get_target_property(type ${target} TYPE)
         if(room)
             vantro_check_target(${target} ${room})
+            vantro_check_includes(${target} ${room})
         elseif(type MATCHES "EXECUTABLE|SHARED_LIBRARY|MODULE_LIBRARY")
             message(FATAL_ERROR "${target} is in no room")
         endif()
@@ -76,7 +99,31 @@ function(vantro_check_rooms directory)
     endforeach()
 endfunction()
 
+# Sets RESULT to which rooms lie in which folders below DIRECTORY, as ROOM=FOLDER.
+function(vantro_places directory result)
+    set(places "")
+    get_property(targets DIRECTORY ${directory} PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target IN LISTS targets)
+        get_target_property(room ${target} VANTRO_ROOM)
+        if(room)
+            list(APPEND places "${room}=${directory}")
+        endif()
+    endforeach()
+    get_property(subdirectories DIRECTORY ${directory} PROPERTY SUBDIRECTORIES)
+    foreach(subdirectory IN LISTS subdirectories)
+        vantro_places(${subdirectory} inside)
+        list(APPEND places ${inside})
+    endforeach()
+    list(REMOVE_DUPLICATES places)
+    set(${result} ${places} PARENT_SCOPE)
+endfunction()
+
+function(vantro_check_tree directory)
+    vantro_places(${directory} VANTRO_PLACES)
+    vantro_check_rooms(${directory})
+endfunction()
+
 # Checks every target once the whole tree is known; for the top of the tree.
 macro(vantro_check_rooms_at_end)
-    cmake_language(DEFER CALL vantro_check_rooms ${CMAKE_CURRENT_SOURCE_DIR})
+    cmake_language(DEFER CALL vantro_check_tree ${CMAKE_CURRENT_SOURCE_DIR})
 endmacro()

@@ -22,8 +22,8 @@
 
 #include <security/pam_appl.h>
 
-#include "service/PamServices.h"
-#include "service/PamStack.h"
+#include "pam/PamServices.h"
+#include "pam/PamStack.h"
 #include "support/TemporaryFolder.h"
 
 namespace {

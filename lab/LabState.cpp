@@ -12,6 +12,7 @@
 #include <sys/file.h>
 
 #include "LabAccounts.h"
+#include "VantroStandaloneNames.h"
 
 namespace vantro::lab {
 
@@ -32,8 +33,6 @@ constexpr std::array<NamedFolder, 4> namedFolders{{{bundle_key::settingsFolder, 
                                                    {bundle_key::pamModulesFolder, "security"}}};
 
 constexpr auto temporaryNote = "temporary-folders";
-
-constexpr std::array<std::string_view, 3> pamServices{"authorization", "screensaver", "screensaver_new"};
 
 fs::path folderOf(const Bundle& bundle, std::string_view key)
 {
@@ -154,12 +153,12 @@ void LabState::makeFolders() const
 void LabState::makePamFolders() const
 {
     const fs::path services = folderOf(bundle_, bundle_key::pamServicesFolder);
-    for (const std::string_view service : pamServices) {
+    for (const std::string_view service : names::pamServices) {
         writeIfAbsent(services / service, "# Included by the services that authenticate with a token:\n#   @include " +
                                               std::string(service) + "\n");
     }
     // The service writes a mandatory entry only for a module that libpam could load. One of libpam's own stands in.
-    fs::copy_file(LAB_STAND_IN_MODULE, folderOf(bundle_, bundle_key::pamModulesFolder) / "pam_vantro_standalone.so",
+    fs::copy_file(LAB_STAND_IN_MODULE, folderOf(bundle_, bundle_key::pamModulesFolder) / names::pamModule,
                   fs::copy_options::overwrite_existing);
 }
 

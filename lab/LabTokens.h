@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tokens/VirtualToken.h"
+#include "emulation/VirtualToken.h"
 
 namespace vantro::lab {
 

@@ -16,8 +16,8 @@
 #include "LabState.h"
 #include "LabTokens.h"
 #include "LabWindow.h"
-#include "tokens/Preload.h"
-#include "tokens/TokenBed.h"
+#include "emulation/Preload.h"
+#include "emulation/TokenBed.h"
 
 namespace vantro::lab {
 

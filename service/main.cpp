@@ -12,14 +12,14 @@
 
 #include "LoggerManager/LoggerManager.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "bus/StandaloneObject.h"
 #include "foundation/Bundle.h"
 #include "foundation/FileDescriptor.h"
-#include "service/ChallengeResponse.h"
-#include "service/PamStore.h"
-#include "service/RecordStore.h"
-#include "service/RegisteredKeys.h"
-#include "service/StandaloneObject.h"
-#include "service/TokenRegistry.h"
+#include "pam/PamStore.h"
+#include "tokens/ChallengeResponse.h"
+#include "tokens/RecordStore.h"
+#include "tokens/RegisteredKeys.h"
+#include "tokens/TokenRegistry.h"
 
 namespace vantro::service {
 namespace {

@@ -32,7 +32,7 @@ void PamUpdateStatus::record(Change change, ControlFlag asked, const PamUpdateRe
         failed_.reset();
         return;
     }
-    std::array<bool, pamServices.size()> isDemanding{};
+    std::array<bool, names::pamServices.size()> isDemanding{};
     if (failed_)
         isDemanding = failed_->isDemanding;
     else
@@ -54,9 +54,9 @@ bool PamUpdateStatus::isAsInDocument() const
 QString PamUpdateStatus::demandingEntries() const
 {
     QStringList names;
-    for (std::size_t entry = 0; entry < pamServices.size(); ++entry)
+    for (std::size_t entry = 0; entry < names::pamServices.size(); ++entry)
         if (failed_->isDemanding[entry])
-            names += QString::fromLatin1(pamServices[entry]);
+            names += QLatin1String(names::pamServices[entry]);
     return names.isEmpty() ? localized("entries_demand_none")
                            : localized("entries_demand").arg(names.join(QStringLiteral(", ")));
 }

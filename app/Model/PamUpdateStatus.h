@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include "ServiceRequests.h"
+#include "VantroStandaloneNames.h"
 
 namespace vantro {
 
@@ -46,8 +47,8 @@ class PamUpdateStatus
     {
         Change change;
         ServiceFailure failure;
-        /// Whether the entry in each of pamServices demands a token.
-        std::array<bool, pamServices.size()> isDemanding;
+        /// Whether the entry in each of names::pamServices demands a token.
+        std::array<bool, names::pamServices.size()> isDemanding;
     };
     /// The last change, when it failed.
     std::optional<Failed> failed_;

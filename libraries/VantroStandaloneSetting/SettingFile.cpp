@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "LoggerManager/DurabilityWarning.h"
 #include "LoggerManager/LoggerManager.h"
 #include "VantroStandaloneSetting/SettingFormat.h"
 #include "VantroStandaloneSetting/VantroStandaloneSetting.h"
@@ -113,14 +114,6 @@ bool canBeReadAgain(const VantroStandaloneSetting& setting, const std::string& t
     });
 }
 
-void warnUnlessDurable(const std::filesystem::path& file, const Replacement& replacement, const char* function)
-{
-    if (replacement.isDone && !replacement.isDurable())
-        settingLogger().warning("The settings document is written to " + file.string() +
-                                    ", but may not outlast a loss of power: " + replacement.error.message() + ".",
-                                function);
-}
-
 Replacement replaceDocument(const std::string& text)
 {
     const auto& file = VantroStandaloneSetting::url();
@@ -169,7 +162,7 @@ void VantroStandaloneSetting::write() const
     std::string reason = "What it holds could not be read again";
     if (canBeReadAgain(*this, text)) {
         const auto replacement = replaceDocument(text);
-        warnUnlessDurable(url(), replacement, "write()");
+        warnUnlessDurable(settingLogger(), url(), replacement, "write()");
         if (replacement.isDone)
             return;
         reason = replacement.error.message();
@@ -196,7 +189,7 @@ std::error_code VantroStandaloneSetting::keepInvalid()
         ReplacementOptions options;
         options.mode = status.st_mode & documentModes;
         const auto replacement = replaceFile(copy, *bytes, options);
-        warnUnlessDurable(copy, replacement, "keepInvalid()");
+        warnUnlessDurable(settingLogger(), copy, replacement, "keepInvalid()");
         if (replacement.isDone)
             return {};
     }

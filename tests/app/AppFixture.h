@@ -23,12 +23,12 @@
 #include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSTabViewController.h"
+#include "emulation/TokenBed.h"
 #include "foundation/FileDescriptor.h"
 #include "support/PlainBus.h"
 #include "support/ScriptedService.h"
 #include "support/TemporaryPrefix.h"
 #include "support/WaitUntil.h"
-#include "tokens/TokenBed.h"
 
 /// Test failures show texts as texts.
 inline void PrintTo(const QString& text, std::ostream* stream)

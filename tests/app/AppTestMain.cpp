@@ -8,9 +8,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "emulation/Preload.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestProcess.h"
-#include "tokens/Preload.h"
 
 namespace {
 

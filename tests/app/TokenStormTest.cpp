@@ -17,13 +17,14 @@
 #include "app/AppFixture.h"
 #include "appkit/ModalWindow.h"
 #include "appkit/UserDefaults.h"
-#include "tokens/VirtualToken.h"
+#include "emulation/VirtualToken.h"
 
 namespace vantro::tests {
 namespace {
 
 constexpr int cycles = 1000;
 constexpr int cyclesBehindTheSignIn = 200;
+constexpr int dialogsOpened = 50;
 
 class TokenStorm : public AppFixture
 {
@@ -50,11 +51,12 @@ class TokenStorm : public AppFixture
         }
     }
 
-    /// Plugs one of the tokens in or pulls it out, a thousand times; in the end all are out.
+    /// Plugs one of the tokens in or pulls it out, a thousand times and until the person has opened
+    /// some dialogs meanwhile; in the end all are out.
     void rage()
     {
         std::mt19937 random(1);
-        while (plugged_ < cycles)
+        while (plugged_ < cycles || opened_ < dialogsOpened)
             toggle(*tokens_.at(random() % tokens_.size()));
         for (const auto& token : tokens_)
             token->unplug();
@@ -93,7 +95,7 @@ class TokenStorm : public AppFixture
     std::array<std::unique_ptr<lab::VirtualToken>, 3> tokens_;
     std::atomic<int> plugged_ = 0;
     /// What the person has done: dialogs opened, sign-ins tried.
-    int opened_ = 0;
+    std::atomic<int> opened_ = 0;
     int tries_ = 0;
 
   private:
@@ -172,8 +174,6 @@ TEST_F(TokenStorm, LeavesCountAndAlertRight)
     person.stop();
     ASSERT_TRUE(spinUntil([&] { return dataSet().connectedYubiKeyCount() == 0 && alertsShown() == 0; }));
     EXPECT_EQ(dataSet().connectedYubiKeySerial(), std::nullopt);
-
-    EXPECT_GT(opened_, 50) << "hardly a dialog was open meanwhile";
 
     // Nothing hangs: the dialog that is left can be closed, and the next tokens bring the next alert.
     if (QWidget* const front = QApplication::activeModalWidget())

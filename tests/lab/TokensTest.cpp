@@ -25,12 +25,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "emulation/Preload.h"
+#include "emulation/TokenBed.h"
+#include "emulation/VirtualToken.h"
 #include "foundation/FileDescriptor.h"
-#include "service/OtpExchange.h"
 #include "support/WaitUntil.h"
-#include "tokens/Preload.h"
-#include "tokens/TokenBed.h"
-#include "tokens/VirtualToken.h"
+#include "tokens/OtpExchange.h"
 
 using namespace std::chrono_literals;
 using vantro::FileDescriptor;

@@ -160,7 +160,7 @@ TEST_F(SettingFile, IsWrittenWhenOnlyItsFolderDoesNotReachTheDisk)
     expectWritten();
     EXPECT_FALSE(isToldNotWritten);
     EXPECT_FALSE(VantroStandaloneSetting::keepInvalid());
-    for (const char* const name : {".xml, but may not", ".invalid, but may not"})
+    for (const char* const name : {".xml is in place, but may not", ".invalid is in place, but may not"})
         EXPECT_NE(log().find(name), std::string::npos) << log();
     EXPECT_EQ(log().find(" error "), std::string::npos) << log();
 }

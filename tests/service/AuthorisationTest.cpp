@@ -1,4 +1,4 @@
-#include "service/Authorisation.h"
+#include "bus/Authorisation.h"
 
 #include <grp.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "service/OtpFrame.h"
+#include "tokens/OtpFrame.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tokens/OtpApplication.h"
+#include "emulation/OtpApplication.h"
 
 namespace vantro::service::otp {
 namespace {

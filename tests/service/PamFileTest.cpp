@@ -1,4 +1,4 @@
-#include "service/PamFile.h"
+#include "pam/PamFile.h"
 
 #include <ostream>
 #include <string>

@@ -1,4 +1,4 @@
-#include "service/PamStore.h"
+#include "pam/PamStore.h"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "service/RecordStore.h"
+#include "tokens/RecordStore.h"
 
 #include <filesystem>
 #include <functional>

@@ -9,12 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include "emulation/TokenBed.h"
+#include "emulation/VirtualToken.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceClient.h"
 #include "support/ServicePrefix.h"
 #include "support/WaitUntil.h"
-#include "tokens/TokenBed.h"
-#include "tokens/VirtualToken.h"
 
 namespace vantro::tests {
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "emulation/Preload.h"
 #include "support/TestProcess.h"
-#include "tokens/Preload.h"
 
 int main(int argc, char** argv)
 {

@@ -8,9 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include "emulation/TokenBed.h"
+#include "emulation/VirtualToken.h"
 #include "support/WaitUntil.h"
-#include "tokens/TokenBed.h"
-#include "tokens/VirtualToken.h"
 
 namespace vantro {
 namespace {

@@ -12,8 +12,8 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-#include "tokens/TokenBed.h"
-#include "tokens/VirtualToken.h"
+#include "emulation/TokenBed.h"
+#include "emulation/VirtualToken.h"
 
 namespace {
 std::atomic<int> lostReads = 0;

@@ -1,0 +1,88 @@
+#include "emulation/Preload.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <string_view>
+#include <system_error>
+
+#include <link.h>
+#include <unistd.h>
+
+#if defined(__SANITIZE_THREAD__)
+// umockdev and GLib are not instrumented, so ThreadSanitizer doesn't see how they hand their own memory from thread to
+// thread. libudev draws the seed of its hash tables without a lock, which umockdev's sending shares with whoever
+// listens in the same process. Qt and nss_wrapper, which programs with tokens use as well, lock in ways that it doesn't
+// see either; frames of theirs are all that is left out, not what they call.
+extern "C" const char* __tsan_default_suppressions();
+extern "C" const char* __tsan_default_suppressions()
+{
+    return "race:libumockdev.so\n"
+           "race:libglib-2.0.so\n"
+           "race_top:getrandom\n"
+           "race_top:getpwent\n"
+           "race:libQt6Core.so\n"
+           "race:libQt6Gui.so\n"
+           "race:libQt6Widgets.so\n"
+           "race:libnss_wrapper.so\n"
+           "mutex:libnss_wrapper.so\n";
+}
+#endif
+
+namespace vantro::lab {
+
+namespace {
+
+constexpr auto preloadVariable = "LD_PRELOAD";
+constexpr auto umockdevLibrary = "libumockdev-preload.so.0";
+
+/// The paths of the sanitizer runtimes that the program is linked with; each insists on being loaded first.
+std::vector<std::string> sanitizerRuntimes()
+{
+    std::vector<std::string> runtimes;
+    dl_iterate_phdr(
+        [](dl_phdr_info* library, std::size_t, void* found) {
+            const std::string_view path = library->dlpi_name;
+            if (path.find("/libasan.so") != path.npos || path.find("/libtsan.so") != path.npos) {
+                static_cast<std::vector<std::string>*>(found)->emplace_back(path);
+            }
+            return 0;
+        },
+        &runtimes);
+    return runtimes;
+}
+
+std::string inheritedPreload()
+{
+    const char* const value = std::getenv(preloadVariable);
+    return value != nullptr ? value : "";
+}
+
+} // namespace
+
+bool isUnderPreload()
+{
+    return inheritedPreload().find(LAB_NETLINK_NAMES_LIBRARY) != std::string::npos;
+}
+
+void reexecuteUnderPreload(char** argv, const std::vector<std::string>& furtherLibraries)
+{
+    if (isUnderPreload()) {
+        return;
+    }
+    std::vector<std::string> libraries = sanitizerRuntimes();
+    libraries.emplace_back(LAB_NETLINK_NAMES_LIBRARY);
+    libraries.emplace_back(umockdevLibrary);
+    libraries.insert(libraries.end(), furtherLibraries.begin(), furtherLibraries.end());
+    if (std::string inherited = inheritedPreload(); !inherited.empty()) {
+        libraries.push_back(std::move(inherited));
+    }
+    std::string preload;
+    for (const std::string& library : libraries) {
+        preload += (preload.empty() ? "" : ":") + library;
+    }
+    ::setenv(preloadVariable, preload.c_str(), 1);
+    ::execv("/proc/self/exe", argv);
+    throw std::system_error(errno, std::generic_category(), "start over under the emulation's libraries");
+}
+
+} // namespace vantro::lab

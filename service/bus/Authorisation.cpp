@@ -1,0 +1,61 @@
+#include "bus/Authorisation.h"
+
+#include <algorithm>
+#include <array>
+#include <grp.h>
+#include <unistd.h>
+#include <utility>
+
+#include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+
+namespace vantro::service {
+namespace {
+
+constexpr const char* administratorsGroup = "sudo";
+
+constexpr std::array<std::pair<std::string_view, Requirement>, 7> requirements = {{
+    {service_method::getSerial, Requirement::Administrator},
+    {service_method::createCRSettingFile, Requirement::Administrator},
+    {service_method::removeCRSettingFile, Requirement::Administrator},
+    {service_method::validate, Requirement::Administrator},
+    {service_method::savePamSetting, Requirement::Administrator},
+    {service_method::removePamSetting, Requirement::Administrator},
+    {service_method::lastFailure, Requirement::Administrator},
+}};
+
+std::optional<gid_t> administratorsGroupId()
+{
+    std::vector<char> buffer(65536);
+    struct group entry = {};
+    struct group* found = nullptr;
+    if (::getgrnam_r(administratorsGroup, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
+        return std::nullopt;
+    return found->gr_gid;
+}
+
+bool isAdministrator(const Caller& caller)
+{
+    if (caller.userId == 0 || caller.userId == ::geteuid())
+        return true;
+    const auto administrators = administratorsGroupId();
+    return administrators &&
+           std::find(caller.groupIds.begin(), caller.groupIds.end(), *administrators) != caller.groupIds.end();
+}
+
+} // namespace
+
+std::optional<Requirement> requirementOf(std::string_view method)
+{
+    for (const auto& [name, requirement] : requirements)
+        if (name == method)
+            return requirement;
+    return std::nullopt;
+}
+
+bool mayCall(std::string_view method, const Caller& caller)
+{
+    const auto requirement = requirementOf(method);
+    return requirement == Requirement::Administrator && isAdministrator(caller);
+}
+
+} // namespace vantro::service

@@ -1,0 +1,62 @@
+#include "tokens/RegisteredKeys.h"
+
+#include <algorithm>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "foundation/DurableFile.h"
+#include "foundation/XML.h"
+
+namespace vantro::service {
+namespace {
+
+/// Some 400,000 keys. The service has less memory than the tool, and answers within seconds.
+constexpr std::size_t documentSizeLimit = std::size_t{32} * 1024 * 1024;
+
+bool holds(const std::vector<YubiKey>& keys, std::uint64_t serial)
+{
+    return std::any_of(keys.begin(), keys.end(), [serial](const YubiKey& key) { return key.serial == serial; });
+}
+
+} // namespace
+
+Outcome<VantroStandaloneSetting, FileFailure> RegisteredKeys::read() const
+{
+    std::error_code error;
+    const auto bytes = readFile(document_, documentSizeLimit, error, Links::Refuse);
+    if (error == std::errc::no_such_file_or_directory)
+        return VantroStandaloneSetting();
+    if (!bytes)
+        return systemFailure(document_, error.value());
+    VantroStandaloneSetting setting(XML::parse(*bytes));
+    if (!setting.isValid())
+        return FileFailure{FileFailure::Kind::BadContent, document_.string() + " is no valid settings document."};
+    return setting;
+}
+
+Outcome<bool, FileFailure> RegisteredKeys::isNamed(std::uint64_t serial) const
+{
+    const auto setting = read();
+    if (!setting)
+        return setting.failure();
+    return holds(setting->masterKeySetting.masterKeys, serial) || holds(setting->adminSetting.adminKeys, serial) ||
+           std::any_of(setting->users.begin(), setting->users.end(),
+                       [serial](const UserSetting& user) { return holds(user.keys, serial); });
+}
+
+Outcome<bool, FileFailure> RegisteredKeys::opensAnAccount() const
+{
+    const auto setting = read();
+    if (!setting)
+        return setting.failure();
+    const auto hasRecord = [this](const std::vector<YubiKey>& keys) {
+        return std::any_of(keys.begin(), keys.end(),
+                           [this](const YubiKey& key) { return static_cast<bool>(records_.read(key.serial)); });
+    };
+    return hasRecord(setting->masterKeySetting.masterKeys) ||
+           std::any_of(setting->users.begin(), setting->users.end(),
+                       [&hasRecord](const UserSetting& user) { return hasRecord(user.keys); });
+}
+
+} // namespace vantro::service
