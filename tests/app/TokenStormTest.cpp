@@ -37,10 +37,11 @@ class TokenStorm : public AppFixture
         // Now and then a serial can't be read, or the service refuses to say it.
         std::deque<ScriptedService::Answer> serials;
         for (std::uint64_t request = 0; request < cycles; ++request) {
+            auto& answer = serials.emplace_back().content;
             if (request % 50 == 49)
-                serials.push_back({ScriptedService::Refusal{}});
+                answer = ScriptedService::Refusal{};
             else
-                serials.push_back({request % 20 == 19 ? 0 : 11 * (request % 3 + 1)});
+                answer = request % 20 == 19 ? 0 : 11 * (request % 3 + 1);
         }
         service->script("GetSerial", serials);
         service->script("Validate", {{false}});
