@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/signalfd.h>
 #include <sys/stat.h>
 #include <thread>
@@ -15,6 +14,7 @@
 #include "bus/StandaloneObject.h"
 #include "foundation/Bundle.h"
 #include "foundation/FileDescriptor.h"
+#include "foundation/WakeEvent.h"
 #include "pam/PamStore.h"
 #include "tokens/ChallengeResponse.h"
 #include "tokens/RecordStore.h"
@@ -32,7 +32,7 @@ class SignalWatch
 {
   public:
     /// To be made before every other thread, since those inherit which signals are held back.
-    SignalWatch() : stop_(::eventfd(0, EFD_CLOEXEC))
+    SignalWatch()
     {
         sigset_t signals;
         sigemptyset(&signals);
@@ -41,14 +41,14 @@ class SignalWatch
         ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
         signals_ = FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
     }
-    ~SignalWatch() { ::eventfd_write(stop_.get(), 1); }
+    ~SignalWatch() { stop_.wake(); }
     SignalWatch(const SignalWatch&) = delete;
     SignalWatch& operator=(const SignalWatch&) = delete;
 
     void start(sdbus::IConnection& connection)
     {
         thread_ = std::jthread([this, &connection] {
-            pollfd waits[] = {{signals_.get(), POLLIN, 0}, {stop_.get(), POLLIN, 0}};
+            pollfd waits[] = {{signals_.get(), POLLIN, 0}, {stop_.fileDescriptor(), POLLIN, 0}};
             while (::poll(waits, std::size(waits), -1) < 0 && errno == EINTR) {
             }
             if ((waits[0].revents & POLLIN) != 0)
@@ -57,7 +57,7 @@ class SignalWatch
     }
 
   private:
-    FileDescriptor stop_;
+    WakeEvent stop_;
     FileDescriptor signals_;
     std::jthread thread_;
 };

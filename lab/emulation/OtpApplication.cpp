@@ -10,40 +10,13 @@ namespace vantro::lab {
 
 namespace {
 
-constexpr std::uint8_t writeFlag = 0x80;
-constexpr std::uint8_t answerFlag = 0x40;
-constexpr std::uint8_t touchFlag = 0x20;
-constexpr std::uint8_t sequenceMask = 0x1f;
-constexpr std::uint8_t resetRequest = 0x8f;
-
-constexpr std::uint8_t serialCommand = 0x10;
-constexpr std::uint8_t slotOneCommand = 0x30;
-constexpr std::uint8_t slotTwoCommand = 0x38;
-
-constexpr std::size_t payloadSize = 64;
-constexpr std::size_t commandOffset = payloadSize;
+constexpr std::size_t commandOffset = otp::payloadSize;
 constexpr std::size_t checksumOffset = commandOffset + 1;
 
 /// A token blinks for this long before it gives up.
 constexpr std::chrono::seconds touchPatience{15};
 
 } // namespace
-
-std::uint16_t otpChecksum(std::span<const std::uint8_t> bytes)
-{
-    unsigned int checksum = 0xffff;
-    for (const std::uint8_t byte : bytes) {
-        checksum ^= byte;
-        for (int bit = 0; bit < 8; ++bit) {
-            const bool carry = (checksum & 1U) != 0;
-            checksum >>= 1U;
-            if (carry) {
-                checksum ^= 0x8408U;
-            }
-        }
-    }
-    return static_cast<std::uint16_t>(checksum);
-}
 
 void OtpApplication::reset()
 {
@@ -55,39 +28,40 @@ void OtpApplication::reset()
 void OtpApplication::write(const Report& report, Clock::time_point now)
 {
     const std::uint8_t flags = report.back();
-    if (flags == resetRequest) {
+    if (flags == otp::flag::reset) {
         reset();
         return;
     }
-    const std::size_t sequence = flags & sequenceMask;
-    if ((flags & writeFlag) == 0 || sequence >= chunkCount) {
+    const std::size_t sequence = flags & otp::flag::sequence;
+    if ((flags & otp::flag::write) == 0 || sequence >= otp::chunkCount) {
         return;
     }
     if (sequence == 0) {
         reset();
         frame_.fill(0);
     }
-    std::copy_n(report.begin(), chunkSize, frame_.begin() + static_cast<std::ptrdiff_t>(sequence * chunkSize));
-    if (sequence == chunkCount - 1) {
+    std::copy_n(report.begin(), otp::chunkSize,
+                frame_.begin() + static_cast<std::ptrdiff_t>(sequence * otp::chunkSize));
+    if (sequence == otp::chunkCount - 1) {
         execute(now);
     }
 }
 
 void OtpApplication::execute(Clock::time_point now)
 {
-    const std::span<const std::uint8_t> payload(frame_.data(), payloadSize);
-    const unsigned int checksum = frame_[checksumOffset] | static_cast<unsigned int>(frame_[checksumOffset + 1]) << 8U;
-    if (checksum != otpChecksum(payload)) {
+    const std::span<const std::uint8_t> payload(frame_.data(), otp::payloadSize);
+    const unsigned int sum = frame_[checksumOffset] | static_cast<unsigned int>(frame_[checksumOffset + 1]) << 8U;
+    if (sum != otp::checksum(payload)) {
         return;
     }
     const std::uint8_t command = frame_[commandOffset];
-    if (command == serialCommand) {
+    if (command == otp::command::serial) {
         const std::uint32_t serial = profile_.serial;
         answer({static_cast<std::uint8_t>(serial >> 24U), static_cast<std::uint8_t>(serial >> 16U),
                 static_cast<std::uint8_t>(serial >> 8U), static_cast<std::uint8_t>(serial)},
                false, now);
-    } else if (command == slotOneCommand || command == slotTwoCommand) {
-        const SlotProfile& slot = profile_.slots.at(command == slotOneCommand ? 0 : 1);
+    } else if (command == otp::command::slotOne || command == otp::command::slotTwo) {
+        const SlotProfile& slot = profile_.slots.at(command == otp::command::slotOne ? 0 : 1);
         if (slot.key) {
             answer(respond(slot, payload), slot.needsTouch, now);
         }
@@ -96,9 +70,9 @@ void OtpApplication::execute(Clock::time_point now)
 
 void OtpApplication::answer(std::vector<std::uint8_t> payload, bool needsTouch, Clock::time_point now)
 {
-    const auto checksum = static_cast<std::uint16_t>(~otpChecksum(payload));
-    payload.push_back(static_cast<std::uint8_t>(checksum & 0xffU));
-    payload.push_back(static_cast<std::uint8_t>(checksum >> 8U));
+    const auto sum = static_cast<std::uint16_t>(~otp::checksum(payload));
+    payload.push_back(static_cast<std::uint8_t>(sum & 0xffU));
+    payload.push_back(static_cast<std::uint8_t>(sum >> 8U));
     answer_ = std::move(payload);
     nextReport_ = 0;
     readyAt_ = now + profile_.replyDelay;
@@ -149,19 +123,20 @@ OtpApplication::Report OtpApplication::read(Clock::time_point now)
     if (touchLimit_) {
         const auto left = std::chrono::ceil<std::chrono::seconds>(*touchLimit_ - now).count();
         Report report = status();
-        report.back() = static_cast<std::uint8_t>(touchFlag | (static_cast<unsigned int>(left) & sequenceMask));
+        report.back() =
+            static_cast<std::uint8_t>(otp::flag::touch | (static_cast<unsigned int>(left) & otp::flag::sequence));
         return report;
     }
     if (answer_.empty() || now < readyAt_) {
         return status();
     }
     Report report{};
-    report.back() = static_cast<std::uint8_t>(answerFlag | nextReport_);
-    const std::size_t offset = nextReport_ * chunkSize;
-    std::copy_n(answer_.begin() + static_cast<std::ptrdiff_t>(offset), std::min(chunkSize, answer_.size() - offset),
-                report.begin());
+    report.back() = static_cast<std::uint8_t>(otp::flag::answer | nextReport_);
+    const std::size_t offset = nextReport_ * otp::chunkSize;
+    std::copy_n(answer_.begin() + static_cast<std::ptrdiff_t>(offset),
+                std::min(otp::chunkSize, answer_.size() - offset), report.begin());
     // After its last part the answer begins again; sequence 0 is how the host knows the end.
-    nextReport_ = offset + chunkSize < answer_.size() ? nextReport_ + 1 : 0;
+    nextReport_ = offset + otp::chunkSize < answer_.size() ? nextReport_ + 1 : 0;
     return report;
 }
 

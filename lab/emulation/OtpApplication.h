@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+#include "usb/OtpFrame.h"
+
 namespace vantro::lab {
 
 /// The secret of a slot for HMAC-SHA1 challenge-response.
@@ -32,16 +34,12 @@ struct OtpProfile
     std::chrono::milliseconds replyDelay{0};
 };
 
-/// CRC16 of the OTP application: reflected polynomial 0x8408, initial value 0xffff.
-[[nodiscard]] std::uint16_t otpChecksum(std::span<const std::uint8_t> bytes);
-
 /// The OTP application of a token as it is seen through 8-byte feature reports: takes command frames, chunk by chunk,
 /// and hands out the answer, report by report. Knows nothing of devices; one thread at a time.
 class OtpApplication
 {
   public:
-    static constexpr std::size_t reportSize = 8;
-    using Report = std::array<std::uint8_t, reportSize>;
+    using Report = otp::Report;
     using Clock = std::chrono::steady_clock;
 
     explicit OtpApplication(const OtpProfile& profile) : profile_(profile) {}
@@ -58,9 +56,6 @@ class OtpApplication
     [[nodiscard]] bool isWaitingForTouch(Clock::time_point now) const;
 
   private:
-    static constexpr std::size_t chunkSize = 7;
-    static constexpr std::size_t chunkCount = 10;
-
     void reset();
     void execute(Clock::time_point now);
     void answer(std::vector<std::uint8_t> payload, bool needsTouch, Clock::time_point now);
@@ -69,7 +64,7 @@ class OtpApplication
     [[nodiscard]] Report status() const;
 
     OtpProfile profile_;
-    std::array<std::uint8_t, chunkSize * chunkCount> frame_{};
+    std::array<std::uint8_t, otp::frameSize> frame_{};
     /// The answer with its checksum; empty when there is none.
     std::vector<std::uint8_t> answer_;
     std::size_t nextReport_ = 0;

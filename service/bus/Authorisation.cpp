@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <grp.h>
 #include <unistd.h>
 #include <utility>
 
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "foundation/Identity.h"
 
 namespace vantro::service {
 namespace {
@@ -23,21 +23,11 @@ constexpr std::array<std::pair<std::string_view, Requirement>, 7> requirements =
     {service_method::lastFailure, Requirement::Administrator},
 }};
 
-std::optional<gid_t> administratorsGroupId()
-{
-    std::vector<char> buffer(65536);
-    struct group entry = {};
-    struct group* found = nullptr;
-    if (::getgrnam_r(administratorsGroup, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
-        return std::nullopt;
-    return found->gr_gid;
-}
-
 bool isAdministrator(const Caller& caller)
 {
     if (caller.userId == 0 || caller.userId == ::geteuid())
         return true;
-    const auto administrators = administratorsGroupId();
+    const auto administrators = groupId(administratorsGroup);
     return administrators &&
            std::find(caller.groupIds.begin(), caller.groupIds.end(), *administrators) != caller.groupIds.end();
 }

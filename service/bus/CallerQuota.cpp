@@ -2,7 +2,7 @@
 
 namespace vantro::service {
 
-CallerQuota::Place CallerQuota::take(const std::string& caller)
+CallerQuota::Place CallerQuota::placeFor(const std::string& caller)
 {
     const std::lock_guard lock(mutex_);
     const auto count = counts_.try_emplace(caller).first;

@@ -18,7 +18,7 @@ class CallerQuota : public std::enable_shared_from_this<CallerQuota>
     explicit CallerQuota(std::size_t limit) : limit_(limit) {}
 
     /// Null when the caller has as many under way as it may.
-    [[nodiscard]] Place take(const std::string& caller);
+    [[nodiscard]] Place placeFor(const std::string& caller);
 
   private:
     const std::size_t limit_;

@@ -117,14 +117,14 @@ void StandaloneObject::registerTokenMethods()
         .onInterface(label)
         .withOutputParamNames(serialName)
         .implementedAs([this](sdbus::Result<Serial>&& result) {
-            take<Serial>(service_method::getSerial, std::move(result), usualLimit, 0,
-                         [this](const Limit& limit, const auto& answer) {
-                             const auto serial = challengeResponse_.serial(limit);
-                             if (serial)
-                                 answer(*serial, std::nullopt);
-                             else
-                                 answer(0, serial.failure());
-                         });
+            accept<Serial>(service_method::getSerial, std::move(result), usualLimit, 0,
+                           [this](const Limit& limit, const auto& answer) {
+                               const auto serial = challengeResponse_.serial(limit);
+                               if (serial)
+                                   answer(*serial, std::nullopt);
+                               else
+                                   answer(0, serial.failure());
+                           });
         });
     registerSerialMethod(service_method::createCRSettingFile, usualLimit, &ChallengeResponse::create);
     registerSerialMethod(service_method::removeCRSettingFile, usualLimit, &ChallengeResponse::remove);
@@ -140,12 +140,13 @@ void StandaloneObject::registerSerialMethod(const char* name, Limit::Clock::dura
         .withInputParamNames(serialName)
         .withOutputParamNames(successName)
         .implementedAs([this, name, duration, method](sdbus::Result<bool>&& result, std::uint64_t serial) {
-            take<bool>(name, std::move(result), duration, false,
-                       [this, method, serial](const Limit& limit, const auto& answer) {
-                           (challengeResponse_.*method)(
-                               serial, limit,
-                               [&answer](const std::optional<RequestFailure>& failure) { answer(!failure, failure); });
-                       });
+            accept<bool>(name, std::move(result), duration, false,
+                         [this, method, serial](const Limit& limit, const auto& answer) {
+                             (challengeResponse_.*method)(serial, limit,
+                                                          [&answer](const std::optional<RequestFailure>& failure) {
+                                                              answer(!failure, failure);
+                                                          });
+                         });
         });
 }
 
@@ -156,11 +157,11 @@ void StandaloneObject::registerPamMethods()
         object_->registerMethod(
             label, name, "ay", {settingName}, "b", {successName}, [this, name, change](sdbus::MethodCall call) {
                 auto setting = bytesOf(call);
-                take<bool>(name, sdbus::Result<bool>(std::move(call)), usualLimit, false,
-                           [this, change, setting = std::move(setting)](const Limit&, const auto& answer) {
-                               const auto failure = (pamStore_.*change)(setting);
-                               answer(!failure, failure);
-                           });
+                accept<bool>(name, sdbus::Result<bool>(std::move(call)), usualLimit, false,
+                             [this, change, setting = std::move(setting)](const Limit&, const auto& answer) {
+                                 const auto failure = (pamStore_.*change)(setting);
+                                 answer(!failure, failure);
+                             });
             });
     };
     add(service_method::savePamSetting, &PamStore::save);
@@ -174,15 +175,15 @@ void StandaloneObject::registerDiagnosis()
         .withOutputParamNames(reasonName)
         .implementedAs([this](sdbus::Result<std::string>&& result) {
             const std::string sender = object_->getCurrentlyProcessedMessage()->getSender();
-            take<std::string>(
+            accept<std::string>(
                 service_method::lastFailure, std::move(result), usualLimit, {},
                 [this, sender](const Limit&, const auto& answer) { answer(lastFailures_.of(sender), std::nullopt); });
         });
 }
 
 template <class Value>
-void StandaloneObject::take(std::string_view method, sdbus::Result<Value>&& result, Limit::Clock::duration duration,
-                            Value failed, Work<Value> work)
+void StandaloneObject::accept(std::string_view method, sdbus::Result<Value>&& result, Limit::Clock::duration duration,
+                              Value failed, Work<Value> work)
 {
     const auto answer = std::make_shared<Answer<Value>>(std::move(result), logger_);
     const std::string sender = object_->getCurrentlyProcessedMessage()->getSender();
@@ -192,7 +193,7 @@ void StandaloneObject::take(std::string_view method, sdbus::Result<Value>&& resu
             lastFailures_.note(sender, reason);
     };
     const auto refuseAsTooMany = [this, method, answer] {
-        logger_.error(std::string(method) + " was refused: too many requests are under way.", "take(_:)");
+        logger_.error(std::string(method) + " was refused: too many requests are under way.", "accept(_:)");
         answer->refuse(limitsExceeded, "Too many requests are under way.");
     };
     auto place = placeFor(sender);
@@ -214,13 +215,13 @@ void StandaloneObject::take(std::string_view method, sdbus::Result<Value>&& resu
                 answer->give(value, [&] { note(failure ? failure->reason : failure_reason::none); });
             });
         } catch (const std::exception& error) {
-            logger_.error(std::string(method) + " failed: " + error.what(), "take(_:)");
+            logger_.error(std::string(method) + " failed: " + error.what(), "accept(_:)");
             answer->refuse(failedError, "The request failed.");
         }
     };
     auto expired = [this, method, answer, note, failed] {
         if (answer->give(failed, [&note] { note(failure_reason::noTime); }))
-            logger_.error(std::string(method) + " is still under way and was given up.", "take(_:)");
+            logger_.error(std::string(method) + " is still under way and was given up.", "accept(_:)");
     };
     if (!isRoom || !runner_.run(duration, std::move(request), std::move(expired)))
         refuseAsTooMany();
@@ -229,7 +230,7 @@ void StandaloneObject::take(std::string_view method, sdbus::Result<Value>&& resu
 CallerQuota::Place StandaloneObject::placeFor(const std::string& sender) const
 {
     const auto known = credentials_.knownCaller(sender);
-    return quota_->take(known ? std::to_string(known->userId) : std::string());
+    return quota_->placeFor(known ? std::to_string(known->userId) : std::string());
 }
 
 bool StandaloneObject::isAllowed(std::string_view method, const std::string& sender)

@@ -2,7 +2,7 @@
 
 namespace vantro::service {
 
-std::string_view describe(PamFailure failure)
+std::string_view textOf(PamFailure failure)
 {
     switch (failure) {
     case PamFailure::CarriageReturn:

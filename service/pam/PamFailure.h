@@ -20,6 +20,6 @@ enum class PamFailure
 };
 
 /// For the log: what is wrong and what to do.
-[[nodiscard]] std::string_view describe(PamFailure failure);
+[[nodiscard]] std::string_view textOf(PamFailure failure);
 
 } // namespace vantro::service

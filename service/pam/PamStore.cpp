@@ -49,7 +49,7 @@ RequestFailure pamFailureOf(const std::filesystem::path& path, PamFailure failur
         reason = failure_reason::jump;
     else if (failure == PamFailure::IncluderUnreadable)
         reason = failure_reason::includerUnreadable;
-    return {reason, path.string() + ": " + std::string(describe(failure))};
+    return {reason, path.string() + ": " + std::string(textOf(failure))};
 }
 
 /// Says why the service does not do what is asked: it is nothing that the tool asks for.
@@ -88,15 +88,15 @@ void PamStore::removeUnfinished()
 
 std::optional<RequestFailure> PamStore::save(const ArchiveData& setting)
 {
-    return take(setting, "save(_:)", Request::Save);
+    return carryOut(setting, "save(_:)", Request::Save);
 }
 
 std::optional<RequestFailure> PamStore::remove(const ArchiveData& setting)
 {
-    return take(setting, "remove(_:)", Request::Remove);
+    return carryOut(setting, "remove(_:)", Request::Remove);
 }
 
-std::optional<RequestFailure> PamStore::take(const ArchiveData& archive, std::string_view function, Request request)
+std::optional<RequestFailure> PamStore::carryOut(const ArchiveData& archive, std::string_view function, Request request)
 {
     const auto setting = PamSetting::unarchived(archive);
     if (!setting) {

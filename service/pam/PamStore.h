@@ -66,8 +66,8 @@ class PamStore
         std::string text;
     };
 
-    [[nodiscard]] std::optional<RequestFailure> take(const ArchiveData& archive, std::string_view function,
-                                                     Request request);
+    [[nodiscard]] std::optional<RequestFailure> carryOut(const ArchiveData& archive, std::string_view function,
+                                                         Request request);
     [[nodiscard]] std::optional<RequestFailure> apply(const PamSetting& setting, Request request);
     [[nodiscard]] Outcome<Change, RequestFailure> prepare(const PamSetting& setting, Request request) const;
     [[nodiscard]] std::optional<RequestFailure> demandFailure(const PamSetting& setting) const;

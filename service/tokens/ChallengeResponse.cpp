@@ -15,7 +15,7 @@ std::string forSerial(std::uint64_t serial)
 
 RequestFailure failureOf(TokenFailure failure)
 {
-    return {reasonOf(failure), std::string(describe(failure))};
+    return {reasonOf(failure), std::string(textOf(failure))};
 }
 
 /// Sets a flag while it lives, unless somebody else has set it.
@@ -51,7 +51,7 @@ Outcome<std::uint64_t, RequestFailure> ChallengeResponse::serial(const Limit& li
     const auto serial = tokens_.newestSerial(limit);
     if (serial)
         return *serial;
-    logger_.warning("No serial can be read: " + std::string(describe(serial.failure())), "serial(_:)");
+    logger_.warning("No serial can be read: " + std::string(textOf(serial.failure())), "serial(_:)");
     return failureOf(serial.failure());
 }
 
@@ -206,7 +206,7 @@ void ChallengeResponse::renew(const ChallengeRecord& record, const TokenLease& t
         return fail("The system has no random numbers.");
     const auto answer = answerChallenge(token.deviceNode(), record.slot, *challenge, limit);
     if (!answer)
-        return fail(describe(answer.failure()));
+        return fail(textOf(answer.failure()));
     const auto renewed = ChallengeRecord::make(record.serial, record.slot, *challenge, answer->response);
     if (!renewed)
         return fail("The hash can't be computed.");

@@ -11,16 +11,13 @@
 #include <vector>
 
 #include "foundation/FileDescriptor.h"
-#include "tokens/OtpFrame.h"
+#include "usb/OtpFrame.h"
 
 namespace vantro::service {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::uint8_t serialCommand = 0x10;
-constexpr std::uint8_t slotOneCommand = 0x30;
-constexpr std::uint8_t slotTwoCommand = 0x38;
 constexpr std::size_t serialSize = 4;
 constexpr std::size_t checksumSize = 2;
 constexpr auto writeLimit = 1s;
@@ -48,7 +45,7 @@ TokenFailure failureOf(int error)
 class Pauses
 {
   public:
-    void take()
+    void pause()
     {
         std::this_thread::sleep_for(next_);
         next_ = std::min<std::chrono::milliseconds>(next_ * 2, longestPause);
@@ -94,10 +91,10 @@ class Connection
             if (!status)
                 return status.failure();
             if (limit.isOver())
-                return TokenFailure::TransferFailed;
+                return TokenFailure::NotReady;
             if ((status->back() & otp::flag::write) == 0)
                 return write(report);
-            pauses.take();
+            pauses.pause();
         }
     }
 
@@ -131,33 +128,40 @@ struct Answer
     bool wantsTouch = false;
 };
 
+/// The first report of an answer, and whether a touch was waited for before.
+struct FirstReport
+{
+    Outcome<otp::Report, TokenFailure> report;
+    bool wantsTouch = false;
+};
+
 /// Waits for the first report of the answer: as long as `patience` allows, and the whole limit while the token waits
 /// for a touch.
-Outcome<otp::Report, TokenFailure> awaitAnswer(const Connection& token, const Patience& patience, const Limit& limit,
-                                               bool& wantsTouch)
+FirstReport awaitAnswer(const Connection& token, const Patience& patience, const Limit& limit)
 {
     Limit silence = patience ? limit.within(*patience) : limit;
+    bool wantsTouch = false;
     Pauses pauses;
     while (true) {
-        auto report = token.read();
+        const auto report = token.read();
         if (!report || (report->back() & otp::flag::answer) != 0)
-            return report;
+            return {report, wantsTouch};
         if ((report->back() & otp::flag::touch) != 0) {
             // Its answer follows the touch a moment later.
             wantsTouch = true;
             silence = limit.within(slotLimit);
         }
         if (silence.isOver() && (limit.isOver() || (report->back() & otp::flag::touch) == 0))
-            return wantsTouch ? TokenFailure::TouchMissing : TokenFailure::NoAnswer;
-        pauses.take();
+            return {wantsTouch ? TokenFailure::TouchMissing : TokenFailure::NoAnswer, wantsTouch};
+        pauses.pause();
     }
 }
 
 Outcome<Answer, TokenFailure> readAnswer(const Connection& token, std::size_t size, const Patience& patience,
                                          const Limit& limit)
 {
-    Answer answer;
-    auto report = awaitAnswer(token, patience, limit, answer.wantsTouch);
+    auto [report, wantsTouch] = awaitAnswer(token, patience, limit);
+    Answer answer{{}, wantsTouch};
     for (unsigned int number = 0; report; ++number) {
         if ((report->back() & otp::flag::answer) == 0)
             return TokenFailure::BadAnswer;
@@ -209,7 +213,7 @@ Outcome<Answer, TokenFailure> exchange(const std::string& deviceNode, std::uint8
 
 Outcome<std::uint32_t, TokenFailure> readSerial(const std::string& deviceNode, const Limit& limit)
 {
-    const auto answer = exchange(deviceNode, serialCommand, {}, serialSize, limit, std::nullopt);
+    const auto answer = exchange(deviceNode, otp::command::serial, {}, serialSize, limit, std::nullopt);
     if (!answer)
         return answer.failure();
     std::uint32_t serial = 0;
@@ -226,7 +230,7 @@ Outcome<SlotAnswer, TokenFailure> answerChallenge(const std::string& deviceNode,
     otp::Payload payload = {};
     std::copy(challenge.begin(), challenge.end(), payload.begin());
     payload.back() = static_cast<std::uint8_t>(~challenge.back());
-    const std::uint8_t command = slot == Slot::One ? slotOneCommand : slotTwoCommand;
+    const std::uint8_t command = slot == Slot::One ? otp::command::slotOne : otp::command::slotTwo;
     const auto answer = exchange(deviceNode, command, payload, result.response.size(), limit, slotLimit);
     if (!answer && answer.failure() == TokenFailure::NoAnswer && !limit.isOver())
         return TokenFailure::SlotNotProgrammed;

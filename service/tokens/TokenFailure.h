@@ -16,6 +16,8 @@ enum class TokenFailure
     Gone,
     NotAllowed,
     TransferFailed,
+    /// It did not take the command.
+    NotReady,
     NoAnswer,
     SlotNotProgrammed,
     TouchMissing,
@@ -23,7 +25,7 @@ enum class TokenFailure
 };
 
 /// For the log: what happened, and what to do where somebody can do something.
-[[nodiscard]] constexpr std::string_view describe(TokenFailure failure)
+[[nodiscard]] constexpr std::string_view textOf(TokenFailure failure)
 {
     switch (failure) {
     case TokenFailure::NoToken:
@@ -40,6 +42,8 @@ enum class TokenFailure
         return "The token's device can't be opened: permission denied.";
     case TokenFailure::TransferFailed:
         return "A report could not be exchanged with the token.";
+    case TokenFailure::NotReady:
+        return "The token did not take the command in time.";
     case TokenFailure::NoAnswer:
         return "The token gave no answer in time.";
     case TokenFailure::SlotNotProgrammed:
@@ -70,6 +74,7 @@ enum class TokenFailure
         return failure_reason::deviceNotAllowed;
     case TokenFailure::TransferFailed:
         return failure_reason::transferFailed;
+    case TokenFailure::NotReady:
     case TokenFailure::NoAnswer:
         return failure_reason::noAnswer;
     case TokenFailure::SlotNotProgrammed:

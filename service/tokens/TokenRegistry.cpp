@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <poll.h>
 #include <set>
-#include <sys/eventfd.h>
 #include <system_error>
 #include <utility>
 
@@ -41,8 +40,7 @@ struct TokenRegistry::Token
     bool isGone = false;
 };
 
-TokenRegistry::TokenRegistry(const Logger& logger)
-    : logger_(logger.inFile("TokenRegistry")), stopEvent_(::eventfd(0, EFD_CLOEXEC))
+TokenRegistry::TokenRegistry(const Logger& logger) : logger_(logger.inFile("TokenRegistry"))
 {
     try {
         watcher_.emplace([this](const HidInterface& interface) { came(interface); },
@@ -59,7 +57,7 @@ TokenRegistry::TokenRegistry(const Logger& logger)
 TokenRegistry::~TokenRegistry()
 {
     thread_.request_stop();
-    ::eventfd_write(stopEvent_.get(), 1);
+    stopEvent_.wake();
 }
 
 std::vector<TokenRegistry::TokenNumber> TokenRegistry::newestFirst()
@@ -114,7 +112,7 @@ bool TokenRegistry::isPromising(TokenNumber number) const
 void TokenRegistry::watch(const std::stop_token& stop)
 {
     while (!stop.stop_requested()) {
-        pollfd waits[] = {{watcher_->fileDescriptor(), POLLIN, 0}, {stopEvent_.get(), POLLIN, 0}};
+        pollfd waits[] = {{watcher_->fileDescriptor(), POLLIN, 0}, {stopEvent_.fileDescriptor(), POLLIN, 0}};
         if (::poll(waits, std::size(waits), -1) < 0 && errno != EINTR) {
             logger_.error("Tokens can't be watched: " + std::generic_category().message(errno), "watch(_:)");
             return;

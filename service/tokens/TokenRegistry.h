@@ -11,8 +11,8 @@
 
 #include "Limit.h"
 #include "LoggerManager/Logger.h"
-#include "foundation/FileDescriptor.h"
 #include "foundation/Outcome.h"
+#include "foundation/WakeEvent.h"
 #include "tokens/TokenFailure.h"
 #include "usb/HidInterfaces.h"
 
@@ -61,7 +61,7 @@ class TokenRegistry
     void release(Token& token);
 
     const Logger logger_;
-    const FileDescriptor stopEvent_;
+    const WakeEvent stopEvent_;
     /// Held while the watcher is used, before the other one; absent on a machine without udev.
     std::mutex watcherMutex_;
     std::optional<HidInterfaceWatcher> watcher_;

@@ -126,8 +126,8 @@ void AppFixture::onMonitorThread(const std::function<void()>& work)
 
 void AppFixture::postConnected(std::size_t reportSize)
 {
-    NotificationCenter::defaultCenter().post(
-        HIDDeviceConnected, HIDDevice{"/sys/devices/token", 0x1050, 0x0407, reportSize, "/dev/hidraw0", "YubiKey"});
+    NotificationCenter::defaultCenter().post(HIDDeviceConnected,
+                                             HIDDevice{"/sys/devices/token", 0x1050, 0x0407, reportSize});
 }
 
 void AppFixture::postDisconnected()

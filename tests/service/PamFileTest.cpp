@@ -32,7 +32,7 @@ TEST_P(PamFileTest, HoldsOneEntryAndKeepsEveryOtherByte)
     const Case& test = GetParam();
     const PamFile file(test.before + test.replaced + test.after);
     const auto withRequired = file.withEntry(required);
-    ASSERT_TRUE(withRequired) << describe(withRequired.failure());
+    ASSERT_TRUE(withRequired) << textOf(withRequired.failure());
     EXPECT_EQ(*withRequired, test.before + requiredLine + test.after);
 
     const PamFile again(*withRequired);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <utility>
 
 #include <sdbus-c++/sdbus-c++.h>
@@ -58,7 +57,7 @@ struct ScriptedService::Pending
     }
 };
 
-ScriptedService::ScriptedService() : wakeEvent_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+ScriptedService::ScriptedService()
 {
     for (const Method& method : tests::methods)
         answers_[method.name] = {{true}};
@@ -106,7 +105,7 @@ void ScriptedService::run()
                 const int wait = static_cast<int>(std::max<std::int64_t>(left, 0));
                 timeout = timeout < 0 ? wait : std::min(timeout, wait);
             }
-            pollfd polled[] = {{wakeEvent_.get(), POLLIN, 0}, {bus.fd, bus.events, 0}};
+            pollfd polled[] = {{wakeEvent_.fileDescriptor(), POLLIN, 0}, {bus.fd, bus.events, 0}};
             ::poll(polled, std::size(polled), timeout);
             const std::lock_guard lock(mutex_);
             if (isStopping_)
@@ -151,7 +150,7 @@ void ScriptedService::sendDue()
 
 void ScriptedService::wake() const
 {
-    ::eventfd_write(wakeEvent_.get(), 1);
+    wakeEvent_.wake();
 }
 
 void ScriptedService::script(const std::string& method, std::deque<Answer> answers)

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "VantroStandaloneSetting/PamSetting.h"
-#include "foundation/FileDescriptor.h"
+#include "foundation/WakeEvent.h"
 
 namespace sdbus {
 class MethodCall;
@@ -85,7 +85,7 @@ class ScriptedService
     bool isStopping_ = false;
     std::condition_variable started_;
 
-    FileDescriptor wakeEvent_;
+    WakeEvent wakeEvent_;
     /// The thread's alone.
     std::vector<Pending> pending_;
     std::thread thread_;

@@ -11,14 +11,10 @@
 #include <utility>
 
 #include "foundation/FileDescriptor.h"
+#include "foundation/LastError.h"
 
 namespace vantro {
 namespace {
-
-std::error_code lastError()
-{
-    return {errno, std::generic_category()};
-}
 
 constexpr std::string_view newFileEnd = ".new";
 constexpr int newFilesTried = 100;

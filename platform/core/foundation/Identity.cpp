@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cerrno>
+#include <grp.h>
 #include <limits>
 #include <pwd.h>
 #include <sstream>
@@ -31,6 +32,32 @@ std::string fullNameOf(const passwd& record)
     return fullName;
 }
 
+/// A record of the directory with the texts that it points to.
+template <class Record>
+class DirectoryRecord
+{
+  public:
+    /// `lookUp` is the reentrant function of the record's kind, which wants a larger buffer where this one is too
+    /// small.
+    template <class LookUp, class Key>
+    DirectoryRecord(LookUp lookUp, Key key)
+    {
+        while (lookUp(key, &record_, buffer_.data(), buffer_.size(), &found_) == ERANGE)
+            buffer_.resize(buffer_.size() * 2);
+    }
+    DirectoryRecord(const DirectoryRecord&) = delete;
+    DirectoryRecord& operator=(const DirectoryRecord&) = delete;
+
+    explicit operator bool() const { return found_ != nullptr; }
+    const Record& operator*() const { return *found_; }
+    const Record* operator->() const { return found_; }
+
+  private:
+    std::vector<char> buffer_ = std::vector<char>(1024);
+    Record record_ = {};
+    Record* found_ = nullptr;
+};
+
 struct PersonNames
 {
     std::string loginName;
@@ -39,14 +66,8 @@ struct PersonNames
 
 std::optional<PersonNames> lookUp(uid_t user)
 {
-    passwd record = {};
-    passwd* found = nullptr;
-    std::vector<char> buffer(1024);
-    while (::getpwuid_r(user, &record, buffer.data(), buffer.size(), &found) == ERANGE)
-        buffer.resize(buffer.size() * 2);
-    if (found == nullptr)
-        return std::nullopt;
-    return PersonNames{record.pw_name, fullNameOf(record)};
+    const DirectoryRecord<passwd> record(::getpwuid_r, user);
+    return record ? std::optional(PersonNames{record->pw_name, fullNameOf(*record)}) : std::nullopt;
 }
 
 } // namespace
@@ -95,6 +116,12 @@ std::optional<std::string> loginName(uid_t user)
 {
     const auto names = lookUp(user);
     return names ? std::optional(names->loginName) : std::nullopt;
+}
+
+std::optional<gid_t> groupId(const std::string& name)
+{
+    const DirectoryRecord<group> record(::getgrnam_r, name.c_str());
+    return record ? std::optional(record->gr_gid) : std::nullopt;
 }
 
 std::string NSUserName()

@@ -40,6 +40,9 @@ struct UserIdRange
 /// Login name of a user id; nothing where the directory does not know it. Any thread.
 [[nodiscard]] std::optional<std::string> loginName(uid_t user);
 
+/// Id of a group; nothing where the directory does not know its name. Any thread.
+[[nodiscard]] std::optional<gid_t> groupId(const std::string& name);
+
 /// Login name of the process's user; the decimal user id where the directory does not know it.
 [[nodiscard]] std::string NSUserName();
 

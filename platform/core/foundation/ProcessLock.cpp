@@ -10,6 +10,8 @@
 // Debian 12's header declares its functions for C alone.
 extern "C" {
 #include <sys/pidfd.h>
+
+#include "foundation/LastError.h"
 }
 
 namespace vantro {
@@ -18,11 +20,6 @@ namespace {
 constexpr mode_t lockFileMode = 0666;
 /// A lock that is refused and held by nobody again and again is none to be relied on.
 constexpr int attemptsMade = 100;
-
-std::error_code lastError()
-{
-    return {errno, std::generic_category()};
-}
 
 struct flock wholeFile()
 {

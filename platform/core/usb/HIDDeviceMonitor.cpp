@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <utility>
 
+#include "foundation/LastError.h"
 #include "usb/HidInterfaces.h"
 
 namespace vantro {
@@ -13,22 +13,14 @@ namespace {
 
 HIDDevice deviceOf(const HidInterface& interface)
 {
-    return {interface.sysPath,    interface.vendorId, interface.productId, interface.maximumInputReportSize,
-            interface.deviceNode, interface.name};
-}
-
-std::error_code lastError()
-{
-    return {errno, std::generic_category()};
+    return {interface.sysPath, interface.vendorId, interface.productId, interface.maximumInputReportSize};
 }
 
 } // namespace
 
-HIDDeviceMonitor::HIDDeviceMonitor(std::vector<HIDMonitorData> filter, std::size_t reportSize)
-    : filter_(std::move(filter)), reportSize_(reportSize), stopEvent_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+HIDDeviceMonitor::HIDDeviceMonitor(std::vector<HIDMonitorData> filter, std::size_t /*reportSize*/)
+    : filter_(std::move(filter))
 {
-    if (!stopEvent_)
-        throw std::system_error(lastError(), "eventfd");
 }
 
 std::error_code HIDDeviceMonitor::start()
@@ -36,15 +28,15 @@ std::error_code HIDDeviceMonitor::start()
     try {
         const auto poster = [this](const NotificationName& name) {
             return [this, name](const HidInterface& interface) {
-                if (isMatching(interface.vendorId, interface.productId) && !isStopped())
+                if (isMatching(interface.vendorId, interface.productId) && !stop_.isAwake())
                     NotificationCenter::defaultCenter().post(name, deviceOf(interface));
             };
         };
         HidInterfaceWatcher watcher(poster(HIDDeviceConnected), poster(HIDDeviceDisconnected));
         watcher.enumerate();
-        while (!isStopped()) {
+        while (!stop_.isAwake()) {
             watcher.processEvents();
-            pollfd waits[] = {{watcher.fileDescriptor(), POLLIN, 0}, {stopEvent_.get(), POLLIN, 0}};
+            pollfd waits[] = {{watcher.fileDescriptor(), POLLIN, 0}, {stop_.fileDescriptor(), POLLIN, 0}};
             if (::poll(waits, std::size(waits), -1) < 0 && errno != EINTR)
                 return lastError();
             if ((waits[0].revents & (POLLHUP | POLLNVAL)) != 0)
@@ -58,13 +50,7 @@ std::error_code HIDDeviceMonitor::start()
 
 void HIDDeviceMonitor::stop()
 {
-    ::eventfd_write(stopEvent_.get(), 1);
-}
-
-bool HIDDeviceMonitor::isStopped() const
-{
-    pollfd wait = {stopEvent_.get(), POLLIN, 0};
-    return ::poll(&wait, 1, 0) > 0;
+    stop_.wake();
 }
 
 bool HIDDeviceMonitor::isMatching(std::uint16_t vendorId, std::uint16_t productId) const

@@ -6,8 +6,8 @@
 #include <system_error>
 #include <vector>
 
-#include "foundation/FileDescriptor.h"
 #include "foundation/NotificationCenter.h"
+#include "foundation/WakeEvent.h"
 
 namespace vantro {
 
@@ -27,9 +27,6 @@ struct HIDDevice
     std::uint16_t productId = 0;
     /// The largest input report in bytes.
     std::size_t reportSize = 0;
-    /// The device node.
-    std::string device;
-    std::string name;
 };
 
 /// Posted by a monitor for each matching interface that came; the object is an HIDDevice.
@@ -53,15 +50,11 @@ class HIDDeviceMonitor
     /// Ends the loop after the post that is under way. Any thread; start() afterwards returns at once.
     void stop();
 
-    [[nodiscard]] std::size_t reportSize() const { return reportSize_; }
-
   private:
-    [[nodiscard]] bool isStopped() const;
     [[nodiscard]] bool isMatching(std::uint16_t vendorId, std::uint16_t productId) const;
 
     std::vector<HIDMonitorData> filter_;
-    std::size_t reportSize_;
-    FileDescriptor stopEvent_;
+    WakeEvent stop_;
 };
 
 } // namespace vantro

@@ -95,7 +95,7 @@ bool readDescriptor(const std::string& hidPath, HidInterface& interface)
 }
 
 /// Nothing for a device that is no USB HID interface or is gone already.
-std::optional<HidInterface> describe(udev_device* device)
+std::optional<HidInterface> interfaceOf(udev_device* device)
 {
     udev_device* const hid = udev_device_get_parent_with_subsystem_devtype(device, "hid", nullptr);
     if (hid == nullptr || udev_device_get_devnode(device) == nullptr)
@@ -268,7 +268,7 @@ class HidInterfaceWatcher::Udev
                 continue;
             const DevicePointer device(udev_device_new_from_syspath(udev_.get(), path));
             if (device)
-                interface = describe(device.get());
+                interface = interfaceOf(device.get());
         }
         return present;
     }
@@ -278,7 +278,7 @@ class HidInterfaceWatcher::Udev
         const auto action = textOrEmpty(udev_device_get_action(device));
         const auto known = known_.find(textOrEmpty(udev_device_get_syspath(device)));
         if (action == "add" && known == known_.end()) {
-            if (auto interface = describe(device))
+            if (auto interface = interfaceOf(device))
                 takeDescribed(std::move(*interface));
             else if (auto gone = describeGone(device))
                 takeGone(std::move(*gone));

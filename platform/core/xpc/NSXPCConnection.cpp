@@ -5,14 +5,13 @@
 #include <deque>
 #include <mutex>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
 
 #include <sdbus-c++/sdbus-c++.h>
 
-#include "foundation/FileDescriptor.h"
+#include "foundation/WakeEvent.h"
 
 namespace vantro {
 namespace {
@@ -98,8 +97,7 @@ class NSXPCConnection::Worker
 {
   public:
     Worker(std::string serviceName, std::string objectPath)
-        : serviceName_(std::move(serviceName)), objectPath_(std::move(objectPath)),
-          wakeEvent_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+        : serviceName_(std::move(serviceName)), objectPath_(std::move(objectPath))
     {
     }
 
@@ -109,7 +107,7 @@ class NSXPCConnection::Worker
             const std::lock_guard lock(mutex_);
             isStopping_ = true;
         }
-        wake();
+        wakeEvent_.wake();
         if (thread_.joinable())
             thread_.join();
     }
@@ -134,20 +132,13 @@ class NSXPCConnection::Worker
             const std::lock_guard lock(mutex_);
             messages_.push_back(std::move(message));
         }
-        wake();
+        wakeEvent_.wake();
     }
 
     Handler onInvalidation;
     Handler onInterruption;
 
   private:
-    void wake() const
-    {
-        const std::uint64_t one = 1;
-        // A full counter is awake already.
-        [[maybe_unused]] const ssize_t written = ::write(wakeEvent_.get(), &one, sizeof one);
-    }
-
     void run()
     {
         static_cast<void>(open());
@@ -213,7 +204,7 @@ class NSXPCConnection::Worker
 
     bool waitForWork()
     {
-        pollfd polled[2] = {{wakeEvent_.get(), POLLIN, 0}, {-1, 0, 0}};
+        pollfd polled[2] = {{wakeEvent_.fileDescriptor(), POLLIN, 0}, {-1, 0, 0}};
         int timeout = -1;
         if (connection_) {
             const auto data = connection_->getEventLoopPollData();
@@ -221,8 +212,7 @@ class NSXPCConnection::Worker
             timeout = data.getPollTimeout();
         }
         ::poll(polled, 2, timeout);
-        std::uint64_t count = 0;
-        [[maybe_unused]] const ssize_t read = ::read(wakeEvent_.get(), &count, sizeof count);
+        wakeEvent_.clear();
         const std::lock_guard lock(mutex_);
         return !isStopping_;
     }
@@ -287,7 +277,7 @@ class NSXPCConnection::Worker
 
     const std::string serviceName_;
     const std::string objectPath_;
-    FileDescriptor wakeEvent_;
+    WakeEvent wakeEvent_;
     std::thread thread_;
 
     std::mutex mutex_;

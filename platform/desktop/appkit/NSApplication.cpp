@@ -3,10 +3,8 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <sys/eventfd.h>
 #include <unistd.h>
 #include <utility>
 
@@ -16,41 +14,36 @@
 
 #include "appkit/StringTable.h"
 #include "foundation/DispatchQueue.h"
+#include "foundation/WakeEvent.h"
 
 namespace vantro {
 
 namespace {
 
-/// An event descriptor whose `handler` runs on the main thread after it was written to.
-int makeWakeEvent(std::function<void()> handler)
+/// Has `handler` run on the main thread after each wake() of the event, which is never destroyed.
+const WakeEvent& makeWakeEvent(std::function<void()> handler)
 {
-    const int wakeEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    auto* const notifier = new QSocketNotifier(wakeEvent, QSocketNotifier::Read, QCoreApplication::instance());
-    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [wakeEvent, handler = std::move(handler)] {
-        std::uint64_t count = 0;
-        [[maybe_unused]] const ssize_t read = ::read(wakeEvent, &count, sizeof count);
+    const auto* const event = new WakeEvent;
+    auto* const notifier =
+        new QSocketNotifier(event->fileDescriptor(), QSocketNotifier::Read, QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [event, handler = std::move(handler)] {
+        event->clear();
         handler();
     });
-    return wakeEvent;
+    return *event;
 }
 
-void wake(int wakeEvent)
-{
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = ::write(wakeEvent, &one, sizeof one);
-}
-
-/// What the signal handler, which may do next to nothing, writes to.
-std::atomic<int> activationEvent = -1;
-static_assert(std::atomic<int>::is_always_lock_free);
+/// What the signal handler, which may do next to nothing, wakes.
+std::atomic<const WakeEvent*> activationEvent = nullptr;
+static_assert(std::atomic<const WakeEvent*>::is_always_lock_free);
 
 void comeToFrontOnActivationSignal()
 {
-    activationEvent = makeWakeEvent(&NSApplication::activateIgnoringOtherApps);
+    activationEvent = &makeWakeEvent(&NSApplication::activateIgnoringOtherApps);
     struct sigaction action = {};
     action.sa_handler = [](int) {
         const int before = errno;
-        wake(activationEvent);
+        activationEvent.load()->wake();
         errno = before;
     };
     action.sa_flags = SA_RESTART;
@@ -114,8 +107,8 @@ void NSApplication::attachMainQueue()
 {
     // Woken through a file descriptor, since the toolkit's own way to reach its thread hands objects over that a
     // thread checker can't follow.
-    const int wakeEvent = makeWakeEvent([] { DispatchQueue::main().runPending(); });
-    DispatchQueue::main().attach([wakeEvent] { wake(wakeEvent); });
+    const WakeEvent& wakeEvent = makeWakeEvent([] { DispatchQueue::main().runPending(); });
+    DispatchQueue::main().attach([&wakeEvent] { wakeEvent.wake(); });
     // What was handed over before there was a queue to wake.
     DispatchQueue::main().async([] {});
 }

@@ -6,13 +6,23 @@
 #include <span>
 #include <vector>
 
-namespace vantro::service {
-
-/// The frames of a token's OTP application: how a command is cut into feature reports.
-namespace otp {
+/// The frames of a token's OTP application: how a command is cut into feature reports, and what an answer ends in. The
+/// same for whoever asks a token and for whoever emulates one.
+namespace vantro::otp {
 
 inline constexpr std::size_t payloadSize = 64;
 inline constexpr std::size_t chunkSize = 7;
+/// Payload, command, checksum and three bytes of zeros.
+inline constexpr std::size_t frameSize = 70;
+inline constexpr std::size_t chunkCount = frameSize / chunkSize;
+
+/// What a frame asks for.
+namespace command {
+inline constexpr std::uint8_t serial = 0x10;
+/// The slot's HMAC-SHA1 of the payload.
+inline constexpr std::uint8_t slotOne = 0x30;
+inline constexpr std::uint8_t slotTwo = 0x38;
+} // namespace command
 
 /// What stands in the last byte of a feature report.
 namespace flag {
@@ -40,5 +50,4 @@ using Payload = std::array<std::uint8_t, payloadSize>;
 /// The reports that carry one command, in the order of writing; those of zeros in the middle are left out.
 [[nodiscard]] std::vector<Report> reportsOf(std::uint8_t command, const Payload& payload);
 
-} // namespace otp
-} // namespace vantro::service
+} // namespace vantro::otp

@@ -1,14 +1,12 @@
-#include "tokens/OtpFrame.h"
+#include "usb/OtpFrame.h"
 
 #include <algorithm>
 
-namespace vantro::service::otp {
+namespace vantro::otp {
 namespace {
 
 constexpr std::uint16_t polynomial = 0x8408;
 constexpr std::uint16_t residual = 0xf0b8;
-constexpr std::size_t frameSize = 70;
-constexpr std::size_t chunkCount = frameSize / chunkSize;
 
 } // namespace
 
@@ -51,4 +49,4 @@ std::vector<Report> reportsOf(std::uint8_t command, const Payload& payload)
     return reports;
 }
 
-} // namespace vantro::service::otp
+} // namespace vantro::otp
