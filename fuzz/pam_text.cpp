@@ -1,0 +1,29 @@
+#include "Fuzzer.h"
+
+#include <string>
+
+#include "pam/PamFile.h"
+#include "pam/PamStack.h"
+
+/// An entry that was put into a text is there once, first, out of the reach of jumps, and can be taken out again.
+void vantro::fuzz::look(std::string_view bytes)
+{
+    using namespace service;
+    const PamSetting setting{"authorization", ModuleInterface::Auth, ControlFlag::Required, "pam_vantro_standalone.so"};
+    const PamFile file{std::string(bytes)};
+    for (const auto& entry : file.entries())
+        expect(entry.begin < entry.end && entry.end <= bytes.size());
+    const auto with = file.withEntry(setting);
+    if (!with)
+        return;
+    const PamFile changed(*with);
+    const auto again = changed.withEntry(setting);
+    expect(changed.hasEntryOf(setting) && again && *again == *with);
+    const PamStack stack(changed, "/", [](const auto&) { return nullptr; });
+    expect(
+        !stack.isJumpedOver([&](const auto& step) { return step.entry && PamFile::isEntryOf(setting, *step.entry); }));
+    const auto without = changed.withoutEntry(setting);
+    expect(without && !PamFile(*without).hasEntryOf(setting));
+    if (!file.hasEntryOf(setting))
+        expect(*without == bytes || *without == std::string(bytes) + '\n');
+}
