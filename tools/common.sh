@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What run, test and their kin share. To be sourced from the project's top folder.
 
 say() { printf '\n== %s\n' "$*"; }
@@ -7,23 +8,21 @@ fail() {
     exit 1
 }
 
-# install_packages [LIST...]: installs what the lists (packages.txt) name and the machine lacks; says what that is.
+# install_packages LIST...: installs what the lists (packages.txt) name and the machine lacks; says what that is.
 install_packages() {
-    local wanted missing as_root=()
-    wanted=$(cat "${@:-packages.txt}" | sed 's/#.*//')
-    missing=$(for package in $wanted; do
-        dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || echo "$package"
-    done)
-    [ -n "$missing" ] || return 0
+    local package missing=() as_root=()
+    while read -r package; do
+        dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+    done < <(sed 's/#.*//; s/ *$//; /^$/d' "$@")
+    [ ${#missing[@]} -gt 0 ] || return 0
 
-    say "Installing Debian packages:" $missing
+    say "Installing Debian packages: ${missing[*]}"
     if [ "$(id -u)" -ne 0 ]; then
-        command -v sudo >/dev/null || fail "Installing needs root. As root, run: apt-get install" $missing
+        command -v sudo >/dev/null || fail "Installing needs root. As root, run: apt-get install ${missing[*]}"
         as_root=(sudo)
     fi
     "${as_root[@]}" apt-get update -q
-    # shellcheck disable=SC2086 # one word a package
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends $missing
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
 # Prints the folder for build trees: build/ here, or one in the user's cache where that belongs to somebody else.

@@ -1,6 +1,5 @@
 #include "emulation/HidNode.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fstream>
