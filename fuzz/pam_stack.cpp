@@ -98,7 +98,7 @@ constexpr std::string_view oddBytes("\\\n[]#=- \t\0\r\v", 12);
 class Folders
 {
   public:
-    Folders(fs::path services, fs::path probe, std::uint64_t seed)
+    Folders(fs::path services, const fs::path& probe, std::uint64_t seed)
         : services_(std::move(services)), probe_(probe.string()), random_(seed)
     {
     }
@@ -325,6 +325,7 @@ class Comparer
             }
             // Two steps may have the same argument, and so one answer.
             std::vector<int> actions;
+            actions.reserve(calls.size());
             for (const auto& call : calls)
                 actions.push_back(call.actions[answers.at(call.argument)]);
             if (std::any_of(actions.begin(), actions.end(), isEnd))
