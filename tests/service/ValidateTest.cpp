@@ -1,7 +1,9 @@
 #include <chrono>
+#include <fstream>
 #include <sys/stat.h>
 
 #include "service/ServiceFixture.h"
+#include "support/Privileges.h"
 
 namespace vantro::tests {
 namespace {
@@ -86,6 +88,24 @@ TEST_F(ValidateTest, WaitsForATouchAndThenKeepsTheChallenge)
     EXPECT_EQ(contentOf(recordOf(11)), record);
     token.touch();
     EXPECT_TRUE(next.get());
+}
+
+TEST_F(ValidateTest, AFullDiskKeepsTheOldChallenge)
+{
+    const SmallFileSystem disk(prefix.records());
+    if (!disk.isMounted())
+        GTEST_SKIP() << "mounting a small file system needs root";
+    ASSERT_EQ(::chmod(prefix.records().c_str(), 0700), 0);
+    VirtualToken token(bed, tokenOf(11));
+    token.plugIn();
+    ASSERT_TRUE(client.createCRSettingFile(11));
+    const std::string record = contentOf(recordOf(11));
+    std::ofstream(prefix.records() / "filler") << std::string(SmallFileSystem::size, ' ');
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(client.validate(11)) << round;
+        EXPECT_TRUE(logSays("The record keeps its challenge."));
+        EXPECT_EQ(contentOf(recordOf(11)), record);
+    }
 }
 
 TEST_F(ValidateTest, RemovedRecordIsGoneForGood)
