@@ -3,7 +3,6 @@
 #include <array>
 
 #include "AppDataSet.h"
-#include "Model/KeySorting.h"
 #include "ServiceRequest.h"
 #include "appkit/BusyPointer.h"
 

@@ -10,7 +10,7 @@
 #include "ApplicationVersion.h"
 #include "CommonMessage.h"
 #include "StartMessage.h"
-#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "VantroStandaloneSetting/SettingFile.h"
 #include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
 #include "foundation/Identity.h"
@@ -39,7 +39,7 @@ QString shownPath(const std::filesystem::path& path)
 
 bool isOnlyTool()
 {
-    std::filesystem::path lockFile = VantroStandaloneSetting::url();
+    std::filesystem::path lockFile = SettingFile().url();
     lockFile.replace_extension("lock");
     // Never closed: the kernel would take the lock back.
     static const auto* const lock = new ProcessLock(lockFile);
@@ -64,7 +64,8 @@ bool isOnlyTool()
 
 void quitUnlessInvalidDocumentIsKept()
 {
-    const auto error = VantroStandaloneSetting::keepInvalid();
+    const SettingFile& file = AppDataSet::shared().vantroStandaloneSetting.file();
+    const auto error = file.keepInvalid();
     if (!error)
         return;
     AppDataSet::shared()
@@ -72,16 +73,15 @@ void quitUnlessInvalidDocumentIsKept()
         .error("The invalid settings document can't be kept: " + error.message() + ". The tool closes.",
                "quitUnlessInvalidDocumentIsKept()");
     sayGoodbye(StartMessage::documentNotKeptHeading(),
-               StartMessage::documentNotKept().arg(shownPath(VantroStandaloneSetting::url()),
-                                                   QString::fromStdString(error.message())));
+               StartMessage::documentNotKept().arg(shownPath(file.url()), QString::fromStdString(error.message())));
     NSApplication::terminate();
 }
 
 void quitUnlessDocumentCanBeRead()
 {
-    const auto& document = VantroStandaloneSetting::url();
-    const auto& aside = VantroStandaloneSetting::keptAside();
-    const auto error = VantroStandaloneSetting::readability();
+    const SettingFile& file = AppDataSet::shared().vantroStandaloneSetting.file();
+    const auto& aside = file.keptAside();
+    const auto error = file.readability();
     if (!error && aside.empty())
         return;
     AppDataSet::shared()
@@ -90,7 +90,7 @@ void quitUnlessDocumentCanBeRead()
     const QString& text = error ? StartMessage::documentUnreadable() : StartMessage::documentKeptAside();
     // Both at once: a path may hold what looks like a place for the second.
     sayGoodbye(StartMessage::documentUnreadableHeading(),
-               text.arg(shownPath(document), error ? QString::fromStdString(error.message()) : shownPath(aside)));
+               text.arg(shownPath(file.url()), error ? QString::fromStdString(error.message()) : shownPath(aside)));
     NSApplication::terminate();
 }
 

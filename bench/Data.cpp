@@ -9,9 +9,10 @@
 
 #include <QApplication>
 #include <benchmark/benchmark.h>
+#include <pugixml.hpp>
 
 #include "Model/KeyModels.h"
-#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "VantroStandaloneSetting/SettingFile.h"
 #include "appkit/NSArrayController.h"
 #include "foundation/FileDescriptor.h"
 #include "support/TemporaryPrefix.h"
@@ -35,23 +36,23 @@ VantroStandaloneSetting largeSetting()
 
 void documentLoadAndSave(benchmark::State& state)
 {
-    largeSetting().write();
-    for (auto _ : state) {
-        const VantroStandaloneSetting setting(XML::parse(*readXML(VantroStandaloneSetting::url())));
-        setting.write();
-    }
+    SettingFile file;
+    file.write(largeSetting());
+    for (auto _ : state)
+        file.write(file.read().value());
 }
 
 void documentLoadAndSaveFloor(benchmark::State& state)
 {
-    largeSetting().write();
-    const std::string path = VantroStandaloneSetting::url().string();
+    SettingFile file;
+    file.write(largeSetting());
+    const std::string path = file.url().string();
     for (auto _ : state) {
         pugi::xml_document document;
         document.load_file(path.c_str());
         document.save_file(path.c_str(), "  ");
-        const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-        ::fsync(file.get());
+        const FileDescriptor written(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        ::fsync(written.get());
     }
 }
 

@@ -2,15 +2,16 @@
 
 #include <string>
 
-#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "VantroStandaloneSetting/SettingText.h"
 
 /// A valid document that was written reads as the same document.
 void vantro::fuzz::look(std::string_view bytes)
 {
-    const VantroStandaloneSetting setting(XML::parse(bytes));
-    const std::string written = serialised(setting);
-    if (!setting.isValid())
+    const auto parsed = XML::parse(bytes);
+    const auto setting = readSetting(parsed);
+    const std::string written = serialised(setting, ForeignContent(parsed));
+    if (!setting.isValid)
         return;
-    const VantroStandaloneSetting again(XML::parse(written));
-    expect(again.isValid() && serialised(again) == written);
+    const auto again = XML::parse(written);
+    expect(readSetting(again) == setting && serialised(setting, ForeignContent(again)) == written);
 }

@@ -10,6 +10,7 @@
 #include <sdbus-c++/sdbus-c++.h>
 
 #include "LoggerManager/LoggerManager.h"
+#include "VantroStandaloneSetting/SettingFile.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "bus/StandaloneObject.h"
 #include "foundation/Bundle.h"
@@ -82,7 +83,7 @@ int run(const Logger& logger)
         SignalWatch signals;
         TokenRegistry registry(logger);
         RecordStore recordStore(records, logger);
-        const RegisteredKeys registeredKeys(settings / VantroStandaloneSetting::fileName, recordStore);
+        const RegisteredKeys registeredKeys(settings / SettingFile::fileName, recordStore);
         ChallengeResponse challengeResponse(registry, recordStore, registeredKeys, logger);
         PamStore pamStore(pamFolders, registeredKeys, logger);
         recordStore.removeUnfinished();

@@ -1,17 +1,18 @@
-// The settings document's file: where it is, and how it is read, replaced and kept.
+#include "VantroStandaloneSetting/SettingFile.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
-#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "LoggerManager/DurabilityWarning.h"
 #include "LoggerManager/LoggerManager.h"
 #include "VantroStandaloneSetting/SettingFormat.h"
-#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "VantroStandaloneSetting/SettingText.h"
 #include "foundation/Bundle.h"
 #include "foundation/DurableFile.h"
 #include "foundation/FileDescriptor.h"
@@ -25,21 +26,6 @@ constexpr mode_t newDocumentMode = 0660;
 /// All that is taken over of a mode. Who made a document may have made it a program that runs as whoever copies it.
 constexpr mode_t documentModes = 0666;
 constexpr int namesTried = 1000;
-
-/// Why the document could not be read when it was asked for last; no error where it was read or is not there. Main
-/// thread.
-std::error_code& lastReadError()
-{
-    static std::error_code error;
-    return error;
-}
-
-/// What keptAside() answers. Main thread.
-std::filesystem::path& asideOfLastWrite()
-{
-    static std::filesystem::path aside;
-    return aside;
-}
 
 Logger settingLogger()
 {
@@ -61,13 +47,13 @@ std::filesystem::path nameBeside(const std::filesystem::path& file, const char* 
     return name;
 }
 
-/// Calls `take` with one name after the other until one is free; it answers the error of the attempt.
-template <class Take>
-std::error_code withFreeName(const std::filesystem::path& file, const char* suffix, const Take& take)
+/// Calls `attempt` with one name after the other until one is free; it answers its error.
+template <class Attempt>
+std::error_code withFreeName(const std::filesystem::path& file, const char* suffix, const Attempt& attempt)
 {
     std::error_code error;
     for (int number = 0; number < namesTried; ++number) {
-        error = take(nameBeside(file, suffix, number));
+        error = attempt(nameBeside(file, suffix, number));
         if (error != std::errc::file_exists)
             break;
     }
@@ -102,121 +88,26 @@ std::error_code readabilityOf(const std::filesystem::path& file)
     return {};
 }
 
-/// Whether the text reads back as a valid document. Only what others have put into it takes a reader to know.
-bool canBeReadAgain(const VantroStandaloneSetting& setting, const std::string& text)
+/// What is foreign in the text of a document; nothing where the text does not read back as a valid document. Only what
+/// others have put into it takes a reader to know.
+std::optional<ForeignContent> foreignIfReadable(const std::string& text, const VantroStandaloneSetting& setting,
+                                                const ForeignContent& foreign)
 {
     if (text.size() > documentSizeLimit)
-        return false;
-    if (setting.hasForeignNodes())
-        return VantroStandaloneSetting(XML::parse(text)).isValid();
-    return std::all_of(setting.users.begin(), setting.users.end(), [](const UserSetting& user) {
-        return setting_format::isAccount(user.account) && isValidUTF8(user.account);
-    });
-}
-
-Replacement replaceDocument(const std::string& text)
-{
-    const auto& file = VantroStandaloneSetting::url();
-    const auto readError = readabilityOf(file);
-    ReplacementOptions options;
-    options.mode = newDocumentMode;
-    if (readError == std::errc::no_such_file_or_directory)
-        return replaceFile(file, text, options);
-    struct stat status = {};
-    if (::lstat(file.c_str(), &status) != 0)
-        return {false, systemError()};
-    if (!readError || !isUnreadable(status, readError)) {
-        // Its content is known to nobody when it could not be read before.
-        if (lastReadError())
-            return {false, lastReadError()};
-        options.mode = status.st_mode & documentModes;
-        return replaceFile(file, text, options);
+        return std::nullopt;
+    if (foreign.isEmpty()) {
+        const bool isReadable = std::all_of(setting.users.begin(), setting.users.end(), [](const UserSetting& user) {
+            return setting_format::isAccount(user.account) && isValidUTF8(user.account);
+        });
+        return isReadable ? std::optional(ForeignContent()) : std::nullopt;
     }
-    Replacement replacement;
-    replacement.error = withFreeName(file, ".unreadable", [&](const std::filesystem::path& aside) {
-        options.aside = aside;
-        replacement = replaceFile(file, text, options);
-        if (replacement.isDone) {
-            settingLogger().warning("The settings document can't be read and was kept as " + aside.string() + ".",
-                                    "write()");
-            asideOfLastWrite() = aside;
-            lastReadError().clear();
-        }
-        return replacement.error;
-    });
-    return replacement;
+    const auto parsed = XML::parse(text);
+    return readSetting(parsed).isValid ? std::optional(ForeignContent(parsed)) : std::nullopt;
 }
 
-} // namespace
-
-const std::filesystem::path& VantroStandaloneSetting::url()
+/// The bytes of the file and no error, or an error; neither for a file that is missing.
+std::optional<std::string> readXML(const std::filesystem::path& url, std::error_code& error)
 {
-    // Below the prefix where the dictionary names no folder, never below the folder that the process happens to be in.
-    static const auto path = Bundle::main().prefix() / Bundle::main().string(bundle_key::settingsFolder) / fileName;
-    return path;
-}
-
-void VantroStandaloneSetting::write() const
-{
-    const std::string text = serialised(*this);
-    std::string reason = "What it holds could not be read again";
-    if (canBeReadAgain(*this, text)) {
-        const auto replacement = replaceDocument(text);
-        warnUnlessDurable(settingLogger(), url(), replacement, "write()");
-        if (replacement.isDone)
-            return;
-        reason = replacement.error.message();
-    }
-    settingLogger().error("The settings document can't be written to " + url().string() + ": " + reason +
-                              ". The file is left as it was.",
-                          "write()");
-    NotificationCenter::defaultCenter().post(DocumentNotWritten);
-}
-
-std::error_code VantroStandaloneSetting::keepInvalid()
-{
-    const std::filesystem::path copy = nameBeside(url(), ".invalid", 0);
-    struct stat status = {};
-    if (::lstat(copy.c_str(), &status) == 0) {
-        const auto error = withFreeName(url(), ".invalid-old",
-                                        [&copy](const std::filesystem::path& name) { return moveAside(copy, name); });
-        if (error)
-            return error;
-    }
-    std::error_code error;
-    const auto bytes = readFile(url(), documentSizeLimit, error, Links::Refuse);
-    if (bytes && ::lstat(url().c_str(), &status) == 0) {
-        ReplacementOptions options;
-        options.mode = status.st_mode & documentModes;
-        const auto replacement = replaceFile(copy, *bytes, options);
-        warnUnlessDurable(settingLogger(), copy, replacement, "keepInvalid()");
-        if (replacement.isDone)
-            return {};
-    }
-    return moveAside(url(), copy);
-}
-
-std::error_code VantroStandaloneSetting::readability()
-{
-    return lastReadError() ? lastReadError() : readabilityOf(url());
-}
-
-std::error_code VantroStandaloneSetting::writability()
-{
-    // The folder's permissions count alone: the file is replaced, not changed.
-    if (::faccessat(AT_FDCWD, url().parent_path().c_str(), W_OK | X_OK, AT_EACCESS) != 0)
-        return systemError();
-    return {};
-}
-
-const std::filesystem::path& VantroStandaloneSetting::keptAside()
-{
-    return asideOfLastWrite();
-}
-
-std::optional<std::string> readXML(const std::filesystem::path& url)
-{
-    auto& error = lastReadError();
     auto bytes = readFile(url, documentSizeLimit, error, Links::Refuse);
     if (error == std::errc::no_such_file_or_directory)
         error.clear();
@@ -224,6 +115,116 @@ std::optional<std::string> readXML(const std::filesystem::path& url)
         settingLogger().warning(
             "The settings document can't be read from " + url.string() + ": " + error.message() + ".", "readXML(url:)");
     return bytes;
+}
+
+} // namespace
+
+// Below the prefix where the dictionary names no folder, never below the folder that the process happens to be in.
+SettingFile::SettingFile()
+    : url_(Bundle::main().prefix() / Bundle::main().string(bundle_key::settingsFolder) / fileName)
+{
+}
+
+std::optional<VantroStandaloneSetting> SettingFile::read()
+{
+    foreign_ = {};
+    const auto bytes = readXML(url_, readError_);
+    if (!bytes)
+        return std::nullopt;
+    const auto parsed = XML::parse(*bytes);
+    auto setting = readSetting(parsed);
+    // One that is not valid gives way to a new one, whole.
+    if (setting.isValid)
+        foreign_ = ForeignContent(parsed);
+    return setting;
+}
+
+void SettingFile::write(const VantroStandaloneSetting& setting)
+{
+    const std::string text = serialised(setting, foreign_);
+    std::string reason = "What it holds could not be read again";
+    if (auto foreign = foreignIfReadable(text, setting, foreign_)) {
+        const auto replacement = replace(text);
+        warnUnlessDurable(settingLogger(), url_, replacement, "write()");
+        if (replacement.isDone) {
+            // What stood with a key that is gone does not come back with it.
+            foreign_ = std::move(*foreign);
+            return;
+        }
+        reason = replacement.error.message();
+    }
+    settingLogger().error("The settings document can't be written to " + url_.string() + ": " + reason +
+                              ". The file is left as it was.",
+                          "write()");
+    NotificationCenter::defaultCenter().post(DocumentNotWritten);
+}
+
+Replacement SettingFile::replace(const std::string& text)
+{
+    const auto error = readabilityOf(url_);
+    ReplacementOptions options;
+    options.mode = newDocumentMode;
+    if (error == std::errc::no_such_file_or_directory)
+        return replaceFile(url_, text, options);
+    struct stat status = {};
+    if (::lstat(url_.c_str(), &status) != 0)
+        return {false, systemError()};
+    if (!error || !isUnreadable(status, error)) {
+        // Its content is known to nobody when it could not be read before.
+        if (readError_)
+            return {false, readError_};
+        options.mode = status.st_mode & documentModes;
+        return replaceFile(url_, text, options);
+    }
+    Replacement replacement;
+    replacement.error = withFreeName(url_, ".unreadable", [&](const std::filesystem::path& aside) {
+        options.aside = aside;
+        replacement = replaceFile(url_, text, options);
+        if (replacement.isDone) {
+            settingLogger().warning("The settings document can't be read and was kept as " + aside.string() + ".",
+                                    "write()");
+            keptAside_ = aside;
+            readError_.clear();
+        }
+        return replacement.error;
+    });
+    return replacement;
+}
+
+std::error_code SettingFile::keepInvalid() const
+{
+    const std::filesystem::path copy = nameBeside(url_, ".invalid", 0);
+    struct stat status = {};
+    if (::lstat(copy.c_str(), &status) == 0) {
+        const auto error = withFreeName(url_, ".invalid-old",
+                                        [&copy](const std::filesystem::path& name) { return moveAside(copy, name); });
+        if (error)
+            return error;
+    }
+    std::error_code error;
+    const auto bytes = readFile(url_, documentSizeLimit, error, Links::Refuse);
+    if (bytes && ::lstat(url_.c_str(), &status) == 0) {
+        ReplacementOptions options;
+        options.mode = status.st_mode & documentModes;
+        const auto replacement = replaceFile(copy, *bytes, options);
+        warnUnlessDurable(settingLogger(), copy, replacement, "keepInvalid()");
+        if (replacement.isDone)
+            return {};
+    }
+    return moveAside(url_, copy);
+}
+
+std::error_code SettingFile::readability() const
+{
+    return readError_ ? readError_ : readabilityOf(url_);
+}
+
+std::error_code SettingFile::writability() const
+{
+    // The folder's permissions count alone: the file is replaced, not changed.
+    if (::faccessat(AT_FDCWD, url_.parent_path().c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        return systemError();
+    return {};
 }
 
 } // namespace vantro

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+
+#include <pugixml.hpp>
 
 #include "foundation/Text.h"
 
-/// The element and attribute names of the settings document's file, and what stands for an account in it.
+/// The element and attribute names of the settings document's file, and how texts stand in it.
 namespace vantro::setting_format {
 inline constexpr const char* root = "VantroStandaloneSetting";
 inline constexpr const char* version = "version";
@@ -27,5 +30,15 @@ inline constexpr const char* serial = "Serial";
 [[nodiscard]] inline bool isAccount(std::string_view text)
 {
     return !text.empty() && !hasControlCharacters(text);
+}
+
+/// The text in an element; whatever else it holds is passed over.
+[[nodiscard]] inline std::string textOf(const pugi::xml_node& element)
+{
+    std::string text;
+    for (const auto& child : element.children())
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
+            text += child.value();
+    return text;
 }
 } // namespace vantro::setting_format

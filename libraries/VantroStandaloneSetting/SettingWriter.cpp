@@ -1,10 +1,11 @@
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "VantroStandaloneSetting/SettingFormat.h"
-#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "VantroStandaloneSetting/SettingText.h"
 
 namespace vantro {
 namespace {
@@ -18,7 +19,8 @@ constexpr std::string_view indent = "  ";
 class Writer : public pugi::xml_writer
 {
   public:
-    [[nodiscard]] std::string take() { return std::move(text_); }
+    /// What has been written; the writer is done with then.
+    [[nodiscard]] std::string text() && { return std::move(text_); }
 
     void declaration() { text_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"; }
 
@@ -49,9 +51,9 @@ class Writer : public pugi::xml_writer
 
     void element(std::string_view name, bool isOn) { element(name, std::string_view(isOn ? "true" : "false")); }
 
-    void foreign(const ForeignNodes& nodes)
+    void foreign(const pugi::xml_node& place)
     {
-        for (const auto& node : nodes.parent.children()) {
+        for (const auto& node : ForeignContent::nodesOf(place)) {
             // As it is: line breaks and indents of our own, for each level of something deeply nested, could make a
             // small document a huge one.
             startLine();
@@ -95,23 +97,45 @@ class Writer : public pugi::xml_writer
     unsigned int depth_ = 0;
 };
 
-void writeKeys(Writer& writer, const char* name, const std::vector<YubiKey>& keys, const ForeignNodes& foreign)
+/// `place` is where the foreign content of the element around the list stands.
+void writeKeys(Writer& writer, const char* name, const std::vector<YubiKey>& keys, const pugi::xml_node& place)
 {
+    const auto list = place.child(name);
+    const auto places = ForeignContent::placesOf(list, format::yubiKey, keys.size(), [&keys](std::size_t number) {
+        return std::to_string(keys[number].serial);
+    });
     writer.open(name);
-    for (const YubiKey& key : keys) {
+    for (std::size_t number = 0; number < keys.size(); ++number) {
         writer.open(format::yubiKey);
-        writer.element(format::serial, std::to_string(key.serial));
-        writer.foreign(key.foreign);
+        writer.element(format::serial, std::to_string(keys[number].serial));
+        writer.foreign(places[number]);
         writer.close(format::yubiKey);
     }
-    writer.foreign(foreign);
+    writer.foreign(list);
     writer.close(name);
+}
+
+void writeUsers(Writer& writer, const std::vector<UserSetting>& users, const pugi::xml_node& list)
+{
+    const auto places = ForeignContent::placesOf(list, format::userSetting, users.size(),
+                                                 [&users](std::size_t number) { return users[number].account; });
+    writer.open(format::users);
+    for (std::size_t number = 0; number < users.size(); ++number) {
+        writer.open(format::userSetting);
+        writer.element(format::account, std::string_view(users[number].account));
+        writeKeys(writer, format::keys, users[number].keys, places[number]);
+        writer.foreign(places[number]);
+        writer.close(format::userSetting);
+    }
+    writer.foreign(list);
+    writer.close(format::users);
 }
 
 } // namespace
 
-std::string serialised(const VantroStandaloneSetting& setting)
+std::string serialised(const VantroStandaloneSetting& setting, const ForeignContent& foreign)
 {
+    const auto root = foreign.file().child(format::root);
     Writer writer;
     writer.declaration();
     writer.open(format::root, " " + std::string(format::version) + "=\"" + std::to_string(settingFormatVersion) + "\"");
@@ -119,35 +143,28 @@ std::string serialised(const VantroStandaloneSetting& setting)
     writer.open(format::switchSetting);
     writer.element(format::secureMode, setting.switchSetting.secureMode);
     writer.element(format::screenLock, setting.switchSetting.screenLock);
-    writer.foreign(setting.switchSetting.foreign);
+    writer.foreign(root.child(format::switchSetting));
     writer.close(format::switchSetting);
 
-    writer.open(format::users);
-    for (const UserSetting& user : setting.users) {
-        writer.open(format::userSetting);
-        writer.element(format::account, std::string_view(user.account));
-        writeKeys(writer, format::keys, user.keys, user.foreignKeys);
-        writer.foreign(user.foreign);
-        writer.close(format::userSetting);
-    }
-    writer.foreign(setting.foreignUsers_);
-    writer.close(format::users);
+    writeUsers(writer, setting.users, root.child(format::users));
 
+    const auto masters = root.child(format::masterKeySetting);
     writer.open(format::masterKeySetting);
-    writeKeys(writer, format::masterKeys, setting.masterKeySetting.masterKeys, setting.masterKeySetting.foreignKeys);
-    writer.foreign(setting.masterKeySetting.foreign);
+    writeKeys(writer, format::masterKeys, setting.masterKeySetting.masterKeys, masters);
+    writer.foreign(masters);
     writer.close(format::masterKeySetting);
 
+    const auto administrators = root.child(format::adminSetting);
     writer.open(format::adminSetting);
     writer.element(format::toolLoginAuth, setting.adminSetting.toolLoginAuth);
-    writeKeys(writer, format::adminKeys, setting.adminSetting.adminKeys, setting.adminSetting.foreignKeys);
-    writer.foreign(setting.adminSetting.foreign);
+    writeKeys(writer, format::adminKeys, setting.adminSetting.adminKeys, administrators);
+    writer.foreign(administrators);
     writer.close(format::adminSetting);
 
-    writer.foreign(setting.foreign_);
+    writer.foreign(root);
     writer.close(format::root);
-    writer.foreign(setting.foreignBeside_);
-    return writer.take();
+    writer.foreign(foreign.file());
+    return std::move(writer).text();
 }
 
 } // namespace vantro

@@ -1,10 +1,10 @@
 #include "tokens/RegisteredKeys.h"
 
 #include <algorithm>
-#include <string>
 #include <system_error>
 #include <vector>
 
+#include "VantroStandaloneSetting/SettingText.h"
 #include "foundation/DurableFile.h"
 #include "foundation/XML.h"
 
@@ -13,11 +13,6 @@ namespace {
 
 /// Some 400,000 keys. The service has less memory than the tool, and answers within seconds.
 constexpr std::size_t documentSizeLimit = std::size_t{32} * 1024 * 1024;
-
-bool holds(const std::vector<YubiKey>& keys, std::uint64_t serial)
-{
-    return std::any_of(keys.begin(), keys.end(), [serial](const YubiKey& key) { return key.serial == serial; });
-}
 
 } // namespace
 
@@ -29,8 +24,8 @@ Outcome<VantroStandaloneSetting, FileFailure> RegisteredKeys::read() const
         return VantroStandaloneSetting();
     if (!bytes)
         return systemFailure(document_, error.value());
-    VantroStandaloneSetting setting(XML::parse(*bytes));
-    if (!setting.isValid())
+    auto setting = readSetting(XML::parse(*bytes));
+    if (!setting.isValid)
         return FileFailure{FileFailure::Kind::BadContent, document_.string() + " is no valid settings document."};
     return setting;
 }
@@ -40,9 +35,7 @@ Outcome<bool, FileFailure> RegisteredKeys::isNamed(std::uint64_t serial) const
     const auto setting = read();
     if (!setting)
         return setting.failure();
-    return holds(setting->masterKeySetting.masterKeys, serial) || holds(setting->adminSetting.adminKeys, serial) ||
-           std::any_of(setting->users.begin(), setting->users.end(),
-                       [serial](const UserSetting& user) { return holds(user.keys, serial); });
+    return setting->isNamed(serial);
 }
 
 Outcome<bool, FileFailure> RegisteredKeys::opensAnAccount() const

@@ -59,16 +59,14 @@ AppFixture::~AppFixture()
     window_.reset();
 }
 
-void AppFixture::store(const DocumentContent& content) const
+void AppFixture::store(const VantroStandaloneSetting& setting) const
 {
-    writeFile(prefix.settingsDocument(), serialised(content.asDocument()));
+    writeFile(prefix.settingsDocument(), serialised(setting));
 }
 
-DocumentContent AppFixture::stored() const
+VantroStandaloneSetting AppFixture::stored() const
 {
-    const VantroStandaloneSetting setting(XML::parse(contentOf(prefix.settingsDocument())));
-    EXPECT_TRUE(setting.isValid());
-    return DocumentContent::of(setting);
+    return readSetting(XML::parse(contentOf(prefix.settingsDocument())));
 }
 
 int AppFixture::takeWrites()

@@ -19,7 +19,7 @@
 #include <gmock/gmock.h>
 
 #include "AppDataSet.h"
-#include "app/DocumentContent.h"
+#include "VantroStandaloneSetting/SettingText.h"
 #include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSTabViewController.h"
@@ -35,6 +35,15 @@ inline void PrintTo(const QString& text, std::ostream* stream)
 {
     *stream << '"' << text.toStdString() << '"';
 }
+
+namespace vantro {
+
+inline void PrintTo(const VantroStandaloneSetting& setting, std::ostream* stream)
+{
+    *stream << serialised(setting);
+}
+
+} // namespace vantro
 
 namespace vantro::tests {
 
@@ -63,9 +72,9 @@ class AppFixture : public testing::Test
 
   protected:
     /// Writes the settings document's file; before the first dataSet().
-    void store(const DocumentContent& content) const;
-    /// The content of the settings document's file.
-    [[nodiscard]] DocumentContent stored() const;
+    void store(const VantroStandaloneSetting& setting) const;
+    /// What the settings document's file holds.
+    [[nodiscard]] VantroStandaloneSetting stored() const;
     /// How often the document's file was replaced since the last call.
     int takeWrites();
 

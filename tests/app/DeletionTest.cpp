@@ -34,10 +34,10 @@ constexpr OperatingSystemVersion lenient{13, 6, 9};
 struct Case
 {
     const char* name;
-    DocumentContent before;
+    VantroStandaloneSetting before;
     /// The rows that are selected.
     std::set<int> rows;
-    DocumentContent after;
+    VantroStandaloneSetting after;
     int writes;
     /// The answer to the warning; absent when none must come.
     std::optional<int> answer = {};
@@ -52,10 +52,10 @@ class Deletion : public AppFixture
 {
   protected:
     /// Makes this the document of an open window. The settings page, which would write, is left alone.
-    void show(const std::string& tab, const DocumentContent& content)
+    void show(const std::string& tab, const VantroStandaloneSetting& content)
     {
         window();
-        dataSet().vantroStandaloneSetting = content.asDocument();
+        dataSet().vantroStandaloneSetting = content;
         dataSet().vantroStandaloneSetting.write();
         switchTo(tab == "UserKey" ? "MasterKey" : "UserKey");
         service->forgetCalls();
@@ -115,13 +115,14 @@ class Deletion : public AppFixture
         }
     }
 
-    static int rowCountOf(const std::string& tab, const DocumentContent& content)
+    static int rowCountOf(const std::string& tab, const VantroStandaloneSetting& content)
     {
         if (tab != "UserKey")
-            return static_cast<int>((tab == "Admin" ? content.adminKeys : content.masterKeys).size());
+            return static_cast<int>(
+                (tab == "Admin" ? content.adminSetting.adminKeys : content.masterKeySetting.masterKeys).size());
         std::size_t count = 0;
         for (const auto& user : content.users)
-            count += user.second.size();
+            count += user.keys.size();
         return static_cast<int>(count);
     }
 };
@@ -131,132 +132,148 @@ const char* const updated = "Update PAM setting. [Success. authorization: true, 
 
 TEST_F(Deletion, OfUserKeys)
 {
-    const DocumentContent last{.users = {{"adam", {1}}, {"zoe", {2}}}, .secureMode = true};
-    const DocumentContent none{};
-    const DocumentContent noneForced{.secureMode = true};
-    check("UserKey", "ViewController/Main/User/DeletionUserKeyViewController", CommonMessage::noRegistrationYubiKey,
-          {
-              {"one of two keys of an account",
-               {.users = {{"adam", {1, 2}}}, .secureMode = true},
-               {1},
-               {.users = {{"adam", {1}}}, .secureMode = true},
-               1,
-               {},
-               {},
-               strict,
-               {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 2]"}}},
-              {"an account's only key, and an entry that was empty",
-               {.users = {{"adam", {1}}, {"empty", {}}, {"zoe", {2}}}},
-               {0},
-               {.users = {{"zoe", {2}}}},
-               1},
-              {"one of two accounts with the same token",
-               {.users = {{"adam", {1}}, {"zoe", {1}}}},
-               {1},
-               {.users = {{"adam", {1}}}},
-               1},
-              {"the last, forced, cancelled", last, {0, 1}, last, 0, cancel, {}, strict, {{"Cancel alert."}}},
-              {"the last, forced",
-               last,
-               {0, 1},
-               none,
-               2,
-               ok,
-               {{true}, {true}, {true}},
-               strict,
-               {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 1]",
-                 "Remove allocated key. [Account: zoe, Serial: 2]", "No YubiKey is assigned.",
-                 "Start update PAM setting.", updated, "Update setting. [Forced YubiKey Logon: false]"}}},
-              {"the last, forced, but a master key is left",
-               {.users = {{"adam", {1}}}, .masterKeys = {9}, .secureMode = true},
-               {0},
-               {.masterKeys = {9}, .secureMode = true},
-               1},
-              {"the last, not forced", {.users = {{"adam", {1}}}}, {0}, none, 2, {}, {{true}, {true}, {true}}},
-              {"refused: the first file", last, {0, 1}, noneForced, 1, ok, {{false}, {true}, {true}}, strict},
-              {"refused: the second file", last, {0, 1}, noneForced, 1, ok, {{true}, {false}, {true}}, strict},
-              {"refused: the third file",
-               last,
-               {0, 1},
-               noneForced,
-               1,
-               ok,
-               {{true}, {true}, {false}},
-               strict,
-               {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 1]",
-                 "Remove allocated key. [Account: zoe, Serial: 2]", "No YubiKey is assigned.",
-                 "Start update PAM setting.",
-                 "Update PAM setting. [Success. authorization: true, screensaver: true, screensaver_new: false]",
-                 "onClickOK(_:) Failed update PAM setting."}}},
-              {"refused: two files", last, {0, 1}, noneForced, 1, ok, {{false}, {false}, {true}}, strict},
-              {"refused: all three files", last, {0, 1}, noneForced, 1, ok, {{false}, {false}, {false}}, lenient},
-              {"refused on an older system: the third", last, {0, 1}, none, 2, ok, {{true}, {true}, {false}}, lenient},
-              {"refused on an older system: the second",
-               last,
-               {0, 1},
-               noneForced,
-               1,
-               ok,
-               {{true}, {false}, {true}},
-               lenient},
-          });
+    const VantroStandaloneSetting last{.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}, {"zoe", {2}}}};
+    const VantroStandaloneSetting none{};
+    const VantroStandaloneSetting noneForced{.switchSetting = {.secureMode = true}};
+    check(
+        "UserKey", "ViewController/Main/User/DeletionUserKeyViewController", CommonMessage::noRegistrationYubiKey,
+        {
+            {"one of two keys of an account",
+             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1, 2}}}},
+             {1},
+             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}},
+             1,
+             {},
+             {},
+             strict,
+             {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 2]"}}},
+            {"an account's only key, and an entry that was empty",
+             {.users = {{"adam", {1}}, {"empty", {}}, {"zoe", {2}}}},
+             {0},
+             {.users = {{"zoe", {2}}}},
+             1},
+            {"one of two accounts with the same token",
+             {.users = {{"adam", {1}}, {"zoe", {1}}}},
+             {1},
+             {.users = {{"adam", {1}}}},
+             1},
+            {"the last, forced, cancelled", last, {0, 1}, last, 0, cancel, {}, strict, {{"Cancel alert."}}},
+            {"the last, forced",
+             last,
+             {0, 1},
+             none,
+             2,
+             ok,
+             {{true}, {true}, {true}},
+             strict,
+             {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 1]",
+               "Remove allocated key. [Account: zoe, Serial: 2]", "No YubiKey is assigned.",
+               "Start update PAM setting.", updated, "Update setting. [Forced YubiKey Logon: false]"}}},
+            {"the last, forced, but a master key is left",
+             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}, .masterKeySetting = {.masterKeys = {9}}},
+             {0},
+             {.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {9}}},
+             1},
+            {"the last, not forced", {.users = {{"adam", {1}}}}, {0}, none, 2, {}, {{true}, {true}, {true}}},
+            {"refused: the first file", last, {0, 1}, noneForced, 1, ok, {{false}, {true}, {true}}, strict},
+            {"refused: the second file", last, {0, 1}, noneForced, 1, ok, {{true}, {false}, {true}}, strict},
+            {"refused: the third file",
+             last,
+             {0, 1},
+             noneForced,
+             1,
+             ok,
+             {{true}, {true}, {false}},
+             strict,
+             {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 1]",
+               "Remove allocated key. [Account: zoe, Serial: 2]", "No YubiKey is assigned.",
+               "Start update PAM setting.",
+               "Update PAM setting. [Success. authorization: true, screensaver: true, screensaver_new: false]",
+               "onClickOK(_:) Failed update PAM setting."}}},
+            {"refused: two files", last, {0, 1}, noneForced, 1, ok, {{false}, {false}, {true}}, strict},
+            {"refused: all three files", last, {0, 1}, noneForced, 1, ok, {{false}, {false}, {false}}, lenient},
+            {"refused on an older system: the third", last, {0, 1}, none, 2, ok, {{true}, {true}, {false}}, lenient},
+            {"refused on an older system: the second",
+             last,
+             {0, 1},
+             noneForced,
+             1,
+             ok,
+             {{true}, {false}, {true}},
+             lenient},
+        });
 }
 
 TEST_F(Deletion, OfMasterKeys)
 {
-    const DocumentContent last{.masterKeys = {3, 9}, .secureMode = true};
-    check("MasterKey", "ViewController/Main/Master/DeletionMasterKeyViewController",
-          CommonMessage::noRegistrationYubiKey,
-          {
-              {"two of three",
-               {.masterKeys = {3, 5, 9}, .secureMode = true},
-               {0, 2},
-               {.masterKeys = {5}, .secureMode = true},
-               1,
-               {},
-               {},
-               strict,
-               {{"Update setting.", "Remove master key. [Serial: 3]", "Remove master key. [Serial: 9]"}}},
-              {"the last, forced, cancelled", last, {0, 1}, last, 0, cancel, {}, strict, {{"Cancel alert."}}},
-              {"the last, forced",
-               last,
-               {0, 1},
-               {},
-               2,
-               ok,
-               {{true}, {true}, {true}},
-               strict,
-               {{"Update setting.", "Remove master key. [Serial: 3]", "Remove master key. [Serial: 9]",
-                 "No YubiKey is assigned.", "Start update PAM setting.", updated,
-                 "Update setting. [Forced YubiKey Logon: false]"}}},
-              {"the last, forced, but a user key is left",
-               {.users = {{"adam", {1}}}, .masterKeys = {3}, .secureMode = true},
-               {0},
-               {.users = {{"adam", {1}}}, .secureMode = true},
-               1},
-              {"the last, forced, with an account that has no key",
-               {.users = {{"adam", {}}}, .masterKeys = {3}, .secureMode = true},
-               {0},
-               {.users = {{"adam", {}}}},
-               2,
-               {},
-               {{true}, {true}, {true}}},
-              {"the last, not forced", {.masterKeys = {3}}, {0}, {}, 2, {}, {{true}, {true}, {true}}},
-              {"refused: the third file", last, {0, 1}, {.secureMode = true}, 1, ok, {{true}, {true}, {false}}, strict},
-              {"refused on an older system: the third", last, {0, 1}, {}, 2, ok, {{true}, {true}, {false}}, lenient},
-          });
+    const VantroStandaloneSetting last{.switchSetting = {.secureMode = true},
+                                       .masterKeySetting = {.masterKeys = {3, 9}}};
+    check(
+        "MasterKey", "ViewController/Main/Master/DeletionMasterKeyViewController", CommonMessage::noRegistrationYubiKey,
+        {
+            {"two of three",
+             {.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {3, 5, 9}}},
+             {0, 2},
+             {.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {5}}},
+             1,
+             {},
+             {},
+             strict,
+             {{"Update setting.", "Remove master key. [Serial: 3]", "Remove master key. [Serial: 9]"}}},
+            {"the last, forced, cancelled", last, {0, 1}, last, 0, cancel, {}, strict, {{"Cancel alert."}}},
+            {"the last, forced",
+             last,
+             {0, 1},
+             {},
+             2,
+             ok,
+             {{true}, {true}, {true}},
+             strict,
+             {{"Update setting.", "Remove master key. [Serial: 3]", "Remove master key. [Serial: 9]",
+               "No YubiKey is assigned.", "Start update PAM setting.", updated,
+               "Update setting. [Forced YubiKey Logon: false]"}}},
+            {"the last, forced, but a user key is left",
+             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}, .masterKeySetting = {.masterKeys = {3}}},
+             {0},
+             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}},
+             1},
+            {"the last, forced, with an account that has no key",
+             {.switchSetting = {.secureMode = true}, .users = {{"adam", {}}}, .masterKeySetting = {.masterKeys = {3}}},
+             {0},
+             {.users = {{"adam", {}}}},
+             2,
+             {},
+             {{true}, {true}, {true}}},
+            {"the last, not forced",
+             {.masterKeySetting = {.masterKeys = {3}}},
+             {0},
+             {},
+             2,
+             {},
+             {{true}, {true}, {true}}},
+            {"refused: the third file",
+             last,
+             {0, 1},
+             {.switchSetting = {.secureMode = true}},
+             1,
+             ok,
+             {{true}, {true}, {false}},
+             strict},
+            {"refused on an older system: the third", last, {0, 1}, {}, 2, ok, {{true}, {true}, {false}}, lenient},
+        });
 }
 
 TEST_F(Deletion, OfAdministratorKeys)
 {
-    const DocumentContent all{
-        .users = {{"adam", {1}}}, .adminKeys = {1, 2, 3}, .secureMode = true, .toolLoginAuth = true};
-    DocumentContent unguarded = all;
-    unguarded.toolLoginAuth = false;
-    DocumentContent one = all;
-    one.adminKeys = {2};
-    DocumentContent none = unguarded;
-    none.adminKeys = {};
+    const VantroStandaloneSetting all{.switchSetting = {.secureMode = true},
+                                      .users = {{"adam", {1}}},
+                                      .adminSetting = {.toolLoginAuth = true, .adminKeys = {1, 2, 3}}};
+    VantroStandaloneSetting unguarded = all;
+    unguarded.adminSetting.toolLoginAuth = false;
+    VantroStandaloneSetting one = all;
+    one.adminSetting.adminKeys = {2};
+    VantroStandaloneSetting none = unguarded;
+    none.adminSetting.adminKeys = {};
     check("Admin", "ViewController/Main/Admin/DeletionAdminKeyViewController",
           AdminViewMessage::noRegistrationAdminYubiKey,
           {
@@ -304,8 +321,9 @@ const struct
      AdminViewMessage::notSelectedForDeletion, "12345\n678", false},
 };
 
-const DocumentContent twoEach{
-    .users = {{"alice", {12345}}, {"bob", {678}}}, .masterKeys = {12345, 678}, .adminKeys = {12345, 678}};
+const VantroStandaloneSetting twoEach{.users = {{"alice", {12345}}, {"bob", {678}}},
+                                      .masterKeySetting = {.masterKeys = {12345, 678}},
+                                      .adminSetting = {.adminKeys = {12345, 678}}};
 
 TEST_F(Deletion, ShowsWhatIsSelectedAndEnterDeletesNothing)
 {
@@ -347,7 +365,7 @@ TEST_F(Deletion, ShowsWhatIsSelectedAndEnterDeletesNothing)
 TEST_F(Deletion, OfTheLastKeysTakesEnterAndEscForCancelWhereverTheFocusIs)
 {
     NSAlert::setPresenter({});
-    const DocumentContent last{.masterKeys = {3}, .secureMode = true};
+    const VantroStandaloneSetting last{.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {3}}};
     const auto inFront = [] { return QApplication::activeModalWidget(); };
     const std::function<void()> ways[] = {
         [&] { QTest::keyClick(inFront(), Qt::Key_Return); },
@@ -373,7 +391,7 @@ TEST_F(Deletion, OfTheLastKeysTakesEnterAndEscForCancelWhereverTheFocusIs)
 
 TEST_F(Deletion, OfTheLastKeyIsWrittenBeforeTheServiceIsAsked)
 {
-    show("MasterKey", {.masterKeys = {3}});
+    show("MasterKey", {.masterKeySetting = {.masterKeys = {3}}});
     service->script("SavePamSetting", {{true, 100ms}});
     auto meanwhile = std::async(std::launch::async, [this] {
         EXPECT_TRUE(waitUntil([this] { return !service->pamCalls().empty(); }));
@@ -381,7 +399,8 @@ TEST_F(Deletion, OfTheLastKeyIsWrittenBeforeTheServiceIsAsked)
     });
     const auto dialog = open("MasterKey", {0});
     QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    EXPECT_EQ(meanwhile.get(), DocumentContent{}) << "a kill in between must not leave a key that opens nothing";
+    EXPECT_EQ(meanwhile.get(), VantroStandaloneSetting{})
+        << "a kill in between must not leave a key that opens nothing";
     EXPECT_TRUE(isDismissed(dialog));
 }
 
@@ -414,9 +433,9 @@ TEST_F(Deletion, OfARowWhoseAccountHasNoEntryAnyMore)
 {
     store(twoEach);
     const auto dialog = open("UserKey", {0, 1});
-    DocumentContent elsewhere = twoEach;
+    VantroStandaloneSetting elsewhere = twoEach;
     elsewhere.users = {{"bob", {678, 9}}};
-    dataSet().vantroStandaloneSetting = elsewhere.asDocument();
+    dataSet().vantroStandaloneSetting = elsewhere;
     QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
     EXPECT_TRUE(isDismissed(dialog));
     elsewhere.users = {{"bob", {9}}};

@@ -34,8 +34,8 @@ class KeyList : public AppFixture
 TEST_F(KeyList, ShowsTheDocumentInItsOwnOrderAndNothingSelected)
 {
     store({.users = {{"zoe", {1000, 999}}, {"empty", {}}, {"Adam", {1000}}},
-           .masterKeys = {9, 18446744073709551615U, 3},
-           .adminKeys = {7, 5}});
+           .masterKeySetting = {.masterKeys = {9, 18446744073709551615U, 3}},
+           .adminSetting = {.adminKeys = {7, 5}}});
     const struct
     {
         const char* tab;
@@ -94,15 +94,15 @@ TEST_F(KeyList, ShowsTheDocumentInItsOwnOrderAndNothingSelected)
         EXPECT_TRUE(page.view()->findChild<QLabel*>("emptyLabel")->isVisible());
         EXPECT_TRUE(page.registerButton->isEnabled());
         EXPECT_TRUE(page.deleteButton->isEnabled());
-        dataSet().vantroStandaloneSetting = stored().asDocument();
+        dataSet().vantroStandaloneSetting = stored();
     }
 }
 
 TEST_F(KeyList, ManyRowsAreArrangedOnce)
 {
-    Serials serials(10000);
-    std::iota(serials.begin(), serials.end(), 1);
-    store({.users = {{"adam", serials}}, .adminKeys = serials});
+    std::vector<YubiKey> serials(10000, 0);
+    std::iota(serials.begin(), serials.end(), 1U);
+    store({.users = {{"adam", serials}}, .adminSetting = {.adminKeys = serials}});
     for (const char* const tab : {"UserKey", "Admin"}) {
         auto& page = this->page<KeyListViewController>(tab);
         EXPECT_EQ(rowsOf(page).size(), 10000);

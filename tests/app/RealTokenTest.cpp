@@ -132,7 +132,7 @@ TEST_P(Authentication, EndsAsTheTokenAnswers)
 {
     const SignIn& signIn = GetParam();
     writeRecord(adminKey);
-    dataSet().vantroStandaloneSetting.adminSetting.adminKeys = {YubiKey(5), YubiKey(adminKey)};
+    dataSet().vantroStandaloneSetting.adminSetting.adminKeys = {5, adminKey};
     VirtualToken token(bed, signIn.token);
     token.plugIn();
     ASSERT_TRUE(reaches(1, adminKey));

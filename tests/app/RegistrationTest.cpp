@@ -34,7 +34,7 @@ struct Kind
     const QString& (*alreadyAllocated)();
     bool closesAfterRefusal;
     /// A document whose list that the dialog fills has these keys.
-    DocumentContent (*with)(const Serials& serials);
+    VantroStandaloneSetting (*with)(const std::vector<YubiKey>& keys);
     std::vector<std::string> beforeRequest;
     std::vector<std::string> afterRequest;
 };
@@ -52,8 +52,8 @@ const Kind kinds[] = {
      UserViewMessage::yubiKeyIsNotConnected,
      UserViewMessage::alreadyAllocatedKey,
      false,
-     [](const Serials& serials) {
-         return serials.empty() ? DocumentContent{} : DocumentContent{.users = {{"tester", serials}}};
+     [](const std::vector<YubiKey>& keys) {
+         return keys.empty() ? VantroStandaloneSetting{} : VantroStandaloneSetting{.users = {{"tester", keys}}};
      },
      {"Allocate YubiKey."},
      {"Append allocaetd key. [accout: tester, serial: 5]"}},
@@ -64,7 +64,7 @@ const Kind kinds[] = {
      MasterKeyViewMessage::yubiKeyIsNotConnected,
      MasterKeyViewMessage::alreadyAllocatedKey,
      false,
-     [](const Serials& serials) { return DocumentContent{.masterKeys = serials}; },
+     [](const std::vector<YubiKey>& keys) { return VantroStandaloneSetting{.masterKeySetting = {.masterKeys = keys}}; },
      {"Serial: 5"},
      {"Update setting."}},
     {"Admin",
@@ -74,7 +74,7 @@ const Kind kinds[] = {
      AdminViewMessage::yubiKeyIsNotConnected,
      AdminViewMessage::alreadyAllocatedKey,
      true,
-     [](const Serials& serials) { return DocumentContent{.adminKeys = serials}; },
+     [](const std::vector<YubiKey>& keys) { return VantroStandaloneSetting{.adminSetting = {.adminKeys = keys}}; },
      {},
      {}},
 };
@@ -101,11 +101,11 @@ class Registration : public AppFixture, public testing::WithParamInterface<Kind>
         return dialog.serialLabelModel.text().toStdString();
     }
     /// What the list's table shows in its last column.
-    Serials rows()
+    std::vector<std::uint64_t> rows()
     {
         auto& table = *list().view()->findChild<QTableView*>();
         QAbstractItemModel& model = *table.model();
-        Serials serials;
+        std::vector<std::uint64_t> serials;
         for (int row = 0; row < model.rowCount(); ++row)
             serials.push_back(model.index(row, model.columnCount() - 1).data().toULongLong());
         return serials;
@@ -334,7 +334,7 @@ TEST_P(Registration, ATokenThatIsPulledOutMeanwhile)
     };
     const auto refused = openAndRegister({false, 300ms});
     EXPECT_EQ(alerts.size(), 1U);
-    EXPECT_EQ(stored(), DocumentContent());
+    EXPECT_EQ(stored(), VantroStandaloneSetting());
     if (!kind().closesAfterRefusal) {
         EXPECT_FALSE(refused->OKButton->isEnabled());
         QTest::keyClick(refused->view(), Qt::Key_Escape);
@@ -398,7 +398,7 @@ TEST_P(RegistrationLookingAgain, ATokenThatWasAddedMeanwhile)
 {
     plugIn(5);
     const auto dialog = open();
-    dataSet().vantroStandaloneSetting = kind().with({5}).asDocument();
+    dataSet().vantroStandaloneSetting = kind().with({5});
     takeWrites();
     QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
     EXPECT_EQ(messages(kind().file).back(), "This YubiKey is already assigned. [Serial: 5]");
@@ -453,10 +453,10 @@ TEST_F(AppFixture, AnAdministratorKeyUnlocksItsSwitch)
         EXPECT_TRUE(isDismissed(dialog));
         EXPECT_TRUE(list.adminModel.authCheckButtonModel.isEnabled());
     }
-    EXPECT_EQ(stored(), (DocumentContent{.adminKeys = {100, 200, 300}}));
+    EXPECT_EQ(stored(), (VantroStandaloneSetting{.adminSetting = {.adminKeys = {100, 200, 300}}}));
     for (const bool isOn : {true, false}) {
         QTest::mouseClick(list.view()->findChild<QCheckBox*>(), Qt::LeftButton);
-        EXPECT_EQ(stored().toolLoginAuth, isOn);
+        EXPECT_EQ(stored().adminSetting.toolLoginAuth, isOn);
     }
 }
 

@@ -63,7 +63,7 @@ TEST_F(SettingTab, ForcedLogonNeedsAKeyAndSaysSo)
 
 TEST_F(SettingTab, StoredForcedLogonIsWrittenOnceAndASecondLookWritesNothing)
 {
-    store({.masterKeys = {7}, .secureMode = true});
+    store({.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {7}}});
     dataSet();
     takeWrites();
     EXPECT_TRUE(forcedLogon().isChecked());
@@ -84,7 +84,7 @@ TEST_F(SettingTab, ScreenLockWritesTheDocumentAndNothingElse)
     takeWrites();
     for (const bool isOn : {true, false}) {
         screenLock.click();
-        EXPECT_EQ(stored().screenLock, isOn);
+        EXPECT_EQ(stored().switchSetting.screenLock, isOn);
         EXPECT_EQ(takeWrites(), 1);
         EXPECT_THAT(messages(sourceFile),
                     Contains(std::string("Update ScreenLockModel: ") + (isOn ? "true." : "false.")));
@@ -128,7 +128,7 @@ TEST_P(ForcedLogon, StandsOrFallsWithTheService)
 {
     const Change& change = GetParam();
     ProcessInfo::setOperatingSystemVersion(change.system);
-    store({.masterKeys = {7}, .secureMode = change.wasOn});
+    store({.switchSetting = {.secureMode = change.wasOn}, .masterKeySetting = {.masterKeys = {7}}});
     QCheckBox& checkBox = forcedLogon();
     int notifications = 0;
     const Observation observation = NotificationCenter::defaultCenter().addObserver(
@@ -142,7 +142,7 @@ TEST_P(ForcedLogon, StandsOrFallsWithTheService)
     const bool isDone = change.isOnAfterwards != change.wasOn;
     EXPECT_EQ(service->pamCalls(), change.wasOn ? allOptional : allRequired);
     EXPECT_EQ(checkBox.isChecked(), change.isOnAfterwards);
-    EXPECT_EQ(stored().secureMode, change.isOnAfterwards);
+    EXPECT_EQ(stored().switchSetting.secureMode, change.isOnAfterwards);
     EXPECT_EQ(takeWrites(), isDone ? 1 : 0);
     EXPECT_EQ(notifications, 1);
     EXPECT_EQ(label("statusLabel").isHidden(), isDone);
@@ -164,7 +164,7 @@ TEST_P(ForcedLogon, StandsOrFallsWithTheService)
 
 TEST_F(SettingTab, ASilentServiceIsWaitedForThreeTimesAndThenTheSwitchSpringsBack)
 {
-    store({.masterKeys = {7}});
+    store({.masterKeySetting = {.masterKeys = {7}}});
     QCheckBox& checkBox = forcedLogon();
     serviceReplyLimit = 100ms;
     service->script("SavePamSetting", {{ScriptedService::Silence{}}});
@@ -173,7 +173,7 @@ TEST_F(SettingTab, ASilentServiceIsWaitedForThreeTimesAndThenTheSwitchSpringsBac
     EXPECT_GE(std::chrono::steady_clock::now() - start, 3 * serviceReplyLimit);
     EXPECT_FALSE(checkBox.isChecked());
     EXPECT_TRUE(checkBox.isEnabled());
-    EXPECT_FALSE(stored().secureMode);
+    EXPECT_FALSE(stored().switchSetting.secureMode);
 }
 
 TEST_F(SettingTab, SaysWhatTheLastKeysDeletionLeftUndoneUntilAKeyIsThereAgain)
@@ -198,7 +198,8 @@ TEST_F(SettingTab, SaysWhatTheLastKeysDeletionLeftUndoneUntilAKeyIsThereAgain)
     for (const auto& [wasOn, files, expected, expectedWithKey] : cases) {
         SCOPED_TRACE(expected.toStdString());
         auto& setting = dataSet().vantroStandaloneSetting;
-        setting = DocumentContent{.masterKeys = {7}, .secureMode = wasOn}.asDocument();
+        setting =
+            VantroStandaloneSetting{.switchSetting = {.secureMode = wasOn}, .masterKeySetting = {.masterKeys = {7}}};
         service->script("SavePamSetting", {{true}});
         EXPECT_EQ(label("statusLabel").text(), "");
         answerFiles(files);

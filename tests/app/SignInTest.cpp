@@ -23,7 +23,7 @@ constexpr std::uint64_t adminKey = 11;
 
 TEST_F(AppFixture, ASilentServiceEndsTheCheckAtItsLimitAndAnErrorAtOnce)
 {
-    store({.adminKeys = {adminKey}});
+    store({.adminSetting = {.adminKeys = {adminKey}}});
     plugIn(adminKey);
     LoginAuthentication::validationLimit = 100ms;
     service->script("Validate", {{ScriptedService::Silence{}}});
@@ -43,7 +43,7 @@ class SignInDialog : public AppFixture
   protected:
     SignInDialog()
     {
-        store({.adminKeys = {adminKey}, .toolLoginAuth = true});
+        store({.adminSetting = {.toolLoginAuth = true, .adminKeys = {adminKey}}});
         UserDefaults::standard().set(QStringLiteral("suppression"), true);
         UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
     }

@@ -53,7 +53,7 @@ TEST_F(Start, MakesADocumentWhereThereIsNone)
 {
     EXPECT_THAT(startRecords(), ElementsAre("init() Create setting file.", connection));
     EXPECT_EQ(takeWrites(), 1);
-    EXPECT_EQ(stored(), DocumentContent());
+    EXPECT_EQ(stored(), VantroStandaloneSetting());
     EXPECT_EQ(mode(), 0666U);
 }
 
@@ -61,7 +61,7 @@ TEST_F(Start, LoadsTheDocumentAndOpensItForAll)
 {
     storeWithMode(0600);
     EXPECT_THAT(startRecords(), ElementsAre("init() Loaded setting file.", connection));
-    EXPECT_EQ(DocumentContent::of(dataSet().vantroStandaloneSetting), (DocumentContent{.users = {{"adam", {1}}}}));
+    EXPECT_EQ(dataSet().vantroStandaloneSetting, (VantroStandaloneSetting{.users = {{"adam", {1}}}}));
     EXPECT_EQ(takeWrites(), 0);
     EXPECT_EQ(mode(), 0666U);
 

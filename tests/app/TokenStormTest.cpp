@@ -31,7 +31,7 @@ class TokenStorm : public AppFixture
   protected:
     TokenStorm()
     {
-        store({.users = {{"adam", {1}}}, .adminKeys = {11, 22}, .toolLoginAuth = true});
+        store({.users = {{"adam", {1}}}, .adminSetting = {.toolLoginAuth = true, .adminKeys = {11, 22}}});
         UserDefaults::standard().set(QStringLiteral("suppression"), true);
         UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
         // Now and then a serial can't be read, or the service refuses to say it.

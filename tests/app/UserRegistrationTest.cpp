@@ -78,7 +78,9 @@ TEST_F(UserRegistration, AnAccountThatTheDirectoryListsStaysInItsPlace)
 
 TEST_F(UserRegistration, ATokenMayBelongToSeveralAccounts)
 {
-    store({.users = {{"tester", {12345}}}, .masterKeys = {12345}, .adminKeys = {12345}});
+    store({.users = {{"tester", {12345}}},
+           .masterKeySetting = {.masterKeys = {12345}},
+           .adminSetting = {.adminKeys = {12345}}});
     plugIn(12345);
     const auto dialog = open();
     EXPECT_FALSE(dialog->OKButton->isEnabled());
@@ -89,9 +91,9 @@ TEST_F(UserRegistration, ATokenMayBelongToSeveralAccounts)
     EXPECT_THAT(messages("ViewController/Main/User/RegistrationUserKeyViewController"),
                 ElementsAre("Called onClickOK.", "Allocate YubiKey.", "Create new user. [account: adam]",
                             "Append allocaetd key. [accout: adam, serial: 12345]"));
-    EXPECT_EQ(stored(),
-              (DocumentContent{
-                  .users = {{"adam", {12345}}, {"tester", {12345}}}, .masterKeys = {12345}, .adminKeys = {12345}}));
+    EXPECT_EQ(stored(), (VantroStandaloneSetting{.users = {{"adam", {12345}}, {"tester", {12345}}},
+                                                 .masterKeySetting = {.masterKeys = {12345}},
+                                                 .adminSetting = {.adminKeys = {12345}}}));
     EXPECT_TRUE(isDismissed(dialog));
 }
 
@@ -99,9 +101,9 @@ TEST_F(UserRegistration, DoesNotLookASecondTime)
 {
     plugIn(5);
     const auto dialog = open();
-    dataSet().vantroStandaloneSetting = DocumentContent{.users = {{"tester", {5}}}}.asDocument();
+    dataSet().vantroStandaloneSetting = VantroStandaloneSetting{.users = {{"tester", {5}}}};
     QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    EXPECT_EQ(stored(), (DocumentContent{.users = {{"tester", {5, 5}}}}));
+    EXPECT_EQ(stored(), (VantroStandaloneSetting{.users = {{"tester", {5, 5}}}}));
     EXPECT_TRUE(isDismissed(dialog));
 }
 
@@ -120,12 +122,12 @@ TEST_F(UserRegistration, SortsTheWholeDocumentAndTheListAlike)
     const auto dialog = open();
     EXPECT_TRUE(dialog->OKButton->isEnabled()) << "only the first entry of an account counts";
     QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    EXPECT_EQ(stored().users, (std::vector<std::pair<std::string, Serials>>{{"Zed", {7}},
-                                                                            {"adam", {2, 18446744073709551615U}},
-                                                                            {"f", {}},
-                                                                            {"tester", {5, 9}},
-                                                                            {"tester", {5}},
-                                                                            {decomposed, {999, 1000}}}));
+    EXPECT_EQ(stored().users, (std::vector<UserSetting>{{"Zed", {7}},
+                                                        {"adam", {2, 18446744073709551615U}},
+                                                        {"f", {}},
+                                                        {"tester", {5, 9}},
+                                                        {"tester", {5}},
+                                                        {decomposed, {999, 1000}}}));
     const auto& rows = page<UserViewController>("UserKey").userKeyModels.get();
     std::vector<std::string> texts;
     for (const UserKeyModel& row : rows)

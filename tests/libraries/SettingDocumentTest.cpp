@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "VantroStandaloneSetting/SettingText.h"
 
 namespace vantro::tests {
 namespace {
@@ -55,7 +55,7 @@ const std::string example = R"(<?xml version="1.0" encoding="UTF-8"?>
 
 VantroStandaloneSetting read(std::string_view text)
 {
-    return VantroStandaloneSetting(XML::parse(text));
+    return readSetting(XML::parse(text));
 }
 
 std::string replaced(std::string text, const std::string& from, const std::string& to)
@@ -67,22 +67,13 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 
 TEST(SettingDocument, ReadsWhatItHoldsAndWritesItAsItWas)
 {
-    const auto setting = read(example);
-    EXPECT_TRUE(setting.isValid());
-    EXPECT_TRUE(setting.switchSetting.secureMode);
-    EXPECT_FALSE(setting.switchSetting.screenLock);
-    ASSERT_EQ(setting.users.size(), 2U);
-    EXPECT_EQ(setting.users[0].account, "adam");
-    ASSERT_EQ(setting.users[0].keys.size(), 2U);
-    EXPECT_EQ(setting.users[0].keys[1].serial, std::numeric_limits<std::uint64_t>::max());
-    EXPECT_EQ(setting.users[1].account, "<Zoë & \"漢'>");
-    EXPECT_TRUE(setting.users[1].keys.empty());
-    ASSERT_EQ(setting.masterKeySetting.masterKeys.size(), 1U);
-    EXPECT_EQ(setting.masterKeySetting.masterKeys[0].serial, 3U);
-    EXPECT_TRUE(setting.adminSetting.toolLoginAuth);
-    ASSERT_EQ(setting.adminSetting.adminKeys.size(), 1U);
-    EXPECT_EQ(setting.adminSetting.adminKeys[0].serial, 4U);
-    EXPECT_EQ(serialised(setting), example);
+    const VantroStandaloneSetting expected{
+        .switchSetting = {.secureMode = true},
+        .users = {{"adam", {1, std::numeric_limits<std::uint64_t>::max()}}, {"<Zoë & \"漢'>"}},
+        .masterKeySetting = {.masterKeys = {3}},
+        .adminSetting = {.toolLoginAuth = true, .adminKeys = {4}}};
+    EXPECT_EQ(read(example), expected);
+    EXPECT_EQ(serialised(expected), example);
 }
 
 TEST(SettingDocument, RoundTripsAnyNumberOfUsers)
@@ -94,10 +85,7 @@ TEST(SettingDocument, RoundTripsAnyNumberOfUsers)
             for (std::size_t key = 1; key <= number % 4; ++key)
                 user.keys.emplace_back(number * 10 + key);
         }
-        const auto again = read(serialised(setting));
-        EXPECT_TRUE(setting.isValid() && again.isValid());
-        EXPECT_EQ(again.users.size(), users);
-        EXPECT_EQ(serialised(again), serialised(setting));
+        EXPECT_EQ(read(serialised(setting)), setting);
     }
 }
 
@@ -134,18 +122,18 @@ TEST(SettingDocument, IsValidUnlessReadingOnWouldMisrepresentIt)
     };
     for (const auto& [from, valid, notValid] : cases) {
         for (const auto& to : valid)
-            EXPECT_TRUE(read(replaced(example, from, to)).isValid()) << from << " → " << to;
+            EXPECT_TRUE(read(replaced(example, from, to)).isValid) << from << " → " << to;
         for (const auto& to : notValid)
-            EXPECT_FALSE(read(replaced(example, from, to)).isValid()) << from << " → " << to;
+            EXPECT_FALSE(read(replaced(example, from, to)).isValid) << from << " → " << to;
     }
     for (const std::string name : {"Switch", "Users", "MasterKeySetting", "MasterKeys", "Admin", "AdminKeys"}) {
         std::string text = replaced(example, "<" + name, "<Foreign" + name);
-        EXPECT_FALSE(read(text).isValid()) << name;
+        EXPECT_FALSE(read(text).isValid) << name;
     }
     std::string other = replaced(example, "<VantroStandaloneSetting", "<OtherSetting");
-    EXPECT_FALSE(read(replaced(other, "</VantroStandaloneSetting", "</OtherSetting")).isValid());
-    EXPECT_FALSE(read("").isValid());
-    EXPECT_TRUE(VantroStandaloneSetting().isValid());
+    EXPECT_FALSE(read(replaced(other, "</VantroStandaloneSetting", "</OtherSetting")).isValid);
+    EXPECT_FALSE(read("").isValid);
+    EXPECT_TRUE(VantroStandaloneSetting().isValid);
 }
 
 TEST(SettingDocument, KeepsWhatItDoesNotKnowAtEveryLevel)
@@ -161,15 +149,17 @@ TEST(SettingDocument, KeepsWhatItDoesNotKnowAtEveryLevel)
     for (const auto& level : levels)
         text = replaced(text, "</" + level + ">", foreign(level) + "</" + level + ">");
 
-    auto setting = read(text);
-    ASSERT_TRUE(setting.isValid());
+    const auto parsed = XML::parse(text);
+    auto setting = readSetting(parsed);
+    ASSERT_TRUE(setting.isValid);
+    const ForeignContent foreignContent(parsed);
     setting.switchSetting.screenLock = true;
     setting.users[0].keys.pop_back();
     setting.users.insert(setting.users.begin(), UserSetting("aaron"))->keys.emplace_back(9);
     setting.masterKeySetting.masterKeys.clear();
     setting.adminSetting.adminKeys.emplace_back(10);
 
-    const std::string written = serialised(setting);
+    const std::string written = serialised(setting, foreignContent);
     pugi::xml_document document;
     ASSERT_TRUE(document.load_string(written.c_str(), pugi::parse_default | pugi::parse_comments));
     for (const auto& level : levels) {
@@ -183,32 +173,110 @@ TEST(SettingDocument, KeepsWhatItDoesNotKnowAtEveryLevel)
     }
     EXPECT_EQ(document.select_nodes("/comment()").size(), 2U);
     EXPECT_EQ(document.select_node("//*[@of='UserSetting']/../Account").node().child_value(), std::string("adam"));
-    const auto again = read(written);
-    EXPECT_TRUE(again.isValid());
-    EXPECT_EQ(serialised(again), written);
+    EXPECT_EQ(read(written), setting);
+    EXPECT_EQ(serialised(setting, ForeignContent(XML::parse(written))), written);
 
     setting.users.erase(setting.users.begin() + 1);
-    EXPECT_EQ(serialised(setting).find("of=\"UserSetting\""), std::string::npos) << "a removed user takes all along";
+    EXPECT_EQ(serialised(setting, foreignContent).find("of=\"UserSetting\""), std::string::npos)
+        << "a removed user takes all along";
+}
+
+TEST(SettingDocument, KeepsWhatItDoesNotKnowWithTheEntryWhereItStood)
+{
+    const auto user = [](const std::string& account, const std::string& keys) {
+        return "<UserSetting><Account>" + account + "</Account><Keys>" + keys + "</Keys></UserSetting>";
+    };
+    const auto key = [](const std::string& serial) {
+        return "<YubiKey><Serial>" + serial + "</Serial><!--" + serial + "--></YubiKey>";
+    };
+    const std::string old = "<Users>\n    <UserSetting>\n      <Account>adam</Account>";
+    const auto parsed =
+        XML::parse(replaced(example, old,
+                            "<Users>" + user("zoe", key("8") + key("007") + "<YubiKey><Serial>7</Serial></YubiKey>") +
+                                user("adam", key("5")) + "<UserSetting><Account>adam</Account><!--second-->"));
+    const ForeignContent foreign(parsed);
+    auto setting = readSetting(parsed);
+    ASSERT_TRUE(setting.isValid);
+    setting.addUserKey("zoe", 6);
+    setting.removeUserKey("adam", 5);
+    setting.removeUsersWithoutKeys();
+    const auto text = serialised(setting, foreign);
+    pugi::xml_document document;
+    ASSERT_TRUE(document.load_string(text.c_str(), pugi::parse_default | pugi::parse_comments));
+    const auto users = document.document_element().child("Users");
+    const auto comment = [](const pugi::xml_node& node) {
+        const auto children = node.children();
+        const auto found = std::find_if(children.begin(), children.end(),
+                                        [](const auto& child) { return child.type() == pugi::node_comment; });
+        return found == children.end() ? std::string() : std::string(found->value());
+    };
+    EXPECT_EQ(comment(users.first_child()), "second") << "the first of the two is the one that went";
+    std::vector<std::string> ofKeys;
+    for (const auto& child : users.last_child().child("Keys").children())
+        ofKeys.push_back(child.child_value("Serial") + (":" + comment(child)));
+    EXPECT_EQ(ofKeys, (std::vector<std::string>{"6:", "7:007", "7:", "8:8"})) << text;
 }
 
 TEST(SettingDocument, ATruncatedFileIsNeverValidAndADamagedOneReadsTheSameAgain)
 {
     // The line break at the end is no part of the document.
     for (std::size_t length = 0; length + 1 < example.size(); ++length)
-        EXPECT_FALSE(read(example.substr(0, length)).isValid()) << length;
+        EXPECT_FALSE(read(example.substr(0, length)).isValid) << length;
     for (std::size_t position = 0; position < example.size(); ++position) {
         for (const char damage : {'\0', '<', '>', '/', '&', ' ', '!', '-', '\x80', '\xff', '0', 'a'}) {
             std::string text = example;
             text[position] = damage;
-            const auto setting = read(text);
-            if (!setting.isValid())
+            const auto parsed = XML::parse(text);
+            const auto setting = readSetting(parsed);
+            if (!setting.isValid)
                 continue;
-            const std::string written = serialised(setting);
-            const auto again = read(written);
-            ASSERT_TRUE(again.isValid()) << text;
-            ASSERT_EQ(serialised(again), written) << text;
+            const std::string written = serialised(setting, ForeignContent(parsed));
+            const auto again = XML::parse(written);
+            ASSERT_EQ(readSetting(again), setting) << text;
+            ASSERT_EQ(serialised(setting, ForeignContent(again)), written) << text;
         }
     }
+}
+
+TEST(SettingDocument, AddsFindsAndRemovesKeysInTheirOrder)
+{
+    VantroStandaloneSetting setting;
+    for (const std::uint64_t serial : {9U, 3U, 5U, 3U})
+        addSorted(setting.adminSetting.adminKeys, serial);
+    EXPECT_EQ(setting.adminSetting.adminKeys, (std::vector<YubiKey>{3, 3, 5, 9}));
+    removeSerial(setting.adminSetting.adminKeys, 3);
+    EXPECT_EQ(setting.adminSetting.adminKeys, (std::vector<YubiKey>{5, 9}));
+    EXPECT_TRUE(setting.isNamed(9) && !setting.isNamed(3));
+
+    setting.users = {{"zo\u00eb", {8}}, {"zoe\u0308", {7}}, {"adam", {2, 1}}};
+    setting.addUserKey("zoe\u0308", 6);
+    setting.addUserKey("Eve", 4);
+    EXPECT_EQ(setting.users,
+              (std::vector<UserSetting>{{"Eve", {4}}, {"adam", {1, 2}}, {"zo\u00eb", {6, 8}}, {"zoe\u0308", {7}}}));
+    EXPECT_TRUE(setting.isAllcatedUserKey("zoe\u0308", 8)) << "written another way, it is the same account";
+    EXPECT_FALSE(setting.isAllcatedUserKey("zo\u00eb", 7)) << "the first entry counts";
+    EXPECT_FALSE(setting.isAllcatedUserKey("nobody", 8)) << "though another account has it";
+    EXPECT_TRUE(setting.isNamed(7));
+    setting.removeUserKey("Eve", 4);
+    setting.removeUserKey("nobody", 8);
+    EXPECT_EQ(setting.users.size(), 4U);
+    setting.removeUsersWithoutKeys();
+    EXPECT_EQ(setting.users.front().account, "adam");
+}
+
+TEST(SettingDocument, KnowsTheLastKeysWhileSomethingDependsOnThem)
+{
+    VantroStandaloneSetting setting{.switchSetting = {.secureMode = true},
+                                    .users = {{"adam", {1, 2}}, {"zoe", {1}}},
+                                    .adminSetting = {.toolLoginAuth = true, .adminKeys = {5, 6}}};
+    EXPECT_TRUE(setting.areLastUserKeys(3) && setting.areLastAdminKeys(2));
+    EXPECT_FALSE(setting.areLastUserKeys(2) || setting.areLastAdminKeys(1));
+    setting.masterKeySetting.masterKeys = {7};
+    EXPECT_FALSE(setting.areLastUserKeys(3) || setting.areLastMasterKeys(1));
+    setting.users.clear();
+    EXPECT_TRUE(setting.areLastMasterKeys(1));
+    setting.switchSetting.secureMode = setting.adminSetting.toolLoginAuth = false;
+    EXPECT_FALSE(setting.areLastMasterKeys(1) || setting.areLastAdminKeys(2));
 }
 
 TEST(SettingDocument, KnowsWhetherATokenOpensAnAccount)

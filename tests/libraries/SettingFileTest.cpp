@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "LoggerManager/LoggerManager.h"
-#include "VantroStandaloneSetting/VantroStandaloneSetting.h"
+#include "VantroStandaloneSetting/SettingFile.h"
+#include "VantroStandaloneSetting/SettingText.h"
 #include "support/FailingFolderSync.h"
 #include "support/Privileges.h"
 #include "support/TemporaryPrefix.h"
@@ -14,10 +15,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class SettingFile : public testing::Test
+class SettingFileTest : public testing::Test
 {
   protected:
-    SettingFile()
+    SettingFileTest()
     {
         // The log is opened before any test gives up its privileges.
         static_cast<void>(LoggerManager::logger("VantroStandalone"));
@@ -38,25 +39,24 @@ class SettingFile : public testing::Test
     [[nodiscard]] static std::string log() { return contentOf(LoggerManager::logFile("VantroStandalone")); }
 
     /// Expects that the file is `setting`, and that it reads so.
-    void expectWritten() const
+    void expectWritten()
     {
-        const auto text = readXML(file);
-        ASSERT_TRUE(text);
-        EXPECT_EQ(*text, serialised(setting));
-        EXPECT_TRUE(VantroStandaloneSetting(XML::parse(*text)).isValid());
+        EXPECT_EQ(contentOf(file), serialised(setting));
+        EXPECT_EQ(document.read(), setting);
     }
 
     const TemporaryPrefix prefix;
     const fs::path file = prefix.settingsDocument();
+    SettingFile document;
     VantroStandaloneSetting setting;
 };
 
-TEST_F(SettingFile, IsMadeReplacedAndKeepsItsMode)
+TEST_F(SettingFileTest, IsMadeReplacedAndKeepsItsMode)
 {
-    EXPECT_EQ(VantroStandaloneSetting::url(), file);
-    EXPECT_EQ(readXML(file), std::nullopt);
+    EXPECT_EQ(document.url(), file);
+    EXPECT_EQ(document.read(), std::nullopt);
     ::umask(0077);
-    setting.write();
+    document.write(setting);
     expectWritten();
     EXPECT_EQ(mode(), 0660U);
     for (const mode_t wanted : {0666U, 0600U, 0640U}) {
@@ -64,21 +64,21 @@ TEST_F(SettingFile, IsMadeReplacedAndKeepsItsMode)
         constexpr mode_t ofPrograms = 06110;
         fs::permissions(file, fs::perms(wanted | ofPrograms));
         setting.users[0].keys.emplace_back(wanted);
-        setting.write();
+        document.write(setting);
         expectWritten();
         EXPECT_EQ(mode(), wanted);
     }
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(SettingFile, AFailureLeavesTheOldOneAndIsInTheLog)
+TEST_F(SettingFileTest, AFailureLeavesTheOldOneAndIsInTheLog)
 {
     writeFile(file, "old");
     fs::permissions(file, fs::perms(0666));
     fs::permissions(prefix.settingsFolder(), fs::perms(0555));
     {
         const WithoutPrivileges nobody;
-        setting.write();
+        document.write(setting);
         EXPECT_EQ(contentOf(file), "old");
         EXPECT_NE(log().find(" error VantroStandaloneSetting/SettingFile:"), std::string::npos);
         EXPECT_NE(log().find(file.string() + ": Permission denied"), std::string::npos) << log();
@@ -87,33 +87,33 @@ TEST_F(SettingFile, AFailureLeavesTheOldOneAndIsInTheLog)
     fs::permissions(file, fs::perms(0000));
     {
         const WithoutPrivileges nobody;
-        setting.write();
+        document.write(setting);
     }
     fs::permissions(prefix.settingsFolder(), fs::perms(0755));
     fs::permissions(file, fs::perms(0644));
     EXPECT_EQ(contentOf(file), "old");
 }
 
-TEST_F(SettingFile, AFullDiskLeavesTheOldOneAndIsInTheLog)
+TEST_F(SettingFileTest, AFullDiskLeavesTheOldOneAndIsInTheLog)
 {
     const SmallFileSystem disk(prefix.settingsFolder());
     if (!disk.isMounted())
         GTEST_SKIP() << "mounting a small file system needs root";
-    setting.write();
+    document.write(setting);
     const std::string old = serialised(setting);
     constexpr std::uint64_t keys = 2 * SmallFileSystem::size / 40;
     for (std::uint64_t serial = 1; serial < keys; ++serial)
         setting.masterKeySetting.masterKeys.emplace_back(serial);
-    setting.write();
+    document.write(setting);
     EXPECT_EQ(contentOf(file), old);
     EXPECT_NE(log().find("No space left on device"), std::string::npos) << log();
 }
 
-TEST_F(SettingFile, OneThatCanNotBeReadIsKeptAside)
+TEST_F(SettingFileTest, OneThatCanNotBeReadIsKeptAside)
 {
     const auto expectKept = [&](const std::string& suffix) {
-        EXPECT_EQ(readXML(file), std::nullopt);
-        setting.write();
+        EXPECT_EQ(document.read(), std::nullopt);
+        document.write(setting);
         expectWritten();
         EXPECT_EQ(mode(), 0660U) << "the mode that could not be read is not taken over";
         EXPECT_TRUE(fs::exists(aside(suffix))) << suffix;
@@ -150,22 +150,22 @@ TEST_F(SettingFile, OneThatCanNotBeReadIsKeptAside)
     EXPECT_EQ(contentOf(aside("-5")), "secret");
 }
 
-TEST_F(SettingFile, IsWrittenWhenOnlyItsFolderDoesNotReachTheDisk)
+TEST_F(SettingFileTest, IsWrittenWhenOnlyItsFolderDoesNotReachTheDisk)
 {
     const FailingFolderSync failing;
     bool isToldNotWritten = false;
     const auto observation = NotificationCenter::defaultCenter().addObserver(
         DocumentNotWritten, [&isToldNotWritten](const Notification&) { isToldNotWritten = true; });
-    setting.write();
+    document.write(setting);
     expectWritten();
     EXPECT_FALSE(isToldNotWritten);
-    EXPECT_FALSE(VantroStandaloneSetting::keepInvalid());
+    EXPECT_FALSE(document.keepInvalid());
     for (const char* const name : {".xml is in place, but may not", ".invalid is in place, but may not"})
         EXPECT_NE(log().find(name), std::string::npos) << log();
     EXPECT_EQ(log().find(" error "), std::string::npos) << log();
 }
 
-TEST_F(SettingFile, AProcessWithoutDescriptorsLeavesTheOldOne)
+TEST_F(SettingFileTest, AProcessWithoutDescriptorsLeavesTheOldOne)
 {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "the sanitizer needs descriptors of its own";
@@ -175,30 +175,30 @@ TEST_F(SettingFile, AProcessWithoutDescriptorsLeavesTheOldOne)
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &usual), 0);
     const rlimit none = {0, usual.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    setting.write();
+    document.write(setting);
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);
     EXPECT_EQ(contentOf(file), "old");
     EXPECT_FALSE(fs::exists(aside("")));
 }
 
-TEST_F(SettingFile, OneThatCanBeReadOnlyLaterIsLeftAlone)
+TEST_F(SettingFileTest, OneThatCanBeReadOnlyLaterIsLeftAlone)
 {
     writeFile(file, "old");
     fs::permissions(file, fs::perms::none);
     {
         const WithoutPrivileges nobody;
-        EXPECT_EQ(readXML(file), std::nullopt);
+        EXPECT_EQ(document.read(), std::nullopt);
     }
     fs::permissions(file, fs::perms(0666));
-    setting.write();
+    document.write(setting);
     EXPECT_EQ(contentOf(file), "old");
     EXPECT_FALSE(fs::exists(aside("")));
-    EXPECT_EQ(VantroStandaloneSetting::readability(), std::errc::permission_denied) << "nobody may go on without it";
+    EXPECT_EQ(document.readability(), std::errc::permission_denied) << "nobody may go on without it";
 }
 
-TEST_F(SettingFile, IsNotTheOneThatCouldNotBeReadAgain)
+TEST_F(SettingFileTest, IsNotTheOneThatCouldNotBeReadAgain)
 {
-    setting.write();
+    document.write(setting);
     const std::string old = contentOf(file);
     std::string nested = old;
     constexpr int depth = 20000;
@@ -208,28 +208,59 @@ TEST_F(SettingFile, IsNotTheOneThatCouldNotBeReadAgain)
     for (int level = 0; level < depth; ++level)
         foreign += "</x>";
     nested.insert(nested.find("</Users>"), foreign);
-    VantroStandaloneSetting(XML::parse(nested)).write();
+    writeFile(file, nested);
+    EXPECT_EQ(document.read(), setting);
+    document.write(setting);
+    EXPECT_GT(fs::file_size(file), nested.size());
     EXPECT_LT(fs::file_size(file), 2 * nested.size()) << "what is nested deeply is written as it is";
-    EXPECT_TRUE(VantroStandaloneSetting(XML::parse(contentOf(file))).isValid());
+    const std::string written = contentOf(file);
+    setting.users[0].account.clear();
+    document.write(setting);
+    EXPECT_EQ(contentOf(file), written);
 
     writeFile(file, old);
-    VantroStandaloneSetting damaged(XML::parse(nested));
-    damaged.users[0].account.clear();
-    damaged.write();
-    EXPECT_EQ(contentOf(file), old);
+    EXPECT_TRUE(document.read());
     for (const char* const account : {"", "ad\nam", "ad\xff"}) {
         setting.users[0].account = account;
-        setting.write();
+        document.write(setting);
         EXPECT_EQ(contentOf(file), old) << account;
     }
 }
 
-TEST_F(SettingFile, AnInvalidOneIsKeptWithAllThatWereKeptBefore)
+TEST_F(SettingFileTest, KeepsWhatItDoesNotKnowUntilItsKeyIsWrittenAway)
+{
+    document.write(setting);
+    std::string text = contentOf(file);
+    for (const char* const end : {"</YubiKey>", "</Users>"})
+        text.insert(text.find(end), "<!-- kept -->");
+    const auto comments = [this] {
+        const std::string content = contentOf(file);
+        std::size_t count = 0;
+        for (auto at = content.find("kept"); at != std::string::npos; at = content.find("kept", at + 1))
+            ++count;
+        return count;
+    };
+    writeFile(file, text);
+    EXPECT_EQ(document.read(), setting);
+    document.write(setting);
+    EXPECT_EQ(comments(), 2U);
+    document.write({});
+    EXPECT_EQ(comments(), 1U);
+    document.write(setting);
+    EXPECT_EQ(comments(), 1U) << "a key that is registered again is a new one";
+
+    writeFile(file, text + "<more/>");
+    ASSERT_TRUE(document.read());
+    document.write(setting);
+    EXPECT_EQ(comments(), 0U) << "an invalid document gives way whole";
+}
+
+TEST_F(SettingFileTest, AnInvalidOneIsKeptWithAllThatWereKeptBefore)
 {
     const auto invalid = [this](const std::string& suffix) { return file.string() + ".invalid" + suffix; };
     for (const char* const content : {"first", "second", "third"}) {
         writeFile(file, content, 04777);
-        EXPECT_FALSE(VantroStandaloneSetting::keepInvalid());
+        EXPECT_FALSE(document.keepInvalid());
     }
     EXPECT_EQ(contentOf(invalid("")), "third");
     EXPECT_EQ(modeOf(invalid("")), 0666U);
@@ -237,13 +268,13 @@ TEST_F(SettingFile, AnInvalidOneIsKeptWithAllThatWereKeptBefore)
     EXPECT_EQ(contentOf(invalid("-old-1")), "second");
     fs::remove(invalid(""));
     fs::create_directories(fs::path(invalid("")) / "inside");
-    EXPECT_FALSE(VantroStandaloneSetting::keepInvalid());
+    EXPECT_FALSE(document.keepInvalid());
     EXPECT_EQ(contentOf(invalid("")), "third");
     EXPECT_TRUE(fs::exists(fs::path(invalid("-old-2")) / "inside"));
 
     fs::permissions(prefix.settingsFolder(), fs::perms(0555));
     const WithoutPrivileges nobody;
-    EXPECT_TRUE(VantroStandaloneSetting::keepInvalid()) << "nothing may take its place";
+    EXPECT_TRUE(document.keepInvalid()) << "nothing may take its place";
     EXPECT_EQ(contentOf(file), "third");
 }
 

@@ -8,6 +8,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "VantroStandaloneSetting/SettingFile.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "service/ServiceFixture.h"
 
@@ -157,7 +158,7 @@ TEST_F(RecordTest, StaysWithTheTokenThatItWasWrittenForWhileAnyListNamesIt)
     profile.otp.slots[1].key = lab::SlotKey{3, 2, 1};
     VirtualToken claimant(bed, profile);
     claimant.plugIn();
-    const fs::path document = prefix.settings() / VantroStandaloneSetting::fileName;
+    const fs::path document = prefix.settings() / SettingFile::fileName;
     std::vector<std::function<void()>> namings;
     for (int list = 0; list < 3; ++list)
         namings.emplace_back([this, list] {

@@ -3,6 +3,9 @@
 #include <string>
 #include <system_error>
 
+#include "VantroStandaloneSetting/SettingFile.h"
+#include "VantroStandaloneSetting/SettingText.h"
+
 namespace vantro::tests {
 namespace fs = std::filesystem;
 
@@ -33,7 +36,7 @@ ServicePrefix::ServicePrefix()
 
 void ServicePrefix::store(const VantroStandaloneSetting& setting) const
 {
-    writeFile(settings() / VantroStandaloneSetting::fileName, serialised(setting));
+    writeFile(settings() / SettingFile::fileName, serialised(setting));
 }
 
 void ServicePrefix::installModule() const

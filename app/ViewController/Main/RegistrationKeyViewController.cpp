@@ -60,7 +60,7 @@ void RegistrationKeyViewController::showNotConnected()
 
 void RegistrationKeyViewController::showObstacle()
 {
-    obstacleLabelModel.setTextOrHide(AppDataSet::shared().tokenObstacle.text());
+    obstacleLabelModel.setTextOrHide(AppDataSet::shared().tokenObstacle().text());
 }
 
 void RegistrationKeyViewController::updateDisplay()

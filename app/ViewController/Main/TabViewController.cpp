@@ -87,7 +87,7 @@ void TabViewController::viewWillAppear()
         logger.info("Close the application for the first time.", function);
         NSApplication::terminate();
     }
-    if (!AppDataSet::shared().vantroStandaloneSetting.isValid()) {
+    if (!AppDataSet::shared().vantroStandaloneSetting.isValid) {
         logger.info("Setting file is invalid.", function);
         recoverSetting();
     }
@@ -114,7 +114,7 @@ void TabViewController::viewDidAppear()
     if (window() != nullptr)
         window()->setWindowTitle(windowTitleWithVersion());
     resizeWindowToFit(selectedTabViewItem());
-    if (VantroStandaloneSetting::writability())
+    if (AppDataSet::shared().vantroStandaloneSetting.file().writability())
         DispatchQueue::main().async(onMainQueue([this] { tellDocumentNotWritten(); }));
     logger.info("Finished viewDidAppear.", function);
 }
@@ -123,9 +123,9 @@ void TabViewController::tellDocumentNotWritten()
 {
     if (std::exchange(hasToldDocumentNotWritten, true))
         return;
-    createOKButtonOnlyAlert(
-        NSAlert::Style::Warning, StartMessage::documentNotWrittenHeading(),
-        StartMessage::documentNotWritten().arg(QString::fromStdString(VantroStandaloneSetting::url().string())))
+    createOKButtonOnlyAlert(NSAlert::Style::Warning, StartMessage::documentNotWrittenHeading(),
+                            StartMessage::documentNotWritten().arg(QString::fromStdString(
+                                AppDataSet::shared().vantroStandaloneSetting.file().url().string())))
         .runModal();
 }
 

@@ -3,7 +3,6 @@
 #include "AdminViewMessage.h"
 #include "AppDataSet.h"
 #include "CommonMessage.h"
-#include "Model/KeySorting.h"
 #include "ui_DeletionAdminKeyView.h"
 
 namespace vantro {
@@ -23,8 +22,7 @@ std::unique_ptr<QWidget> DeletionAdminKeyViewController::loadView()
 
 bool DeletionAdminKeyViewController::isLastKeyDeletion()
 {
-    const auto& setting = AppDataSet::shared().vantroStandaloneSetting;
-    return setting.adminSetting.toolLoginAuth && selectedRows().size() == setting.adminSetting.adminKeys.size();
+    return AppDataSet::shared().vantroStandaloneSetting.areLastAdminKeys(selectedRows().size());
 }
 
 void DeletionAdminKeyViewController::removeFromSetting()

@@ -3,7 +3,6 @@
 #include "AppDataSet.h"
 #include "CommonMessage.h"
 #include "MasterKeyViewMessage.h"
-#include "Model/KeySorting.h"
 #include "ui_DeletionMasterKeyView.h"
 
 namespace vantro {
@@ -23,9 +22,7 @@ std::unique_ptr<QWidget> DeletionMasterKeyViewController::loadView()
 
 bool DeletionMasterKeyViewController::isLastKeyDeletion()
 {
-    const auto& setting = AppDataSet::shared().vantroStandaloneSetting;
-    return setting.switchSetting.secureMode && setting.users.empty() &&
-           selectedRows().size() == setting.masterKeySetting.masterKeys.size();
+    return AppDataSet::shared().vantroStandaloneSetting.areLastMasterKeys(selectedRows().size());
 }
 
 void DeletionMasterKeyViewController::removeFromSetting()

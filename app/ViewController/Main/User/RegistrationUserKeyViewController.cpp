@@ -7,19 +7,10 @@
 #include "SystemUsers.h"
 #include "UserViewMessage.h"
 #include "foundation/Identity.h"
+#include "foundation/Text.h"
 #include "ui_RegistrationUserKeyView.h"
 
 namespace vantro {
-namespace {
-
-/// Whether the first entry of the account has the serial; entries of other accounts are not looked at.
-bool isAllcatedUserKey(const VantroStandaloneSetting& setting, const std::string& account, std::uint64_t serial)
-{
-    const UserSetting* const user = firstUser(setting.users, account);
-    return user != nullptr && containsSerial(user->keys, serial);
-}
-
-} // namespace
 
 RegistrationUserKeyViewController::RegistrationUserKeyViewController()
     : RegistrationToListViewController("ViewController/Main/User/RegistrationUserKeyViewController",
@@ -94,7 +85,7 @@ void RegistrationUserKeyViewController::onChangeAccount(QObject* /*sender*/)
 
 bool RegistrationUserKeyViewController::isAllocated(std::uint64_t serial) const
 {
-    return isAllcatedUserKey(AppDataSet::shared().vantroStandaloneSetting, selectedAccount(), serial);
+    return AppDataSet::shared().vantroStandaloneSetting.isAllcatedUserKey(selectedAccount(), serial);
 }
 
 bool RegistrationUserKeyViewController::isAllocatedMeanwhile(std::uint64_t /*serial*/) const
@@ -113,16 +104,10 @@ void RegistrationUserKeyViewController::addToSetting(std::uint64_t serial)
     constexpr auto function = "onClickOK(_:)";
     const std::string account = selectedAccount();
     auto& setting = AppDataSet::shared().vantroStandaloneSetting;
-    UserSetting* user = firstUser(setting.users, account);
-    if (user == nullptr) {
+    if (setting.user(account) == nullptr)
         logger.info("Create new user. [account: " + account + "]", function);
-        user = &setting.users.emplace_back(account);
-    }
-    user->keys.emplace_back(serial);
     logger.info("Append allocaetd key. [accout: " + account + ", serial: " + std::to_string(serial) + "]", function);
-    sortByAccount(setting.users);
-    for (UserSetting& entry : setting.users)
-        sortBySerial(entry.keys);
+    setting.addUserKey(account, serial);
     setting.write();
 }
 
