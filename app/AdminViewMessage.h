@@ -10,15 +10,12 @@ struct AdminViewMessage
 {
     AdminViewMessage() = delete;
 
-    static const QString& alreadyAllocatedKey() { return message<"AdminViewMessage", "already_allocated_key">(); }
-    static const QString& yubiKeyIsNotConnected() { return message<"AdminViewMessage", "yubiKey_is_not_connected">(); }
-    static const QString& notSelectedForDeletion()
+    static QString alreadyAllocatedKey() { return localizedString("AdminViewMessage", "already_allocated_key"); }
+    static QString yubiKeyIsNotConnected() { return localizedString("AdminViewMessage", "yubiKey_is_not_connected"); }
+    static QString notSelectedForDeletion() { return localizedString("AdminViewMessage", "not_selected_for_deletion"); }
+    static QString noRegistrationAdminYubiKey()
     {
-        return message<"AdminViewMessage", "not_selected_for_deletion">();
-    }
-    static const QString& noRegistrationAdminYubiKey()
-    {
-        return message<"AdminViewMessage", "no_registration_admin_yubiKey">();
+        return localizedString("AdminViewMessage", "no_registration_admin_yubiKey");
     }
 };
 

@@ -20,7 +20,8 @@ AppDataSet& AppDataSet::shared()
 }
 
 AppDataSet::AppDataSet()
-    : logger(LoggerManager::logger("VantroStandalone").inFile("AppDataSet")), tokenPresence_(logger, __LINE__)
+    : logger(LoggerManager::logger("VantroStandalone").inFile("AppDataSet")),
+      tokenPresence_(logger.onBehalfOf("AppDataSet"))
 {
     std::thread([log = logger] {
         log.info("Start initializing the user list.", initFunction);

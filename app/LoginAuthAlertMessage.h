@@ -10,9 +10,9 @@ struct LoginAuthAlertMessage
 {
     LoginAuthAlertMessage() = delete;
 
-    static const QString& notConnectedYubiKey() { return message<"LoginAuthAlertMessage", "not_connected_yubikey">(); }
-    static const QString& notAdminKey() { return message<"LoginAuthAlertMessage", "not_admin_key">(); }
-    static const QString& authFailure() { return message<"LoginAuthAlertMessage", "auth_failure">(); }
+    static QString notConnectedYubiKey() { return localizedString("LoginAuthAlertMessage", "not_connected_yubikey"); }
+    static QString notAdminKey() { return localizedString("LoginAuthAlertMessage", "not_admin_key"); }
+    static QString authFailure() { return localizedString("LoginAuthAlertMessage", "auth_failure"); }
 };
 
 } // namespace vantro

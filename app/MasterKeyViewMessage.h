@@ -10,14 +10,14 @@ struct MasterKeyViewMessage
 {
     MasterKeyViewMessage() = delete;
 
-    static const QString& alreadyAllocatedKey() { return message<"MasterKeyViewMessage", "already_allocated_key">(); }
-    static const QString& yubiKeyIsNotConnected()
+    static QString alreadyAllocatedKey() { return localizedString("MasterKeyViewMessage", "already_allocated_key"); }
+    static QString yubiKeyIsNotConnected()
     {
-        return message<"MasterKeyViewMessage", "yubiKey_is_not_connected">();
+        return localizedString("MasterKeyViewMessage", "yubiKey_is_not_connected");
     }
-    static const QString& notSelectedForDeletion()
+    static QString notSelectedForDeletion()
     {
-        return message<"MasterKeyViewMessage", "not_selected_for_deletion">();
+        return localizedString("MasterKeyViewMessage", "not_selected_for_deletion");
     }
 };
 

@@ -29,7 +29,7 @@ const std::vector<HIDMonitorData>& deviceFilter()
 
 } // namespace
 
-TokenPresence::TokenPresence(Logger logger, int line) : logger_(std::move(logger)), line_(line) {}
+TokenPresence::TokenPresence(Logger logger) : logger_(std::move(logger)) {}
 
 void TokenPresence::monitorYubiKey()
 {
@@ -42,7 +42,7 @@ void TokenPresence::monitorYubiKey()
         center.addObserver(HIDDeviceDisconnected, [this](const Notification&) { onDeviceDisconnected(); }));
     std::thread([this] {
         if (const auto error = monitor_->start())
-            logger_.error("Tokens can't be watched: " + error.message() + ".", "monitorYubiKey()", line_);
+            logger_.error("Tokens can't be watched: " + error.message() + ".", "monitorYubiKey()");
     }).detach();
 }
 
@@ -54,9 +54,9 @@ void TokenPresence::onDeviceConnected(const Notification& notification)
         return;
 
     // Through shared(), which is not there before the start sequence has ended.
-    const ServiceRequest<std::uint64_t> request([log = logger_, line = line_](ServiceProxy& service, auto reply) {
-        service.getSerialWithReply([log, line, reply](std::uint64_t number) {
-            log.info("Connected YubiKey [Serial = " + std::to_string(number) + "].", function, line);
+    const ServiceRequest<std::uint64_t> request([log = logger_](ServiceProxy& service, auto reply) {
+        service.getSerialWithReply([log, reply](std::uint64_t number) {
+            log.info("Connected YubiKey [Serial = " + std::to_string(number) + "].", function);
             reply(number);
         });
     });
@@ -65,17 +65,17 @@ void TokenPresence::onDeviceConnected(const Notification& notification)
     setCount(count_ + 1);
 
     if (reply.value_or(0) == 0) {
-        logger_.warning(std::string("Serial is nil or 0. [") + (reply ? "Optional(0)" : "nil") + "]", function, line_);
+        logger_.warning(std::string("Serial is nil or 0. [") + (reply ? "Optional(0)" : "nil") + "]", function);
         obstacle_.set(TokenObstacle::Kind::SerialNotRead, request.failure(serviceReplyLimit));
         return;
     }
     serial_ = *reply;
     obstacle_.set(TokenObstacle::Kind::None);
     NotificationCenter::defaultCenter().post(ConnectedYubiKey);
-    logger_.info("YubiKey connection notification", function, line_);
+    logger_.info("YubiKey connection notification", function);
     if (count_ >= 2) {
         NotificationCenter::defaultCenter().post(MultipleConnectedYubiKey);
-        logger_.info("Multiple connection notification for YubiKey.", function, line_);
+        logger_.info("Multiple connection notification for YubiKey.", function);
     }
 }
 
@@ -89,9 +89,9 @@ void TokenPresence::onDeviceDisconnected()
 
     const auto lastSerial = serial();
     if (count_ >= 1 && lastSerial)
-        logger_.info("Disconnected YubiKey [Serial = " + std::to_string(*lastSerial) + "].", function, line_);
+        logger_.info("Disconnected YubiKey [Serial = " + std::to_string(*lastSerial) + "].", function);
     else
-        logger_.info("Disconnected YubiKey.", function, line_);
+        logger_.info("Disconnected YubiKey.", function);
     serial_ = 0;
     setCount(count_ - 1);
     if (count_ <= 0)
@@ -110,7 +110,7 @@ std::optional<std::uint64_t> TokenPresence::serial() const
 void TokenPresence::setCount(std::int64_t count)
 {
     count_ = count;
-    logger_.info("Connected YubiKey count: " + std::to_string(count), "connectedYubiKeyCount", line_);
+    logger_.info("Connected YubiKey count: " + std::to_string(count), "connectedYubiKeyCount");
 }
 
 } // namespace vantro

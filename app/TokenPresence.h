@@ -25,8 +25,8 @@ inline const NotificationName MultipleConnectedYubiKey = "multiple_connected_Yub
 class TokenPresence
 {
   public:
-    /// What is logged names the owner's file, by `logger`, and in it `line`.
-    TokenPresence(Logger logger, int line);
+    /// Logs by `logger`, on behalf of its owner.
+    explicit TokenPresence(Logger logger);
 
     /// Observes the monitor and starts its thread, which uses the shared data set. Main thread, once.
     void monitorYubiKey();
@@ -46,7 +46,6 @@ class TokenPresence
     void setCount(std::int64_t count);
 
     const Logger logger_;
-    const int line_;
     std::atomic<std::int64_t> count_ = 0;
     /// 0, which no token has, stands for an absent serial.
     std::atomic<std::uint64_t> serial_ = 0;

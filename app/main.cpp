@@ -1,4 +1,4 @@
-#include "Resources/Storyboards.h"
+#include "CompositionRoot.h"
 #include "appkit/NSApplication.h"
 
 int main(int argc, char** argv)

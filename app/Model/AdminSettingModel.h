@@ -12,7 +12,7 @@ struct AdminSettingModel
     /// Posted when the state of the check box has changed.
     inline static const NotificationName toolLoginAuthStateChanged = "toolLoginAuthStateChanged";
 
-    SettingCheckButtonModel authCheckButtonModel{false, true, true, toolLoginAuthStateChanged};
+    SettingCheckButtonModel authCheckButtonModel{toolLoginAuthStateChanged};
     KeyValueArray<AdminKeyModel> adminKeyModels;
 };
 

@@ -1,14 +1,11 @@
 #include "Model/LabelModel.h"
 
 #include <memory>
-#include <utility>
 
 #include <QEvent>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QPalette>
-
-#include "appkit/Bindings.h"
 
 namespace vantro {
 
@@ -55,41 +52,34 @@ class LabelColor : public QObject
 
 } // namespace
 
-LabelModel::LabelModel(QString text, NSColor textColor, bool isHidden)
-    : text_(std::move(text)), textColor_(textColor), isHidden_(isHidden)
-{
-}
-
 void LabelModel::setText(const QString& text)
 {
     text_ = text;
-    Q_EMIT textChanged();
+    Q_EMIT changed();
 }
 
 void LabelModel::setTextColor(NSColor textColor)
 {
     textColor_ = textColor;
-    Q_EMIT textColorChanged();
-}
-
-void LabelModel::setIsHidden(bool isHidden)
-{
-    isHidden_ = isHidden;
-    Q_EMIT isHiddenChanged();
+    Q_EMIT changed();
 }
 
 void LabelModel::setTextOrHide(const QString& text)
 {
+    isHidden_ = text.isEmpty();
     setText(text);
-    setIsHidden(text.isEmpty());
 }
 
 void LabelModel::bindTo(QLabel* label)
 {
-    bind(this, "text", label, [label](const QVariant& value) { label->setText(value.toString()); });
-    bind(this, "isHidden", label, [label](const QVariant& value) { label->setHidden(value.toBool()); });
     auto* const color = std::make_unique<LabelColor>(label).release();
-    bind(this, "textColor", label, [color](const QVariant& value) { color->set(value.value<NSColor>()); });
+    const auto show = [this, label, color] {
+        label->setText(text_);
+        label->setHidden(isHidden_);
+        color->set(textColor_);
+    };
+    connect(this, &LabelModel::changed, label, show);
+    show();
 }
 
 } // namespace vantro

@@ -13,19 +13,22 @@ namespace vantro {
 class LabelModel : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
-    Q_PROPERTY(vantro::NSColor textColor READ textColor WRITE setTextColor NOTIFY textColorChanged)
-    Q_PROPERTY(bool isHidden READ isHidden WRITE setIsHidden NOTIFY isHiddenChanged)
 
   public:
-    LabelModel(QString text, NSColor textColor, bool isHidden);
+    enum class Visibility
+    {
+        Shown,
+        Hidden
+    };
+
+    /// Without a text, in the standard colour.
+    explicit LabelModel(Visibility visibility = Visibility::Shown) : isHidden_(visibility == Visibility::Hidden) {}
 
     [[nodiscard]] const QString& text() const { return text_; }
     void setText(const QString& text);
     [[nodiscard]] NSColor textColor() const { return textColor_; }
     void setTextColor(NSColor textColor);
     [[nodiscard]] bool isHidden() const { return isHidden_; }
-    void setIsHidden(bool isHidden);
 
     /// Sets the text, and hides the label while there is none: it takes no room then.
     void setTextOrHide(const QString& text);
@@ -34,13 +37,11 @@ class LabelModel : public QObject
     void bindTo(QLabel* label);
 
   Q_SIGNALS:
-    void textChanged();
-    void textColorChanged();
-    void isHiddenChanged();
+    void changed();
 
   private:
     QString text_;
-    NSColor textColor_;
+    NSColor textColor_ = NSColor::LabelColor;
     bool isHidden_;
 };
 

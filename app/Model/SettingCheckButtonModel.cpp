@@ -3,21 +3,14 @@
 #include <utility>
 
 #include <QAbstractButton>
-
-#include "appkit/Bindings.h"
+#include <QSignalBlocker>
 
 namespace vantro {
-
-SettingCheckButtonModel::SettingCheckButtonModel(bool state, bool isEnabled, bool needsNotification,
-                                                 NotificationName notification)
-    : needNotification(needsNotification), state_(state), isEnabled_(isEnabled), notification_(std::move(notification))
-{
-}
 
 void SettingCheckButtonModel::setState(bool state)
 {
     const bool hasChanged = std::exchange(state_, state) != state;
-    Q_EMIT stateChanged();
+    Q_EMIT changed();
     if (needNotification && hasChanged)
         NotificationCenter::defaultCenter().post(notification_);
 }
@@ -25,13 +18,20 @@ void SettingCheckButtonModel::setState(bool state)
 void SettingCheckButtonModel::setIsEnabled(bool isEnabled)
 {
     isEnabled_ = isEnabled;
-    Q_EMIT isEnabledChanged();
+    Q_EMIT changed();
 }
 
 void SettingCheckButtonModel::bindTo(QAbstractButton* checkBox)
 {
-    bindChecked(this, "state", checkBox);
-    bind(this, "isEnabled", checkBox, [checkBox](const QVariant& value) { checkBox->setEnabled(value.toBool()); });
+    const auto show = [this, checkBox] {
+        // A change of the model is no action of the user's: toggled() tells of those alone.
+        const QSignalBlocker blocker(checkBox);
+        checkBox->setChecked(state_);
+        checkBox->setEnabled(isEnabled_);
+    };
+    connect(this, &SettingCheckButtonModel::changed, checkBox, show);
+    connect(checkBox, &QAbstractButton::toggled, this, &SettingCheckButtonModel::setState);
+    show();
 }
 
 } // namespace vantro

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include <QObject>
 
 #include "foundation/NotificationCenter.h"
@@ -12,11 +14,10 @@ namespace vantro {
 class SettingCheckButtonModel : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(bool state READ state WRITE setState NOTIFY stateChanged)
-    Q_PROPERTY(bool isEnabled READ isEnabled WRITE setIsEnabled NOTIFY isEnabledChanged)
 
   public:
-    SettingCheckButtonModel(bool state, bool isEnabled, bool needNotification, NotificationName notification);
+    /// Off and enabled; announces each change of its state by `notification`.
+    explicit SettingCheckButtonModel(NotificationName notification) : notification_(std::move(notification)) {}
 
     [[nodiscard]] bool state() const { return state_; }
 
@@ -27,18 +28,17 @@ class SettingCheckButtonModel : public QObject
     [[nodiscard]] bool isEnabled() const { return isEnabled_; }
     void setIsEnabled(bool isEnabled);
 
-    bool needNotification;
+    bool needNotification = true;
 
     /// Binds this model to a check box, both ways, for as long as both live.
     void bindTo(QAbstractButton* checkBox);
 
   Q_SIGNALS:
-    void stateChanged();
-    void isEnabledChanged();
+    void changed();
 
   private:
-    bool state_;
-    bool isEnabled_;
+    bool state_ = false;
+    bool isEnabled_ = true;
     NotificationName notification_;
 };
 

@@ -24,15 +24,16 @@ const QWidget* firstInFocus(const QWidget* window)
 
 } // namespace
 
-DialogViewController::DialogViewController(const char* sourceFile)
-    : logger(AppDataSet::shared().logger.inFile(sourceFile))
+DialogViewController::DialogViewController(const LogSource& source)
+    : logger(AppDataSet::shared().logger.inFile(source.file)),
+      baseLogger(AppDataSet::shared().logger.onBehalfOf(source))
 {
     setTitle(windowTitleWithVersion());
 }
 
 void DialogViewController::onClickCancel(QObject* /*sender*/)
 {
-    logger.info("Called onClickCancel.", "onClickCancel(_:)");
+    baseLogger.info("Called onClickCancel.", "onClickCancel(_:)");
     dismissController();
 }
 

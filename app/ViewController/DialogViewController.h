@@ -11,8 +11,8 @@ class QDialogButtonBox;
 
 namespace vantro {
 
-/// What every dialog of the tool has: the title with the version, the log, an OK and a Cancel button, and Esc and the
-/// close button meaning Cancel. Main thread.
+/// What the dialogs have that a person answers (the alert about several tokens has no buttons): the title with the
+/// version, the log, an OK and a Cancel button, and Esc and the close button meaning Cancel. Main thread.
 class DialogViewController : public NSViewController
 {
     Q_OBJECT
@@ -30,8 +30,8 @@ class DialogViewController : public NSViewController
     QPointer<QPushButton> OKButton;
 
   protected:
-    /// `sourceFile` is the screen's name in the log.
-    explicit DialogViewController(const char* sourceFile);
+    /// `source` is the screen's name in the log.
+    explicit DialogViewController(const LogSource& source);
 
     /// Which of the two buttons Enter presses.
     enum class DefaultButton
@@ -47,7 +47,10 @@ class DialogViewController : public NSViewController
     /// more it rests on the content, and from there returns to OK as soon as that can be used.
     void setOKEnabled(bool isEnabled);
 
+    /// For the screen itself.
     const Logger logger;
+    /// For what a base does for the screen.
+    const Logger baseLogger;
 
   private:
     QPointer<QPushButton> cancelButton_;

@@ -45,6 +45,13 @@ Logger::Logger(std::shared_ptr<spdlog::logger> sink, std::string file) : sink_(s
 {
 }
 
+Logger Logger::onBehalfOf(const LogSource& source) const
+{
+    Logger logger = inFile(source.file);
+    logger.line_ = source.line;
+    return logger;
+}
+
 Logger Logger::inFile(std::string_view file) const
 {
     return {sink_, std::string(file)};
@@ -52,17 +59,17 @@ Logger Logger::inFile(std::string_view file) const
 
 void Logger::info(std::string_view message, std::string_view function, int line) const
 {
-    write(*sink_, spdlog::level::info, file_, message, function, line);
+    write(*sink_, spdlog::level::info, file_, message, function, line_.value_or(line));
 }
 
 void Logger::warning(std::string_view message, std::string_view function, int line) const
 {
-    write(*sink_, spdlog::level::warn, file_, message, function, line);
+    write(*sink_, spdlog::level::warn, file_, message, function, line_.value_or(line));
 }
 
 void Logger::error(std::string_view message, std::string_view function, int line) const
 {
-    write(*sink_, spdlog::level::err, file_, message, function, line);
+    write(*sink_, spdlog::level::err, file_, message, function, line_.value_or(line));
 }
 
 void Logger::flush() const

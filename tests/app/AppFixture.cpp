@@ -9,10 +9,12 @@
 
 #include <unistd.h>
 
+#include "CompositionRoot.h"
+#include "DefaultsKeys.h"
 #include "LoggerManager/LoggerManager.h"
 #include "LoginAuthentication.h"
-#include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
+#include "appkit/NSStoryboard.h"
 #include "appkit/StringTable.h"
 #include "appkit/UserDefaults.h"
 #include "usb/HIDDeviceMonitor.h"
@@ -91,9 +93,9 @@ int AppFixture::takeWrites()
 NSWindow& AppFixture::window()
 {
     if (!window_) {
-        UserDefaults::standard().set(QStringLiteral("suppression"), true);
-        UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
-        window_ = std::make_unique<NSWindow>(mainStoryboard().instantiateController("TabViewController"));
+        UserDefaults::standard().set(defaults_key::suppression, true);
+        UserDefaults::standard().set(defaults_key::isFirstStart, false);
+        window_ = std::make_unique<NSWindow>(NSStoryboard::named("Main").instantiateController("TabViewController"));
         window_->makeKeyAndOrderFront();
         EXPECT_TRUE(activate(*window_));
     }

@@ -119,6 +119,8 @@ class AppFixture : public testing::Test
     /// The messages alone.
     [[nodiscard]] std::vector<std::string> messages(const std::string& file) const;
     void forgetLog();
+    /// All that the tool has logged, as it stands in the file.
+    [[nodiscard]] std::string wholeLog() const;
 
     struct ShownAlert
     {
@@ -146,7 +148,6 @@ class AppFixture : public testing::Test
 
   private:
     int present(NSAlert& alert);
-    [[nodiscard]] std::string wholeLog() const;
 
     int argumentCount_ = 1;
     std::string name_ = "vantro-standalone";

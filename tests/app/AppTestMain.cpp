@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "CompositionRoot.h"
 #include "emulation/Preload.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestProcess.h"
@@ -45,6 +46,7 @@ int main(int argc, char** argv)
         ::unsetenv("LANGUAGE");
     }
     vantro::lab::reexecuteUnderPreload(argv, {NSS_WRAPPER_LIBRARY});
+    vantro::installStoryboards();
     testing::InitGoogleTest(&argc, argv);
     const int result = RUN_ALL_TESTS();
     std::error_code ignored;

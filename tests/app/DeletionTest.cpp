@@ -10,12 +10,12 @@
 #include "AdminViewMessage.h"
 #include "CommonMessage.h"
 #include "MasterKeyViewMessage.h"
-#include "Resources/Storyboards.h"
 #include "UserViewMessage.h"
 #include "ViewController/Main/Admin/AdminViewContorller.h"
 #include "ViewController/Main/DeletionKeyViewController.h"
 #include "ViewController/Main/KeyListViewController.h"
 #include "app/AppFixture.h"
+#include "appkit/NSStoryboard.h"
 #include "foundation/OperatingSystem.h"
 #include "support/WaitUntil.h"
 
@@ -72,7 +72,7 @@ class Deletion : public AppFixture
         return present<DeletionKeyViewController>(list, list.deleteButton);
     }
 
-    void check(const char* tab, const std::string& file, const QString& (*warning)(), std::vector<Case> cases)
+    void check(const char* tab, const std::string& file, QString (*warning)(), std::vector<Case> cases)
     {
         for (Case& deletion : cases) {
             SCOPED_TRACE(deletion.name);
@@ -309,7 +309,7 @@ const struct
     const char* tab;
     const char* file;
     const char* dialog;
-    const QString& (*notSelected)();
+    QString (*notSelected)();
     const char* lines;
     bool logsLoading;
 } dialogs[] = {
@@ -410,7 +410,7 @@ TEST_F(Deletion, WithoutItsListOrItsSelectionItOnlyCloses)
     for (const auto& dialog : dialogs) {
         auto& other = switchTo("Setting");
         forgetLog();
-        other.presentAsModalWindow(mainStoryboard().instantiateController(dialog.dialog));
+        other.presentAsModalWindow(NSStoryboard::named("Main").instantiateController(dialog.dialog));
         QPointer shown(other.findChild<DeletionKeyViewController*>());
         QTest::mouseClick(shown->OKButton, Qt::LeftButton);
         EXPECT_TRUE(isDismissed(shown));

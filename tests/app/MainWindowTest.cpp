@@ -11,7 +11,7 @@
 #include "Alerts.h"
 #include "ApplicationVersion.h"
 #include "CommonMessage.h"
-#include "Resources/Storyboards.h"
+#include "DefaultsKeys.h"
 #include "ServiceRequests.h"
 #include "StartMessage.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
@@ -21,6 +21,7 @@
 #include "ViewController/Main/User/RegistrationUserKeyViewController.h"
 #include "ViewController/Main/User/UserViewController.h"
 #include "app/AppFixture.h"
+#include "appkit/NSStoryboard.h"
 #include "appkit/UserDefaults.h"
 
 namespace vantro::tests {
@@ -38,7 +39,8 @@ class MainWindow : public AppFixture
     /// Opens the window with the user defaults as the test left them.
     std::unique_ptr<NSWindow> open()
     {
-        auto opened = std::make_unique<NSWindow>(mainStoryboard().instantiateController("TabViewController"));
+        auto opened =
+            std::make_unique<NSWindow>(NSStoryboard::named("Main").instantiateController("TabViewController"));
         opened->makeKeyAndOrderFront();
         return opened;
     }
@@ -74,7 +76,7 @@ TEST_F(MainWindow, PagesAreMadeWhenTheyFirstAppear)
 TEST_F(MainWindow, AsksForAccessUntilToldNotTo)
 {
     store({});
-    UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
+    UserDefaults::standard().set(defaults_key::isFirstStart, false);
     open().reset();
     ticksSuppression = true;
     open().reset();
@@ -98,7 +100,7 @@ TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
     EXPECT_EXIT(open(), testing::ExitedWithCode(EXIT_SUCCESS),
                 "Display Alert(.|\n)*Close the application for the first time");
     // The window would end this process, too, and with success.
-    ASSERT_EQ(UserDefaults::standard().object(QStringLiteral("isFirstStart")), false)
+    ASSERT_EQ(UserDefaults::standard().object(defaults_key::isFirstStart), false)
         << "an entry is left behind, although it says false";
     EXPECT_TRUE(open()->isVisible());
 }

@@ -6,13 +6,13 @@
 #include "AdminViewMessage.h"
 #include "CommonMessage.h"
 #include "MasterKeyViewMessage.h"
-#include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
 #include "UserViewMessage.h"
 #include "ViewController/Main/Admin/AdminViewContorller.h"
 #include "ViewController/Main/KeyListViewController.h"
 #include "ViewController/Main/RegistrationKeyViewController.h"
 #include "app/AppFixture.h"
+#include "appkit/NSStoryboard.h"
 #include "foundation/DispatchQueue.h"
 
 namespace vantro::tests {
@@ -30,8 +30,8 @@ struct Kind
     const char* tab;
     const char* file;
     const char* dialog;
-    const QString& (*notConnected)();
-    const QString& (*alreadyAllocated)();
+    QString (*notConnected)();
+    QString (*alreadyAllocated)();
     bool closesAfterRefusal;
     /// A document whose list that the dialog fills has these keys.
     VantroStandaloneSetting (*with)(const std::vector<YubiKey>& keys);
@@ -354,7 +354,7 @@ TEST_P(Registration, PresentedByAnotherControllerItDoesNothing)
     service->forgetCalls();
     takeWrites();
     auto& other = switchTo("Setting");
-    other.presentAsModalWindow(mainStoryboard().instantiateController(kind().dialog));
+    other.presentAsModalWindow(NSStoryboard::named("Main").instantiateController(kind().dialog));
     const QPointer dialog(other.findChild<RegistrationKeyViewController*>());
     forgetLog();
     QTest::mouseClick(dialog->OKButton, Qt::LeftButton);

@@ -4,7 +4,6 @@
 #include <QLabel>
 #include <QTableView>
 
-#include "Resources/Storyboards.h"
 #include "ServiceRequests.h"
 #include "ViewController/Main/DeletionKeyViewController.h"
 #include "ViewController/Main/KeyListViewController.h"

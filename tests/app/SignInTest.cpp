@@ -6,9 +6,9 @@
 #include <QMouseEvent>
 #include <QTimer>
 
+#include "DefaultsKeys.h"
 #include "LoginAuthAlertMessage.h"
 #include "LoginAuthentication.h"
-#include "Resources/Storyboards.h"
 #include "ViewController/Alert/LoginAuthAlertViewController.h"
 #include "app/AppFixture.h"
 #include "appkit/UserDefaults.h"
@@ -44,8 +44,8 @@ class SignInDialog : public AppFixture
     SignInDialog()
     {
         store({.adminSetting = {.toolLoginAuth = true, .adminKeys = {adminKey}}});
-        UserDefaults::standard().set(QStringLiteral("suppression"), true);
-        UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
+        UserDefaults::standard().set(defaults_key::suppression, true);
+        UserDefaults::standard().set(defaults_key::isFirstStart, false);
     }
 
     /// Opens the main window, which blocks until the sign-in is over; meanwhile runs the steps, each once its condition

@@ -8,7 +8,7 @@
 
 #include "AppDelegate.h"
 #include "CommonMessage.h"
-#include "Resources/Storyboards.h"
+#include "CompositionRoot.h"
 #include "StartMessage.h"
 #include "app/AppFixture.h"
 #include "support/LockHolder.h"

@@ -1,6 +1,9 @@
 // Every screen can be made, has its outlets, and has a text for each of its keys.
 
+#include <fstream>
+#include <regex>
 #include <set>
+#include <sstream>
 
 #include <QAbstractButton>
 #include <QDirIterator>
@@ -9,9 +12,9 @@
 #include <QRegularExpression>
 #include <QXmlStreamReader>
 
-#include "Resources/Storyboards.h"
 #include "app/AppFixture.h"
 #include "app/StringTableFile.h"
+#include "appkit/NSStoryboard.h"
 
 namespace vantro::tests {
 namespace {
@@ -20,7 +23,7 @@ TEST_F(AppFixture, EveryScreenLoadsAndShowsTextsInsteadOfKeys)
 {
     store({});
     const QRegularExpression key(QStringLiteral("^[a-z]+(_[a-z]+)+$"));
-    for (const NSStoryboard* const storyboard : {&mainStoryboard(), &alertStoryboard()}) {
+    for (const NSStoryboard* const storyboard : {&NSStoryboard::named("Main"), &NSStoryboard::named("Alert")}) {
         for (const auto& [identifier, factory] : storyboard->factories()) {
             SCOPED_TRACE(identifier);
             const auto controller = storyboard->instantiateController(identifier);
@@ -32,7 +35,24 @@ TEST_F(AppFixture, EveryScreenLoadsAndShowsTextsInsteadOfKeys)
                 EXPECT_FALSE(key.match(button->text()).hasMatch()) << button->text().toStdString();
         }
     }
-    EXPECT_THROW(static_cast<void>(mainStoryboard().instantiateController("Nobody")), std::logic_error);
+    EXPECT_THROW(static_cast<void>(NSStoryboard::named("Main").instantiateController("Nobody")), std::logic_error);
+
+    // What a record says of its source holds: a statement that ends there logs, or names the file that others log for.
+    const std::regex place(R"( (\S+):(\d+) )");
+    std::istringstream records(wholeLog());
+    for (std::string record; std::getline(records, record);) {
+        std::smatch found;
+        ASSERT_TRUE(std::regex_search(record, found, place)) << record;
+        std::ifstream source(APP_SOURCE "/" + found.str(1) + ".cpp");
+        std::string statement;
+        for (int left = std::stoi(found[2]); left > 0; --left) {
+            std::string line;
+            EXPECT_TRUE(std::getline(source, line)) << record;
+            constexpr int linesOfAStatement = 4;
+            statement += left <= linesOfAStatement ? line : "";
+        }
+        EXPECT_TRUE(std::regex_search(statement, std::regex("log|" + found.str(1)))) << record << "\n" << statement;
+    }
 }
 
 /// The texts of an XML element's children of a name, below the whole document.

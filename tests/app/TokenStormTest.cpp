@@ -13,6 +13,7 @@
 #include <QTableView>
 #include <QTimer>
 
+#include "DefaultsKeys.h"
 #include "ViewController/Main/KeyListViewController.h"
 #include "app/AppFixture.h"
 #include "appkit/ModalWindow.h"
@@ -32,8 +33,8 @@ class TokenStorm : public AppFixture
     TokenStorm()
     {
         store({.users = {{"adam", {1}}}, .adminSetting = {.toolLoginAuth = true, .adminKeys = {11, 22}}});
-        UserDefaults::standard().set(QStringLiteral("suppression"), true);
-        UserDefaults::standard().set(QStringLiteral("isFirstStart"), false);
+        UserDefaults::standard().set(defaults_key::suppression, true);
+        UserDefaults::standard().set(defaults_key::isFirstStart, false);
         // Now and then a serial can't be read, or the service refuses to say it.
         std::deque<ScriptedService::Answer> serials;
         for (std::uint64_t request = 0; request < cycles; ++request) {

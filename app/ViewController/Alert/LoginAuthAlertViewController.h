@@ -29,9 +29,9 @@ class LoginAuthAlertViewController : public NSViewController
     void onClickAuthenticate(QObject* sender);
 
     QPointer<QPushButton> authenticateButton;
-    LabelModel errorMessageLabelModel{QString(), NSColor::LabelColor, false};
+    LabelModel errorMessageLabelModel;
     /// Below the error: why the service did not confirm the token, or why a token that is plugged in can't be checked.
-    LabelModel reasonLabelModel{QString(), NSColor::LabelColor, true};
+    LabelModel reasonLabelModel{LabelModel::Visibility::Hidden};
 
   protected:
     std::unique_ptr<QWidget> loadView() override;

@@ -13,8 +13,8 @@ namespace {
 constexpr auto onClickOKFunction = "onClickOK(_:)";
 }
 
-DeletionKeyViewController::DeletionKeyViewController(const char* sourceFile, Texts texts)
-    : DialogViewController(sourceFile), texts_(std::move(texts))
+DeletionKeyViewController::DeletionKeyViewController(const LogSource& source, Texts texts)
+    : ListDialogViewController(source), texts_(std::move(texts))
 {
 }
 
@@ -22,23 +22,22 @@ void DeletionKeyViewController::viewDidLoad()
 {
     constexpr auto function = "viewDidLoad()";
     if (logsLoading())
-        logger.info("Start viewDidLoad.", function);
-    hasController_ = takeController();
-    if (!hasController_) {
-        logger.info("Failed to get presenting view controller.", function);
+        baseLogger.info("Start viewDidLoad.", function);
+    if (!isPresentedByList()) {
+        baseLogger.info("Failed to get presenting view controller.", function);
         return;
     }
     const QStringList lines = selectedLines();
     if (lines.isEmpty()) {
         if (logsLoading())
-            logger.info("Not selected for deletion YubiKey.", function);
+            baseLogger.info("Not selected for deletion YubiKey.", function);
         showNothingSelected();
     } else {
         confirmationLabel->setText(localizedString(stringTable_, "confirmation", static_cast<int>(lines.size())));
         labelModel.setText(lines.join(QLatin1Char('\n')));
     }
     if (logsLoading())
-        logger.info("Finished viewDidLoad.", function);
+        baseLogger.info("Finished viewDidLoad.", function);
 }
 
 void DeletionKeyViewController::showNothingSelected()
@@ -65,9 +64,9 @@ NSAlert DeletionKeyViewController::createAlert() const
 
 void DeletionKeyViewController::onClickOK(QObject* /*sender*/)
 {
-    logger.info("Called onClickOK.", onClickOKFunction);
+    baseLogger.info("Called onClickOK.", onClickOKFunction);
     // A dialog without its list has nothing to delete from and only closes.
-    if (hasController_)
+    if (isPresentedByList())
         deleteKeys();
     dismissController();
 }
@@ -75,11 +74,11 @@ void DeletionKeyViewController::onClickOK(QObject* /*sender*/)
 void DeletionKeyViewController::deleteKeys()
 {
     if (!hasSelectedRows()) {
-        logger.info("selectedRowIndexes is empty.", onClickOKFunction);
+        baseLogger.info("selectedRowIndexes is empty.", onClickOKFunction);
         return;
     }
     if (isLastKeyDeletion() && createAlert().runModal() == NSAlert::secondButtonReturn) {
-        logger.info("Cancel alert.", onClickOKFunction);
+        baseLogger.info("Cancel alert.", onClickOKFunction);
         return;
     }
     removeFromSetting();

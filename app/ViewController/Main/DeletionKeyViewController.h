@@ -10,7 +10,7 @@
 #include <QStringList>
 
 #include "Model/LabelModel.h"
-#include "ViewController/DialogViewController.h"
+#include "ViewController/Main/ListDialog.h"
 #include "appkit/NSAlert.h"
 #include "appkit/StringTable.h"
 
@@ -19,7 +19,7 @@ namespace vantro {
 /// What the three deletion dialogs have in common: they show what is selected in the presenting list, ask once more
 /// before the last keys go while something depends on them, take the keys out of the document and the list, write, and
 /// close. The tokens' challenge-response files stay. Main thread.
-class DeletionKeyViewController : public DialogViewController
+class DeletionKeyViewController : public ListDialogViewController
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ class DeletionKeyViewController : public DialogViewController
     void onClickOK(QObject* sender) override;
 
     QPointer<QLabel> confirmationLabel;
-    LabelModel labelModel{QString(), NSColor::LabelColor, false};
+    LabelModel labelModel;
 
   protected:
     struct Texts
@@ -38,7 +38,7 @@ class DeletionKeyViewController : public DialogViewController
         std::function<QString()> isLastKey;
     };
 
-    DeletionKeyViewController(const char* sourceFile, Texts texts);
+    DeletionKeyViewController(const LogSource& source, Texts texts);
 
     /// Makes the view of a dialog's form and connects the outlets that all three have. `stringTable` has the titles of
     /// the buttons and the confirmation, and stays.
@@ -55,9 +55,6 @@ class DeletionKeyViewController : public DialogViewController
                    localizedString(stringTable, "cancel_button"), DefaultButton::Cancel);
         return view;
     }
-
-    /// Takes the presenting list when it is the dialog's own; false when it is not.
-    virtual bool takeController() = 0;
 
     /// One line for each selected row, in the list's order.
     [[nodiscard]] virtual QStringList selectedLines() = 0;
@@ -87,27 +84,20 @@ class DeletionKeyViewController : public DialogViewController
 
     const Texts texts_;
     const char* stringTable_ = nullptr;
-    bool hasController_ = false;
 };
 
 /// A deletion dialog of the list `List`, whose array controller it reads the selection of and removes rows from.
 template <class List>
-class DeletionFromListViewController : public DeletionKeyViewController
+class DeletionFromListViewController : public DialogOfList<List, DeletionKeyViewController>
 {
   protected:
-    using DeletionKeyViewController::DeletionKeyViewController;
+    using DialogOfList<List, DeletionKeyViewController>::DialogOfList;
     using Row = typename List::Row;
 
     /// How a row is shown.
     [[nodiscard]] virtual QString lineOf(const Row& row) const { return QString::fromStdString(row.serial()); }
 
-    [[nodiscard]] std::vector<Row> selectedRows() { return controller->arrayController().selectedObjects(); }
-
-    bool takeController() override
-    {
-        controller = qobject_cast<List*>(presentingViewController());
-        return controller != nullptr;
-    }
+    [[nodiscard]] std::vector<Row> selectedRows() { return this->list()->arrayController().selectedObjects(); }
 
     QStringList selectedLines() override
     {
@@ -117,16 +107,14 @@ class DeletionFromListViewController : public DeletionKeyViewController
         return lines;
     }
 
-    bool hasSelectedRows() override { return !controller->arrayController().selectionIndexes().empty(); }
+    bool hasSelectedRows() override { return !this->list()->arrayController().selectionIndexes().empty(); }
 
     void removeFromList() override
     {
-        auto& rows = controller->arrayController();
+        auto& rows = this->list()->arrayController();
         rows.removeAtArrangedObjectIndexes(rows.selectionIndexes());
-        controller->clearTableSelection();
+        this->list()->clearTableSelection();
     }
-
-    QPointer<List> controller;
 };
 
 /// What a user or master key deletion has to do when it has left no token that opens an account: makes the add-on's

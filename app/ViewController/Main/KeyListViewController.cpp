@@ -4,13 +4,14 @@
 #include <QItemSelectionModel>
 
 #include "AppDataSet.h"
-#include "Resources/Storyboards.h"
+#include "appkit/NSStoryboard.h"
 #include "appkit/TableAction.h"
 
 namespace vantro {
 
 KeyListViewController::KeyListViewController(const Names& names)
-    : logger(AppDataSet::shared().logger.inFile(names.sourceFile)), names_(names)
+    : logger(AppDataSet::shared().logger.inFile(names.source.file)), names_(names),
+      baseLogger_(AppDataSet::shared().logger.onBehalfOf(names.source))
 {
 }
 
@@ -36,16 +37,16 @@ void KeyListViewController::connectOutlets(const Outlets& outlets)
 void KeyListViewController::viewDidLoad()
 {
     constexpr auto function = "viewDidLoad()";
-    logger.info("Start viewDidLoad.", function);
-    logger.info(names_.finishedViewDidLoad, function);
+    baseLogger_.info("Start viewDidLoad.", function);
+    baseLogger_.info(names_.finishedViewDidLoad, function);
 }
 
 void KeyListViewController::viewWillAppear()
 {
     constexpr auto function = "viewWillAppear()";
-    logger.info(names_.startViewWillAppear, function);
+    baseLogger_.info(names_.startViewWillAppear, function);
     updateView();
-    logger.info("Finished viewWillAppear.", function);
+    baseLogger_.info("Finished viewWillAppear.", function);
 }
 
 void KeyListViewController::updateView()
@@ -65,16 +66,16 @@ void KeyListViewController::clearTableSelection()
 void KeyListViewController::onTableClicked()
 {
     constexpr auto function = "onTableClicked()";
-    logger.info("Clicked table.", function);
+    baseLogger_.info("Clicked table.", function);
     if (table_->selectionModel()->hasSelection())
         return;
-    logger.info("The element is not selected.", function);
+    baseLogger_.info("The element is not selected.", function);
     arrayController_->setSelectionIndexes({});
 }
 
 void KeyListViewController::present(const char* identifier)
 {
-    presentAsModalWindow(mainStoryboard().instantiateController(identifier));
+    presentAsModalWindow(NSStoryboard::named("Main").instantiateController(identifier));
 }
 
 void KeyListViewController::showWhetherEmpty()

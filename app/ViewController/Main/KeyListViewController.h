@@ -47,7 +47,7 @@ class KeyListViewController : public NSViewController
     /// How a list stands in the log, and the storyboard's names of its two dialogs.
     struct Names
     {
-        const char* sourceFile;
+        LogSource source;
         const char* finishedViewDidLoad;
         const char* startViewWillAppear;
         const char* registrationDialog;
@@ -78,6 +78,7 @@ class KeyListViewController : public NSViewController
                                        [](const Row& row) { return QString::fromStdString(row.serial()); }}});
     }
 
+    /// For the page itself.
     const Logger logger;
 
   private:
@@ -86,6 +87,7 @@ class KeyListViewController : public NSViewController
     void showWhetherEmpty();
 
     const Names names_;
+    const Logger baseLogger_;
     QPointer<QTableView> table_;
     QPointer<NSArrayControllerBase> arrayController_;
     QPointer<QLabel> emptyLabel_;

@@ -11,16 +11,16 @@
 
 namespace vantro {
 
-RegistrationKeyViewController::RegistrationKeyViewController(const char* sourceFile, Texts texts,
+RegistrationKeyViewController::RegistrationKeyViewController(const LogSource& source, Texts texts,
                                                              AfterRefusal afterRefusal)
-    : DialogViewController(sourceFile), texts_(std::move(texts)), afterRefusal_(afterRefusal)
+    : ListDialogViewController(source), texts_(std::move(texts)), afterRefusal_(afterRefusal)
 {
 }
 
 void RegistrationKeyViewController::viewDidLoad()
 {
     constexpr auto function = "viewDidLoad()";
-    logger.info("Start viewDidLoad.", function);
+    baseLogger.info("Start viewDidLoad.", function);
     prepareDisplay();
     const auto displayed = AppDataSet::shared().connectedYubiKeySerial();
     updateDisplay();
@@ -28,23 +28,24 @@ void RegistrationKeyViewController::viewDidLoad()
     // A token that was plugged in meanwhile was announced to nobody.
     if (AppDataSet::shared().connectedYubiKeySerial() != displayed)
         updateDisplay();
-    logger.info("Finished viewDidLoad.", function);
+    baseLogger.info("Finished viewDidLoad.", function);
 }
 
 void RegistrationKeyViewController::viewWillAppear()
 {
-    logger.info("viewWillAppear", "viewWillAppear()");
+    baseLogger.info("viewWillAppear", "viewWillAppear()");
 }
 
 void RegistrationKeyViewController::observeTokens()
 {
     // Both handlers run on the monitor's thread and own what they use.
-    observe(ConnectedYubiKey, [log = logger, update = onMainQueue([this] { updateDisplay(); })](const Notification&) {
-        log.info("YubiKey connected.", "onDeviceConnected()");
-        DispatchQueue::main().sync(update);
-    });
+    observe(ConnectedYubiKey,
+            [log = baseLogger, update = onMainQueue([this] { updateDisplay(); })](const Notification&) {
+                log.info("YubiKey connected.", "onDeviceConnected()");
+                DispatchQueue::main().sync(update);
+            });
     observe(DisconnectedYubiKey,
-            [log = logger, update = onMainQueue([this] { showNotConnected(); })](const Notification&) {
+            [log = baseLogger, update = onMainQueue([this] { showNotConnected(); })](const Notification&) {
                 log.info("YubiKey disconnected.", "onDeviceDisconnected()");
                 DispatchQueue::main().async(update);
             });
@@ -68,15 +69,15 @@ void RegistrationKeyViewController::updateDisplay()
     constexpr auto function = "updateDisplay()";
     const auto serial = AppDataSet::shared().connectedYubiKeySerial();
     if (!serial) {
-        logger.info("YubiKey is not connected.", function);
+        baseLogger.info("YubiKey is not connected.", function);
         showNotConnected();
         return;
     }
-    logger.info("YubiKey connected. [Serial: " + std::to_string(*serial) + "]", function);
+    baseLogger.info("YubiKey connected. [Serial: " + std::to_string(*serial) + "]", function);
     const bool isAlreadyAllocated = isAllocated(*serial);
     QString text = QString::number(*serial);
     if (isAlreadyAllocated) {
-        logger.info("The settings are already assigned.", function);
+        baseLogger.info("The settings are already assigned.", function);
         text += QLatin1Char('\n') + texts_.isAlreadyAllocated();
     }
     serialLabelModel.setText(text);
@@ -86,7 +87,7 @@ void RegistrationKeyViewController::updateDisplay()
 
 void RegistrationKeyViewController::onClickOK(QObject* /*sender*/)
 {
-    logger.info("Called onClickOK.", "onClickOK(_:)");
+    baseLogger.info("Called onClickOK.", "onClickOK(_:)");
     if (registerToken() || afterRefusal_ == AfterRefusal::Close)
         dismissController();
 }
@@ -96,20 +97,20 @@ bool RegistrationKeyViewController::registerToken()
     constexpr auto function = "onClickOK(_:)";
     const auto serial = parseUInt64(serialLabelModel.text().toStdString());
     if (!isPresentedByList() || !serial) {
-        logger.info("Return onClickOK.", function);
+        baseLogger.info("Return onClickOK.", function);
         return false;
     }
     logRequest(*serial);
     ServiceFailure failure;
     if (!createCRSettingFile(*serial, &failure)) {
-        logger.info("Failed to update the CR setting file.", function);
+        baseLogger.info("Failed to update the CR setting file.", function);
         createOKButtonOnlyAlert(NSAlert::Style::Warning, CommonMessage::warning(),
                                 failure.below(CommonMessage::CRFailureAlert()))
             .runModal();
         return false;
     }
     if (isAllocatedMeanwhile(*serial)) {
-        logger.info("This YubiKey is already assigned. [Serial: " + std::to_string(*serial) + "]", function);
+        baseLogger.info("This YubiKey is already assigned. [Serial: " + std::to_string(*serial) + "]", function);
         return false;
     }
     addToSetting(*serial);

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "Model/LabelModel.h"
-#include "ViewController/DialogViewController.h"
+#include "ViewController/Main/ListDialog.h"
 #include "appkit/StringTable.h"
 
 namespace vantro {
@@ -14,7 +14,7 @@ namespace vantro {
 /// can't be registered, follow tokens coming and going, and on OK have the token's challenge-response file written
 /// before anything else changes. The serial that is registered is the text of the label, which holds a bare number
 /// exactly while OK is enabled. Main thread.
-class RegistrationKeyViewController : public DialogViewController
+class RegistrationKeyViewController : public ListDialogViewController
 {
     Q_OBJECT
 
@@ -23,9 +23,9 @@ class RegistrationKeyViewController : public DialogViewController
     void viewWillAppear() override;
     void onClickOK(QObject* sender) override;
 
-    LabelModel serialLabelModel{QString(), NSColor::LabelColor, false};
+    LabelModel serialLabelModel;
     /// Below the serial: why a token that is plugged in can't be registered.
-    LabelModel obstacleLabelModel{QString(), NSColor::LabelColor, true};
+    LabelModel obstacleLabelModel{LabelModel::Visibility::Hidden};
 
   protected:
     /// What becomes of the dialog when OK did not register anything.
@@ -42,7 +42,7 @@ class RegistrationKeyViewController : public DialogViewController
         std::function<QString()> isAlreadyAllocated;
     };
 
-    RegistrationKeyViewController(const char* sourceFile, Texts texts, AfterRefusal afterRefusal);
+    RegistrationKeyViewController(const LogSource& source, Texts texts, AfterRefusal afterRefusal);
 
     /// Makes the view of a dialog's form and connects the outlets that all three have. `stringTable` has the titles of
     /// the buttons.
@@ -63,9 +63,6 @@ class RegistrationKeyViewController : public DialogViewController
 
     /// Called before the first display; for what a dialog has beside the serial.
     virtual void prepareDisplay() {}
-
-    /// Whether the dialog was presented by the list that it belongs to.
-    [[nodiscard]] virtual bool isPresentedByList() const = 0;
 
     /// Whether the token can't be registered (again), by what the dialog shows.
     [[nodiscard]] virtual bool isAllocated(std::uint64_t serial) const = 0;
@@ -90,19 +87,6 @@ class RegistrationKeyViewController : public DialogViewController
 
     const Texts texts_;
     const AfterRefusal afterRefusal_;
-};
-
-/// A registration dialog of the list `List`, which must have presented it.
-template <class List>
-class RegistrationToListViewController : public RegistrationKeyViewController
-{
-  protected:
-    using RegistrationKeyViewController::RegistrationKeyViewController;
-
-    /// Null when another controller, or none, presented the dialog.
-    [[nodiscard]] List* list() const { return qobject_cast<List*>(presentingViewController()); }
-
-    [[nodiscard]] bool isPresentedByList() const override { return list() != nullptr; }
 };
 
 } // namespace vantro

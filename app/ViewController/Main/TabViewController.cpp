@@ -10,13 +10,12 @@
 #include "AppDataSet.h"
 #include "ApplicationVersion.h"
 #include "CommonMessage.h"
-#include "Resources/Storyboards.h"
+#include "DefaultsKeys.h"
 #include "ServiceRequests.h"
 #include "StartChecks.h"
 #include "StartMessage.h"
-#include "ViewController/Alert/LoginAuthAlertViewController.h"
-#include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
 #include "appkit/NSApplication.h"
+#include "appkit/NSStoryboard.h"
 #include "appkit/NSWorkspace.h"
 #include "appkit/UserDefaults.h"
 
@@ -25,8 +24,6 @@ namespace {
 
 constexpr QSize pageSize{420, 340};
 constexpr std::array tabViewItemTypes = {"Setting", "UserKey", "MasterKey", "Admin"};
-const QString suppressionKey = QStringLiteral("suppression");
-const QString firstStartKey = QStringLiteral("isFirstStart");
 
 bool isKnownTabViewItemType(const QString& identifier)
 {
@@ -55,8 +52,7 @@ void TabViewController::viewDidLoad()
     if (AppDataSet::shared().connectedYubiKeyCount() >= 2)
         onMultipleConnectedYubiKey();
     if (AppDataSet::shared().vantroStandaloneSetting.adminSetting.toolLoginAuth)
-        presentAsModalWindowAndWait(
-            alertStoryboard().instantiateController<LoginAuthAlertViewController>("LoginAuthAlertViewController"));
+        presentAsModalWindowAndWait(NSStoryboard::named("Alert").instantiateController("LoginAuthAlertViewController"));
     logger.info("Finished viewDidLoad.", function);
 }
 
@@ -70,8 +66,8 @@ void TabViewController::onMultipleConnectedYubiKey()
     }
     DispatchQueue::main().async([this] {
         logger.info("Displays alerts.", function);
-        presentAsModalWindow(alertStoryboard().instantiateController<MultipleConnectionsAlertViewController>(
-            "MultipleConnectionsAlertViewController"));
+        presentAsModalWindow(
+            NSStoryboard::named("Alert").instantiateController("MultipleConnectionsAlertViewController"));
     });
 }
 
@@ -164,7 +160,7 @@ void TabViewController::systemSettingAlert()
 {
     constexpr auto function = "systemSettingAlert()";
     auto& defaults = UserDefaults::standard();
-    if (defaults.boolean(suppressionKey)) {
+    if (defaults.boolean(defaults_key::suppression)) {
         logger.info("Do not display alerts.", function);
         return;
     }
@@ -183,14 +179,14 @@ void TabViewController::systemSettingAlert()
     alert.accessoryText = CommonMessage::installAfterAlertInfo();
     NSApplication::activateIgnoringOtherApps();
     alert.runModal();
-    defaults.set(suppressionKey, alert.isSuppressed);
+    defaults.set(defaults_key::suppression, alert.isSuppressed);
 }
 
 bool TabViewController::isFirstStart()
 {
     auto& defaults = UserDefaults::standard();
-    const bool isFirst = !defaults.object(firstStartKey).has_value();
-    if (!defaults.set(firstStartKey, false))
+    const bool isFirst = !defaults.object(defaults_key::isFirstStart).has_value();
+    if (!defaults.set(defaults_key::isFirstStart, false))
         createOKButtonOnlyAlert(NSAlert::Style::Warning, StartMessage::defaultsNotStoredHeading(),
                                 StartMessage::defaultsNotStored().arg(defaults.file()))
             .runModal();

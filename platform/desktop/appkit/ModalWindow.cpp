@@ -3,17 +3,16 @@
 #include <QCloseEvent>
 #include <QVBoxLayout>
 
-#include "appkit/NSViewController.h"
-
 namespace vantro {
 
-ModalWindow::ModalWindow(NSViewController* controller, QWidget* parent) : QDialog(parent), controller_(controller)
+ModalWindow::ModalWindow(QWidget* content, QWidget* parent, std::function<void()> onClose)
+    : QDialog(parent), content_(content), onClose_(std::move(onClose))
 {
     setWindowModality(Qt::ApplicationModal);
-    auto* const content = new QVBoxLayout(this);
-    content->setContentsMargins(0, 0, 0, 0);
-    content->setSizeConstraint(QLayout::SetNoConstraint);
-    content->addWidget(controller->view());
+    auto* const box = new QVBoxLayout(this);
+    box->setContentsMargins(0, 0, 0, 0);
+    box->setSizeConstraint(QLayout::SetNoConstraint);
+    box->addWidget(content);
     fitContent();
 }
 
@@ -36,19 +35,19 @@ bool ModalWindow::event(QEvent* event)
 
 ModalWindow::~ModalWindow()
 {
-    if (controller_->isViewLoaded())
-        controller_->view()->setParent(nullptr);
+    if (content_)
+        content_->setParent(nullptr);
 }
 
 void ModalWindow::reject()
 {
-    controller_->cancelOperation();
+    onClose_();
 }
 
 void ModalWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore();
-    controller_->cancelOperation();
+    onClose_();
 }
 
 } // namespace vantro

@@ -1,22 +1,25 @@
 #pragma once
 
+#include <functional>
+
 #include <QDialog>
+#include <QPointer>
+#include <QWidget>
 
 namespace vantro {
 
-class NSViewController;
-
-/// The window of a presented controller. Follows its content in size, whenever a text in it changes, and hands every
-/// wish to close it to the controller. Main thread.
+/// The window that shows a view modally. Follows it in size, whenever a text in it changes, and hands every wish to
+/// close it on. Main thread.
 class ModalWindow : public QDialog
 {
     Q_OBJECT
 
   public:
-    /// `parent` is the window to stay in front of; null for none. Takes the controller's view in, without owning it.
-    ModalWindow(NSViewController* controller, QWidget* parent);
+    /// Takes `content` in, without owning it; `parent` is the window to stay in front of, null for none. `onClose` is
+    /// called for each wish to close, and must not outlive its use here.
+    ModalWindow(QWidget* content, QWidget* parent, std::function<void()> onClose);
 
-    /// Lets the view go, which its controller owns.
+    /// Lets the content go, which somebody else owns.
     ~ModalWindow() override;
 
     void reject() override;
@@ -28,7 +31,8 @@ class ModalWindow : public QDialog
   private:
     void fitContent();
 
-    NSViewController* controller_;
+    QPointer<QWidget> content_;
+    std::function<void()> onClose_;
 };
 
 } // namespace vantro

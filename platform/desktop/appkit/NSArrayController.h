@@ -78,12 +78,6 @@ class NSArrayController : public NSArrayControllerBase
 
     ~NSArrayController() override { content_.observe({}); }
 
-    [[nodiscard]] const std::vector<Row>& arrangedObjects()
-    {
-        arrange();
-        return content_.get();
-    }
-
     /// The selected rows in the table's order.
     [[nodiscard]] std::vector<Row> selectedObjects()
     {

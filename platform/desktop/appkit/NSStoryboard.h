@@ -24,6 +24,22 @@ class NSStoryboard
     {
     }
 
+    /// Makes a storyboard known by its name; one that was known by that name before is kept. Main thread.
+    static void install(NSStoryboard storyboard)
+    {
+        std::string name = storyboard.name_;
+        installed().try_emplace(std::move(name), std::move(storyboard));
+    }
+
+    /// The storyboard of this name that was installed. Main thread.
+    [[nodiscard]] static const NSStoryboard& named(std::string_view name)
+    {
+        const auto found = installed().find(name);
+        if (found == installed().end())
+            throw std::logic_error("There is no storyboard " + std::string(name));
+        return found->second;
+    }
+
     /// Makes the controller of `identifier`, which must be of the class `Controller`.
     template <class Controller = NSViewController>
     [[nodiscard]] std::unique_ptr<Controller> instantiateController(std::string_view identifier) const
@@ -40,6 +56,12 @@ class NSStoryboard
     [[nodiscard]] const std::map<std::string, Factory, std::less<>>& factories() const { return factories_; }
 
   private:
+    static std::map<std::string, NSStoryboard, std::less<>>& installed()
+    {
+        static std::map<std::string, NSStoryboard, std::less<>> storyboards;
+        return storyboards;
+    }
+
     std::string name_;
     std::map<std::string, Factory, std::less<>> factories_;
 };

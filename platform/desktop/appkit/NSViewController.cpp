@@ -43,7 +43,9 @@ void NSViewController::presentAsModalWindow(std::unique_ptr<NSViewController> pr
     QWidget* front = QApplication::activeModalWidget();
     if (front == nullptr)
         front = window();
-    controller->modalWindow_ = std::make_unique<ModalWindow>(controller, front).release();
+    controller->modalWindow_ = std::make_unique<ModalWindow>(controller->view(), front, [controller] {
+                                   controller->cancelOperation();
+                               }).release();
     controller->setWindowButtons(WindowButtons::Close);
     controller->modalWindow_->setWindowTitle(controller->title());
     controller->beginAppearance();

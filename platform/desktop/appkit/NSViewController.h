@@ -94,7 +94,6 @@ class NSViewController : public QObject
     [[nodiscard]] DispatchQueue::Work onMainQueue(DispatchQueue::Work work) const;
 
   private:
-    friend class ModalWindow;
     void endObservations();
 
     std::unique_ptr<QWidget> view_;

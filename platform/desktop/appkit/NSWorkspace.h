@@ -10,8 +10,8 @@ class NSWorkspace
   public:
     static NSWorkspace& shared();
 
-    /// Hands the URL to the program that the desktop has registered for its scheme. False, without any window, when no
-    /// program is registered or it could not be started.
+    /// Hands a file or a page of the web to the program that the desktop has for it. False, without any window, for any
+    /// other URL (nothing here knows the links of another system), and where no program could be started.
     bool open(const QUrl& url);
 };
 

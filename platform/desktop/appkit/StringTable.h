@@ -1,8 +1,5 @@
 #pragma once
 
-#include <algorithm>
-#include <cstddef>
-
 #include <QString>
 
 namespace vantro {
@@ -19,22 +16,5 @@ namespace vantro {
 /// it the first language of the user's that is there, with the toolkit's own texts in that language where the system
 /// has them. Main thread, once, after the application was made.
 void installStringTables(const QString& folder);
-
-/// A text as a template argument.
-template <std::size_t Size>
-struct FixedText
-{
-    // NOLINTNEXTLINE(google-explicit-constructor): a literal is the argument.
-    constexpr FixedText(const char (&literal)[Size]) { std::copy_n(literal, Size, text); }
-    char text[Size] = {};
-};
-
-/// A localised string that is looked up once, on first use, and kept. Any thread.
-template <FixedText Table, FixedText Key>
-const QString& message()
-{
-    static const QString text = localizedString(Table.text, Key.text);
-    return text;
-}
 
 } // namespace vantro

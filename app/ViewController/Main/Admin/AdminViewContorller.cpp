@@ -5,13 +5,12 @@
 #include <QCheckBox>
 
 #include "AppDataSet.h"
-#include "appkit/Bindings.h"
 #include "ui_AdminView.h"
 
 namespace vantro {
 
 AdminViewContorller::AdminViewContorller()
-    : KeyListViewController({.sourceFile = "ViewController/Main/Admin/AdminViewContorller",
+    : KeyListViewController({.source = "ViewController/Main/Admin/AdminViewContorller",
                              .finishedViewDidLoad = "Finished viewDidLoad.",
                              .startViewWillAppear = "Start viewWillAppear",
                              .registrationDialog = "RegistrationAdminKeyViewController",
@@ -24,13 +23,15 @@ std::unique_ptr<QWidget> AdminViewContorller::loadView()
     auto view = std::make_unique<QWidget>();
     Ui::AdminView outlets;
     outlets.setupUi(view.get());
-    adminKeyTable = outlets.adminKeyTable;
     adminKeyArrayController = makeSerialColumn(adminModel.adminKeyModels, "AdminView");
-    connectOutlets({adminKeyTable, adminKeyArrayController.get(), outlets.emptyLabel, outlets.registerButton,
+    connectOutlets({outlets.adminKeyTable, adminKeyArrayController.get(), outlets.emptyLabel, outlets.registerButton,
                     outlets.deleteButton});
     adminModel.authCheckButtonModel.bindTo(outlets.toolLoginAuthButton);
-    bind(&adminModel.authCheckButtonModel, "isEnabled", outlets.toolLoginAuthHintLabel,
-         [hint = outlets.toolLoginAuthHintLabel](const QVariant& isEnabled) { hint->setHidden(isEnabled.toBool()); });
+    const auto showHint = [this, hint = outlets.toolLoginAuthHintLabel] {
+        hint->setHidden(adminModel.authCheckButtonModel.isEnabled());
+    };
+    connect(&adminModel.authCheckButtonModel, &SettingCheckButtonModel::changed, this, showHint);
+    showHint();
     connect(outlets.toolLoginAuthButton, &QCheckBox::toggled, this,
             [this, box = outlets.toolLoginAuthButton] { onChangeToolLoginAuthButton(box); });
     return view;

@@ -25,7 +25,6 @@ class AdminViewContorller : public KeyListViewController
     void onChangeToolLoginAuthButton(QObject* sender);
 
     AdminSettingModel adminModel;
-    QPointer<QTableView> adminKeyTable;
     std::unique_ptr<NSArrayController<AdminKeyModel>> adminKeyArrayController;
 
   protected:

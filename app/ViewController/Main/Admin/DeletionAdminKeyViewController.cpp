@@ -47,8 +47,8 @@ void DeletionAdminKeyViewController::finishRemoval()
     setting.adminSetting.toolLoginAuth = false;
     setting.write();
     logger.info("Update setting. [Auth: false]", function);
-    controller->adminModel.authCheckButtonModel.setIsEnabled(false);
-    controller->adminModel.authCheckButtonModel.setState(false);
+    list()->adminModel.authCheckButtonModel.setIsEnabled(false);
+    list()->adminModel.authCheckButtonModel.setState(false);
 }
 
 } // namespace vantro

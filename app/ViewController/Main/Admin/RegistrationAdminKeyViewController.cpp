@@ -19,9 +19,9 @@ std::vector<YubiKey>& adminKeys()
 } // namespace
 
 RegistrationAdminKeyViewController::RegistrationAdminKeyViewController()
-    : RegistrationToListViewController("ViewController/Main/Admin/RegistrationAdminKeyViewController",
-                                       {AdminViewMessage::yubiKeyIsNotConnected, AdminViewMessage::alreadyAllocatedKey},
-                                       AfterRefusal::Close)
+    : DialogOfList("ViewController/Main/Admin/RegistrationAdminKeyViewController",
+                   {AdminViewMessage::yubiKeyIsNotConnected, AdminViewMessage::alreadyAllocatedKey},
+                   AfterRefusal::Close)
 {
 }
 

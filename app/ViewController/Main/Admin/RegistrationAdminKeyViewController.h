@@ -7,7 +7,7 @@ namespace vantro {
 
 /// Makes the plugged-in token an administrator key, which opens the tool. Closes with every OK, and lets the sign-in
 /// switch be used. Main thread.
-class RegistrationAdminKeyViewController : public RegistrationToListViewController<AdminViewContorller>
+class RegistrationAdminKeyViewController : public DialogOfList<AdminViewContorller, RegistrationKeyViewController>
 {
     Q_OBJECT
 

@@ -17,7 +17,7 @@ class DeletionMasterKeyViewController : public DeletionFromListViewController<Ma
     std::unique_ptr<QWidget> loadView() override;
     bool isLastKeyDeletion() override;
     void removeFromSetting() override;
-    void finishRemoval() override { releaseForcedLogonWithoutKeys(logger); }
+    void finishRemoval() override { releaseForcedLogonWithoutKeys(baseLogger); }
 };
 
 } // namespace vantro

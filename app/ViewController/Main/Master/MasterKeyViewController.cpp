@@ -8,7 +8,7 @@
 namespace vantro {
 
 MasterKeyViewController::MasterKeyViewController()
-    : KeyListViewController({.sourceFile = "ViewController/Main/Master/MasterKeyViewController",
+    : KeyListViewController({.source = "ViewController/Main/Master/MasterKeyViewController",
                              .finishedViewDidLoad = "Finished viewDidLoad",
                              .startViewWillAppear = "Start viewWillAppear.",
                              .registrationDialog = "RegistrationMasterKeyViewController",
@@ -21,9 +21,8 @@ std::unique_ptr<QWidget> MasterKeyViewController::loadView()
     auto view = std::make_unique<QWidget>();
     Ui::MasterKeyView outlets;
     outlets.setupUi(view.get());
-    masterKeyTable = outlets.masterKeyTable;
     masterKeyArrayController = makeSerialColumn(masterKeyModels, "MasterKeyView");
-    connectOutlets({masterKeyTable, masterKeyArrayController.get(), outlets.emptyLabel, outlets.registerButton,
+    connectOutlets({outlets.masterKeyTable, masterKeyArrayController.get(), outlets.emptyLabel, outlets.registerButton,
                     outlets.deleteButton});
     return view;
 }

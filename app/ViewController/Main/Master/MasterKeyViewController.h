@@ -20,7 +20,6 @@ class MasterKeyViewController : public KeyListViewController
     /// The controller of the table's rows; once the view is loaded.
     [[nodiscard]] NSArrayController<Row>& arrayController() const { return *masterKeyArrayController; }
 
-    QPointer<QTableView> masterKeyTable;
     KeyValueArray<MasterKeyModel> masterKeyModels;
     std::unique_ptr<NSArrayController<MasterKeyModel>> masterKeyArrayController;
 

@@ -19,10 +19,9 @@ std::vector<YubiKey>& masterKeys()
 } // namespace
 
 RegistrationMasterKeyViewController::RegistrationMasterKeyViewController()
-    : RegistrationToListViewController(
-          "ViewController/Main/Master/RegistrationMasterKeyViewController",
-          {MasterKeyViewMessage::yubiKeyIsNotConnected, MasterKeyViewMessage::alreadyAllocatedKey},
-          AfterRefusal::StayOpen)
+    : DialogOfList("ViewController/Main/Master/RegistrationMasterKeyViewController",
+                   {MasterKeyViewMessage::yubiKeyIsNotConnected, MasterKeyViewMessage::alreadyAllocatedKey},
+                   AfterRefusal::StayOpen)
 {
 }
 

@@ -6,7 +6,7 @@
 namespace vantro {
 
 /// Makes the plugged-in token a master key, which opens every account. Stays open after a refusal. Main thread.
-class RegistrationMasterKeyViewController : public RegistrationToListViewController<MasterKeyViewController>
+class RegistrationMasterKeyViewController : public DialogOfList<MasterKeyViewController, RegistrationKeyViewController>
 {
     Q_OBJECT
 

@@ -21,8 +21,7 @@ std::string asText(bool value)
 } // namespace
 
 SettingViewController::SettingViewController()
-    : screenLockModel(false, true, true, screenLockStateChanged),
-      forcedYubiKeyLogonModel(false, true, true, forcedYubiKeyLogonChanged),
+    : screenLockModel(screenLockStateChanged), forcedYubiKeyLogonModel(forcedYubiKeyLogonChanged),
       logger(AppDataSet::shared().logger.inFile("ViewController/Main/Setting/SettingViewController"))
 {
 }

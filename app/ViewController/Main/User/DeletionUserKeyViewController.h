@@ -19,7 +19,7 @@ class DeletionUserKeyViewController : public DeletionFromListViewController<User
     [[nodiscard]] QString lineOf(const UserKeyModel& row) const override;
     bool isLastKeyDeletion() override;
     void removeFromSetting() override;
-    void finishRemoval() override { releaseForcedLogonWithoutKeys(logger); }
+    void finishRemoval() override { releaseForcedLogonWithoutKeys(baseLogger); }
 };
 
 } // namespace vantro

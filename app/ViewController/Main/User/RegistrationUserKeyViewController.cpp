@@ -13,9 +13,9 @@
 namespace vantro {
 
 RegistrationUserKeyViewController::RegistrationUserKeyViewController()
-    : RegistrationToListViewController("ViewController/Main/User/RegistrationUserKeyViewController",
-                                       {UserViewMessage::yubiKeyIsNotConnected, UserViewMessage::alreadyAllocatedKey},
-                                       AfterRefusal::StayOpen)
+    : DialogOfList("ViewController/Main/User/RegistrationUserKeyViewController",
+                   {UserViewMessage::yubiKeyIsNotConnected, UserViewMessage::alreadyAllocatedKey},
+                   AfterRefusal::StayOpen)
 {
 }
 

@@ -15,7 +15,7 @@ namespace vantro {
 
 /// Assigns the plugged-in token to one local account. A token may belong to several accounts; it is refused only for an
 /// account that has it. Beyond its base: the account pop-up. Main thread.
-class RegistrationUserKeyViewController : public RegistrationToListViewController<UserViewController>
+class RegistrationUserKeyViewController : public DialogOfList<UserViewController, RegistrationKeyViewController>
 {
     Q_OBJECT
 

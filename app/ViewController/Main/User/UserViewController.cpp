@@ -8,7 +8,7 @@
 namespace vantro {
 
 UserViewController::UserViewController()
-    : KeyListViewController({.sourceFile = "ViewController/Main/User/UserViewController",
+    : KeyListViewController({.source = "ViewController/Main/User/UserViewController",
                              .finishedViewDidLoad = "Finished viewDidLoad.",
                              .startViewWillAppear = "Start viewWillAppear",
                              .registrationDialog = "RegistrationUserKeyViewController",
@@ -21,7 +21,6 @@ std::unique_ptr<QWidget> UserViewController::loadView()
     auto view = std::make_unique<QWidget>();
     Ui::UserView outlets;
     outlets.setupUi(view.get());
-    allocatedKeyTable = outlets.allocatedKeyTable;
     using Column = NSArrayController<UserKeyModel>::Column;
     allocatedKeysArrayController = std::make_unique<NSArrayController<UserKeyModel>>(
         userKeyModels,
@@ -29,8 +28,8 @@ std::unique_ptr<QWidget> UserViewController::loadView()
                              [](const UserKeyModel& row) { return QString::fromStdString(row.account()); }},
                             {localizedString("UserView", "column_serial"),
                              [](const UserKeyModel& row) { return QString::fromStdString(row.serial()); }}});
-    connectOutlets({allocatedKeyTable, allocatedKeysArrayController.get(), outlets.emptyLabel, outlets.registerButton,
-                    outlets.deleteButton});
+    connectOutlets({outlets.allocatedKeyTable, allocatedKeysArrayController.get(), outlets.emptyLabel,
+                    outlets.registerButton, outlets.deleteButton});
     return view;
 }
 

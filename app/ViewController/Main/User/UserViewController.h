@@ -20,7 +20,6 @@ class UserViewController : public KeyListViewController
     /// The controller of the table's rows; once the view is loaded.
     [[nodiscard]] NSArrayController<Row>& arrayController() const { return *allocatedKeysArrayController; }
 
-    QPointer<QTableView> allocatedKeyTable;
     KeyValueArray<UserKeyModel> userKeyModels;
     std::unique_ptr<NSArrayController<UserKeyModel>> allocatedKeysArrayController;
 

@@ -1,4 +1,4 @@
-#include "Resources/Storyboards.h"
+#include "CompositionRoot.h"
 
 #include <memory>
 #include <string>
@@ -19,6 +19,7 @@
 #include "ViewController/Main/User/DeletionUserKeyViewController.h"
 #include "ViewController/Main/User/RegistrationUserKeyViewController.h"
 #include "ViewController/Main/User/UserViewController.h"
+#include "appkit/NSStoryboard.h"
 #include "appkit/StringTable.h"
 
 namespace vantro {
@@ -50,36 +51,32 @@ std::unique_ptr<NSViewController> makeTabViewController()
 
 } // namespace
 
-const NSStoryboard& mainStoryboard()
+void installStoryboards()
 {
-    static const NSStoryboard storyboard(
-        "Main", {{"TabViewController", makeTabViewController},
-                 entry<RegistrationUserKeyViewController>("RegistrationUserKeyViewController"),
-                 entry<DeletionUserKeyViewController>("DeletionUserKeyViewController"),
-                 entry<RegistrationMasterKeyViewController>("RegistrationMasterKeyViewController"),
-                 entry<DeletionMasterKeyViewController>("DeletionMasterKeyViewController"),
-                 entry<RegistrationAdminKeyViewController>("RegistrationAdminKeyViewController"),
-                 entry<DeletionAdminKeyViewController>("DeletionAdminKeyViewController")});
-    return storyboard;
-}
-
-const NSStoryboard& alertStoryboard()
-{
-    static const NSStoryboard storyboard(
-        "Alert", {entry<LoginAuthAlertViewController>("LoginAuthAlertViewController"),
-                  entry<MultipleConnectionsAlertViewController>("MultipleConnectionsAlertViewController")});
-    return storyboard;
+    NSStoryboard::install({"Main",
+                           {{"TabViewController", makeTabViewController},
+                            entry<RegistrationUserKeyViewController>("RegistrationUserKeyViewController"),
+                            entry<DeletionUserKeyViewController>("DeletionUserKeyViewController"),
+                            entry<RegistrationMasterKeyViewController>("RegistrationMasterKeyViewController"),
+                            entry<DeletionMasterKeyViewController>("DeletionMasterKeyViewController"),
+                            entry<RegistrationAdminKeyViewController>("RegistrationAdminKeyViewController"),
+                            entry<DeletionAdminKeyViewController>("DeletionAdminKeyViewController")}});
+    NSStoryboard::install({"Alert",
+                           {entry<LoginAuthAlertViewController>("LoginAuthAlertViewController"),
+                            entry<MultipleConnectionsAlertViewController>("MultipleConnectionsAlertViewController")}});
 }
 
 MainStoryboard applicationStoryboard()
 {
-    return {.mayLaunch = isOnlyTool,
-            .makeDelegate = [] { return std::make_unique<AppDelegate>(); },
-            .makeInitialController = [] { return mainStoryboard().instantiateController("TabViewController"); },
-            .stringTables = QStringLiteral(":/strings"),
-            .desktopName = QStringLiteral("com.vantro.Standalone1"),
-            .icons = {QStringLiteral(":/icons/com.vantro.Standalone1-16.png"),
-                      QStringLiteral(":/icons/com.vantro.Standalone1-48.png")}};
+    installStoryboards();
+    return {
+        .mayLaunch = isOnlyTool,
+        .makeDelegate = [] { return std::make_unique<AppDelegate>(); },
+        .makeInitialController = [] { return NSStoryboard::named("Main").instantiateController("TabViewController"); },
+        .stringTables = QStringLiteral(":/strings"),
+        .desktopName = QStringLiteral("com.vantro.Standalone1"),
+        .icons = {QStringLiteral(":/icons/com.vantro.Standalone1-16.png"),
+                  QStringLiteral(":/icons/com.vantro.Standalone1-48.png")}};
 }
 
 } // namespace vantro
