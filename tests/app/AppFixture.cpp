@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <cstring>
+#include <filesystem>
 #include <sstream>
 #include <sys/inotify.h>
 #include <thread>
@@ -188,6 +189,14 @@ std::vector<std::string> AppFixture::messages(const std::string& file) const
 void AppFixture::forgetLog()
 {
     forgottenLog_ = wholeLog().size();
+}
+
+void AppFixture::expectRecorded(const std::string& name, const std::string& file) const
+{
+    std::string records;
+    for (const std::string& record : log(file))
+        records += record + '\n';
+    EXPECT_EQ(records, contentOf(std::filesystem::path(RECORDED_LOGS) / (name + ".log")));
 }
 
 int AppFixture::present(NSAlert& alert)

@@ -121,6 +121,8 @@ class AppFixture : public testing::Test
     void forgetLog();
     /// All that the tool has logged, as it stands in the file.
     [[nodiscard]] std::string wholeLog() const;
+    /// Compares the log's records of a source file, one a line, with recorded/NAME.log.
+    void expectRecorded(const std::string& name, const std::string& file) const;
 
     struct ShownAlert
     {

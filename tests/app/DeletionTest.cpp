@@ -1,35 +1,24 @@
 // The three deletion dialogs: what is asked, what is deleted, what is written and what the service is told.
 
-#include <functional>
 #include <future>
 
+#include <QCheckBox>
 #include <QLabel>
-#include <QMessageBox>
-#include <QTimer>
 
-#include "AdminViewMessage.h"
 #include "CommonMessage.h"
-#include "MasterKeyViewMessage.h"
-#include "UserViewMessage.h"
-#include "ViewController/Main/Admin/AdminViewContorller.h"
+#include "Model/PamUpdateStatus.h"
 #include "ViewController/Main/DeletionKeyViewController.h"
-#include "ViewController/Main/KeyListViewController.h"
-#include "app/AppFixture.h"
-#include "appkit/NSStoryboard.h"
-#include "foundation/OperatingSystem.h"
+#include "app/ScreenFixture.h"
 #include "support/WaitUntil.h"
 
 namespace vantro::tests {
 namespace {
 
-using namespace std::chrono_literals;
-using testing::ElementsAreArray;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr int ok = NSAlert::firstButtonReturn;
 constexpr int cancel = NSAlert::secondButtonReturn;
-constexpr OperatingSystemVersion strict{14, 0, 0};
-constexpr OperatingSystemVersion lenient{13, 6, 9};
 
 struct Case
 {
@@ -38,408 +27,185 @@ struct Case
     /// The rows that are selected.
     std::set<int> rows;
     VantroStandaloneSetting after;
-    int writes;
+    int writes = 1;
     /// The answer to the warning; absent when none must come.
     std::optional<int> answer = {};
-    /// What the service answers for the three files; empty when it must not be asked.
-    std::vector<ScriptedService::Answer> files = {};
-    OperatingSystemVersion system = strict;
-    /// The messages after "Called onClickOK."; absent where another case shows the same.
-    std::optional<std::vector<std::string>> messages = {};
+    /// What the service answers when it is told that no token is demanded; absent when it must not be told.
+    std::optional<bool> reset = {};
 };
 
-class Deletion : public AppFixture
+class Deletion : public ScreenFixture
 {
   protected:
     /// Makes this the document of an open window. The settings page, which would write, is left alone.
-    void show(const std::string& tab, const VantroStandaloneSetting& content)
+    void show(const VantroStandaloneSetting& content)
     {
         window();
         dataSet().vantroStandaloneSetting = content;
         dataSet().vantroStandaloneSetting.write();
-        switchTo(tab == "UserKey" ? "MasterKey" : "UserKey");
         service->forgetCalls();
         takeWrites();
+        appearAgain();
     }
-    QPointer<DeletionKeyViewController> open(const char* tab, const std::set<int>& rows)
+    void appearAgain()
     {
-        auto& list = page<KeyListViewController>(tab);
-        auto& table = *list.view()->findChild<QTableView*>();
-        list.clearTableSelection();
+        switchTo(screen().name == "User" ? "MasterKey" : "UserKey");
+        list();
+    }
+    QPointer<DeletionKeyViewController> open(const std::set<int>& rows)
+    {
+        list().clearTableSelection();
         for (const int row : rows)
-            table.selectionModel()->select(table.model()->index(row, 0),
-                                           QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        return present<DeletionKeyViewController>(list, list.deleteButton);
+            table().selectionModel()->select(table().model()->index(row, 0),
+                                             QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        return present<DeletionKeyViewController>(list(), list().deleteButton);
     }
-
-    void check(const char* tab, const std::string& file, QString (*warning)(), std::vector<Case> cases)
+    void confirm(const QPointer<DeletionKeyViewController>& dialog)
     {
-        for (Case& deletion : cases) {
-            SCOPED_TRACE(deletion.name);
-            show(tab, deletion.before);
-            if (!deletion.files.empty())
-                service->script("SavePamSetting", {deletion.files.begin(), deletion.files.end()});
-            ProcessInfo::setOperatingSystemVersion(deletion.system);
-            if (deletion.answer)
-                answers = {*deletion.answer};
-            const auto dialog = open(tab, deletion.rows);
-            forgetLog();
-            QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-            EXPECT_TRUE(isDismissed(dialog));
-
-            ASSERT_EQ(alerts.size(), deletion.answer ? 1U : 0U);
-            for (const ShownAlert& alert : alerts) {
-                EXPECT_EQ(alert.windowTitle, "Vantro Standalone (Version 1.0.0)");
-                EXPECT_EQ(alert.style, NSAlert::Style::Warning);
-                EXPECT_EQ(alert.message, CommonMessage::caution());
-                EXPECT_EQ(alert.information, warning());
-                EXPECT_EQ(alert.buttons, (QStringList{CommonMessage::ok(), CommonMessage::cancel()}));
-                EXPECT_EQ(alert.defaultButton, cancel) << "Enter never destroys";
-            }
-            alerts.clear();
-            EXPECT_EQ(takeWrites(), deletion.writes);
-            EXPECT_EQ(stored(), deletion.after);
-            EXPECT_THAT(service->pamCalls(),
-                        ElementsAreArray(
-                            deletion.files.empty()
-                                ? std::vector<std::string>{}
-                                : std::vector<std::string>{"authorization:3", "screensaver:3", "screensaver_new:3"}));
-            EXPECT_EQ(service->methods().size(), service->pamCalls().size()) << "no record is removed";
-            if (deletion.messages) {
-                deletion.messages->insert(deletion.messages->begin(), "Called onClickOK.");
-                EXPECT_THAT(messages(file), ElementsAreArray(*deletion.messages));
-            }
-            auto& table = *page<KeyListViewController>(tab).view()->findChild<QTableView*>();
-            EXPECT_EQ(table.model()->rowCount(), rowCountOf(tab, deletion.after));
-            EXPECT_EQ(table.selectionModel()->hasSelection(), deletion.answer == cancel);
-        }
-    }
-
-    static int rowCountOf(const std::string& tab, const VantroStandaloneSetting& content)
-    {
-        if (tab != "UserKey")
-            return static_cast<int>(
-                (tab == "Admin" ? content.adminSetting.adminKeys : content.masterKeySetting.masterKeys).size());
-        std::size_t count = 0;
-        for (const auto& user : content.users)
-            count += user.keys.size();
-        return static_cast<int>(count);
-    }
-};
-
-const char* const updated = "Update PAM setting. [Success. authorization: true, screensaver: true, screensaver_new: "
-                            "true]";
-
-TEST_F(Deletion, OfUserKeys)
-{
-    const VantroStandaloneSetting last{.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}, {"zoe", {2}}}};
-    const VantroStandaloneSetting none{};
-    const VantroStandaloneSetting noneForced{.switchSetting = {.secureMode = true}};
-    check(
-        "UserKey", "ViewController/Main/User/DeletionUserKeyViewController", CommonMessage::noRegistrationYubiKey,
-        {
-            {"one of two keys of an account",
-             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1, 2}}}},
-             {1},
-             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}},
-             1,
-             {},
-             {},
-             strict,
-             {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 2]"}}},
-            {"an account's only key, and an entry that was empty",
-             {.users = {{"adam", {1}}, {"empty", {}}, {"zoe", {2}}}},
-             {0},
-             {.users = {{"zoe", {2}}}},
-             1},
-            {"one of two accounts with the same token",
-             {.users = {{"adam", {1}}, {"zoe", {1}}}},
-             {1},
-             {.users = {{"adam", {1}}}},
-             1},
-            {"the last, forced, cancelled", last, {0, 1}, last, 0, cancel, {}, strict, {{"Cancel alert."}}},
-            {"the last, forced",
-             last,
-             {0, 1},
-             none,
-             2,
-             ok,
-             {{true}, {true}, {true}},
-             strict,
-             {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 1]",
-               "Remove allocated key. [Account: zoe, Serial: 2]", "No YubiKey is assigned.",
-               "Start update PAM setting.", updated, "Update setting. [Forced YubiKey Logon: false]"}}},
-            {"the last, forced, but a master key is left",
-             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}, .masterKeySetting = {.masterKeys = {9}}},
-             {0},
-             {.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {9}}},
-             1},
-            {"the last, not forced", {.users = {{"adam", {1}}}}, {0}, none, 2, {}, {{true}, {true}, {true}}},
-            {"refused: the first file", last, {0, 1}, noneForced, 1, ok, {{false}, {true}, {true}}, strict},
-            {"refused: the second file", last, {0, 1}, noneForced, 1, ok, {{true}, {false}, {true}}, strict},
-            {"refused: the third file",
-             last,
-             {0, 1},
-             noneForced,
-             1,
-             ok,
-             {{true}, {true}, {false}},
-             strict,
-             {{"Update setting.", "Remove allocated key. [Account: adam, Serial: 1]",
-               "Remove allocated key. [Account: zoe, Serial: 2]", "No YubiKey is assigned.",
-               "Start update PAM setting.",
-               "Update PAM setting. [Success. authorization: true, screensaver: true, screensaver_new: false]",
-               "onClickOK(_:) Failed update PAM setting."}}},
-            {"refused: two files", last, {0, 1}, noneForced, 1, ok, {{false}, {false}, {true}}, strict},
-            {"refused: all three files", last, {0, 1}, noneForced, 1, ok, {{false}, {false}, {false}}, lenient},
-            {"refused on an older system: the third", last, {0, 1}, none, 2, ok, {{true}, {true}, {false}}, lenient},
-            {"refused on an older system: the second",
-             last,
-             {0, 1},
-             noneForced,
-             1,
-             ok,
-             {{true}, {false}, {true}},
-             lenient},
-        });
-}
-
-TEST_F(Deletion, OfMasterKeys)
-{
-    const VantroStandaloneSetting last{.switchSetting = {.secureMode = true},
-                                       .masterKeySetting = {.masterKeys = {3, 9}}};
-    check(
-        "MasterKey", "ViewController/Main/Master/DeletionMasterKeyViewController", CommonMessage::noRegistrationYubiKey,
-        {
-            {"two of three",
-             {.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {3, 5, 9}}},
-             {0, 2},
-             {.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {5}}},
-             1,
-             {},
-             {},
-             strict,
-             {{"Update setting.", "Remove master key. [Serial: 3]", "Remove master key. [Serial: 9]"}}},
-            {"the last, forced, cancelled", last, {0, 1}, last, 0, cancel, {}, strict, {{"Cancel alert."}}},
-            {"the last, forced",
-             last,
-             {0, 1},
-             {},
-             2,
-             ok,
-             {{true}, {true}, {true}},
-             strict,
-             {{"Update setting.", "Remove master key. [Serial: 3]", "Remove master key. [Serial: 9]",
-               "No YubiKey is assigned.", "Start update PAM setting.", updated,
-               "Update setting. [Forced YubiKey Logon: false]"}}},
-            {"the last, forced, but a user key is left",
-             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}, .masterKeySetting = {.masterKeys = {3}}},
-             {0},
-             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}},
-             1},
-            {"the last, forced, with an account that has no key",
-             {.switchSetting = {.secureMode = true}, .users = {{"adam", {}}}, .masterKeySetting = {.masterKeys = {3}}},
-             {0},
-             {.users = {{"adam", {}}}},
-             2,
-             {},
-             {{true}, {true}, {true}}},
-            {"the last, not forced",
-             {.masterKeySetting = {.masterKeys = {3}}},
-             {0},
-             {},
-             2,
-             {},
-             {{true}, {true}, {true}}},
-            {"refused: the third file",
-             last,
-             {0, 1},
-             {.switchSetting = {.secureMode = true}},
-             1,
-             ok,
-             {{true}, {true}, {false}},
-             strict},
-            {"refused on an older system: the third", last, {0, 1}, {}, 2, ok, {{true}, {true}, {false}}, lenient},
-        });
-}
-
-TEST_F(Deletion, OfAdministratorKeys)
-{
-    const VantroStandaloneSetting all{.switchSetting = {.secureMode = true},
-                                      .users = {{"adam", {1}}},
-                                      .adminSetting = {.toolLoginAuth = true, .adminKeys = {1, 2, 3}}};
-    VantroStandaloneSetting unguarded = all;
-    unguarded.adminSetting.toolLoginAuth = false;
-    VantroStandaloneSetting one = all;
-    one.adminSetting.adminKeys = {2};
-    VantroStandaloneSetting none = unguarded;
-    none.adminSetting.adminKeys = {};
-    check("Admin", "ViewController/Main/Admin/DeletionAdminKeyViewController",
-          AdminViewMessage::noRegistrationAdminYubiKey,
-          {
-              {"two of three",
-               all,
-               {0, 2},
-               one,
-               1,
-               {},
-               {},
-               strict,
-               {{"Remove administrator key. [Serial: 1]", "Remove administrator key. [Serial: 3]", "Update setting."}}},
-              {"the last, guarded, cancelled", all, {0, 1, 2}, all, 0, cancel, {}, strict, {{"Cancel alert."}}},
-              {"the last, guarded",
-               one,
-               {0},
-               none,
-               2,
-               ok,
-               {},
-               strict,
-               {{"Remove administrator key. [Serial: 2]", "Update setting.",
-                 "The administrator's login YubiKey setting does not exist.", "Update setting. [Auth: false]"}}},
-              {"the last, not guarded", unguarded, {0, 1, 2}, none, 2},
-          });
-    const auto& page = this->page<AdminViewContorller>("Admin");
-    EXPECT_FALSE(page.adminModel.authCheckButtonModel.isEnabled());
-    EXPECT_FALSE(page.adminModel.authCheckButtonModel.state());
-}
-
-const struct
-{
-    const char* tab;
-    const char* file;
-    const char* dialog;
-    QString (*notSelected)();
-    const char* lines;
-    bool logsLoading;
-} dialogs[] = {
-    {"UserKey", "ViewController/Main/User/DeletionUserKeyViewController", "DeletionUserKeyViewController",
-     UserViewMessage::notSelectedForDeletion, "alice : 12345\nbob : 678", true},
-    {"MasterKey", "ViewController/Main/Master/DeletionMasterKeyViewController", "DeletionMasterKeyViewController",
-     MasterKeyViewMessage::notSelectedForDeletion, "12345\n678", true},
-    {"Admin", "ViewController/Main/Admin/DeletionAdminKeyViewController", "DeletionAdminKeyViewController",
-     AdminViewMessage::notSelectedForDeletion, "12345\n678", false},
-};
-
-const VantroStandaloneSetting twoEach{.users = {{"alice", {12345}}, {"bob", {678}}},
-                                      .masterKeySetting = {.masterKeys = {12345, 678}},
-                                      .adminSetting = {.adminKeys = {12345, 678}}};
-
-TEST_F(Deletion, ShowsWhatIsSelectedAndEnterDeletesNothing)
-{
-    store(twoEach);
-    for (const auto& dialog : dialogs) {
-        auto shown = open(dialog.tab, {0, 1});
-        auto* keys = shown->view()->findChild<QLabel*>("keysLabel");
-        EXPECT_EQ(keys->text(), dialog.lines);
-        EXPECT_TRUE(shown->confirmationLabel->isVisible());
-        EXPECT_THAT(messages(dialog.file),
-                    ElementsAreArray(dialog.logsLoading
-                                         ? std::vector<std::string>{"Start viewDidLoad.", "Finished viewDidLoad."}
-                                         : std::vector<std::string>{}));
-        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
-            if (!shown)
-                shown = open(dialog.tab, {0, 1});
-            pressKey(key);
-            EXPECT_TRUE(isDismissed(shown));
-            EXPECT_EQ(messages(dialog.file).back(), "Called onClickCancel.");
-        }
-
-        forgetLog();
-        shown = open(dialog.tab, {});
-        keys = shown->view()->findChild<QLabel*>("keysLabel");
-        EXPECT_EQ(keys->text(), dialog.notSelected());
-        EXPECT_FALSE(shown->confirmationLabel->isVisible());
-        EXPECT_FALSE(shown->OKButton->isEnabled());
-        if (dialog.logsLoading)
-            EXPECT_EQ(messages(dialog.file)[1], "Not selected for deletion YubiKey.");
-        else
-            EXPECT_THAT(messages(dialog.file), IsEmpty());
-        pressKey(Qt::Key_Escape);
-        EXPECT_TRUE(isDismissed(shown));
-    }
-    EXPECT_EQ(stored(), twoEach);
-    EXPECT_EQ(takeWrites(), 0);
-}
-
-TEST_F(Deletion, OfTheLastKeysTakesEnterAndEscForCancelWhereverTheFocusIs)
-{
-    NSAlert::setPresenter({});
-    const VantroStandaloneSetting last{.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {3}}};
-    const auto inFront = [] { return QApplication::activeModalWidget(); };
-    const std::function<void()> ways[] = {
-        [&] { QTest::keyClick(inFront(), Qt::Key_Return); },
-        [&] { QTest::keyClick(inFront(), Qt::Key_Escape); },
-        [&] {
-            for (auto* const button : inFront()->findChildren<QPushButton*>())
-                if (button->text() == CommonMessage::ok())
-                    QTest::keyClick(button, Qt::Key_Return);
-        },
-    };
-    show("MasterKey", last);
-    for (const auto& answer : ways) {
-        const auto dialog = open("MasterKey", {0});
-        QTimer::singleShot(0, dialog, [&] {
-            EXPECT_NE(qobject_cast<QMessageBox*>(inFront()), nullptr);
-            answer();
-        });
         QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
         EXPECT_TRUE(isDismissed(dialog));
-        EXPECT_EQ(stored(), last);
     }
+
+    void expectWarning()
+    {
+        ASSERT_EQ(alerts.size(), 1U);
+        EXPECT_EQ(alerts[0].windowTitle, "Vantro Standalone (Version 1.0.0)");
+        EXPECT_EQ(alerts[0].style, NSAlert::Style::Warning);
+        EXPECT_EQ(alerts[0].message, CommonMessage::caution());
+        EXPECT_EQ(alerts[0].information, screen().name == "Admin" ? screen().message("no_registration_admin_yubiKey")
+                                                                  : CommonMessage::noRegistrationYubiKey());
+        EXPECT_EQ(alerts[0].buttons, (QStringList{CommonMessage::ok(), CommonMessage::cancel()}));
+        EXPECT_EQ(alerts[0].defaultButton, cancel) << "Enter never destroys";
+        alerts.clear();
+    }
+
+    void check(const Case& deletion)
+    {
+        SCOPED_TRACE(deletion.name);
+        show(deletion.before);
+        service->script("SavePamSetting", {{deletion.reset.value_or(false)}});
+        answers = {deletion.answer.value_or(ok)};
+        confirm(open(deletion.rows));
+        if (deletion.answer)
+            expectWarning();
+        EXPECT_THAT(alerts, IsEmpty());
+        EXPECT_EQ(takeWrites(), deletion.writes);
+        EXPECT_EQ(stored(), deletion.after);
+        if (deletion.reset) {
+            EXPECT_THAT(service->pamCalls(), ElementsAre("authorization:3", "screensaver:3", "screensaver_new:3"));
+        }
+        EXPECT_EQ(service->methods().size(), deletion.reset ? 3U : 0U) << "no record is removed";
+        EXPECT_EQ(PamUpdateStatus::shared().text().isEmpty(), deletion.reset.value_or(true));
+        EXPECT_EQ(hasSelection(), deletion.answer == cancel);
+        const QStringList left = rows();
+        appearAgain();
+        EXPECT_EQ(left, rows());
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Of, Deletion, allScreens(), nameOf);
+
+TEST_P(Deletion, AsksBeforeTheLastKeysGoAndReleasesWhatDependedOnThem)
+{
+    const auto with = screen().with;
+    const auto demanding = [](const VantroStandaloneSetting& content) { return screen().demanding(content); };
+    const VantroStandaloneSetting last = demanding(with({3, 9}));
+    const std::optional<bool> reset = screen().name == "Admin" ? std::nullopt : std::optional(true);
+    std::vector<Case> cases = {
+        {"two of three", demanding(with({3, 5, 9})), {0, 2}, demanding(with({5}))},
+        {"the last, demanded, cancelled", last, {0, 1}, last, 0, cancel},
+        {"the last, demanded", last, {0, 1}, {}, 2, ok, reset},
+        {"the last, not demanded", with({3}), {0}, {}, 2, {}, reset},
+    };
+    if (screen().name == "User") {
+        const VantroStandaloneSetting twoAccounts{.users = {{"adam", {1}}, {"empty", {}}, {"zoe", {1}}}};
+        cases.push_back({"one of two accounts with the same token", twoAccounts, {1}, {.users = {{"adam", {1}}}}});
+        cases.push_back(
+            {"a master key is left",
+             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}, .masterKeySetting = {.masterKeys = {9}}},
+             {0},
+             {.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {9}}}});
+    }
+    if (screen().name == "Master") {
+        const VantroStandaloneSetting user{.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}};
+        const VantroStandaloneSetting empty{.switchSetting = {.secureMode = true}, .users = {{"adam", {}}}};
+        auto userAndMaster = user, emptyAndMaster = empty;
+        userAndMaster.masterKeySetting = emptyAndMaster.masterKeySetting = {.masterKeys = {3}};
+        cases.push_back({"a user key is left", userAndMaster, {0}, user});
+        cases.push_back(
+            {"an account without a key is left", emptyAndMaster, {0}, {.users = {{"adam", {}}}}, 2, {}, true});
+    }
+    if (reset)
+        cases.push_back({"the last, refused", last, {0, 1}, demanding({}), 1, ok, false});
+    for (const Case& deletion : cases)
+        check(deletion);
+    if (!reset) {
+        EXPECT_FALSE(list().view()->findChild<QCheckBox*>()->isEnabled());
+        EXPECT_FALSE(list().view()->findChild<QCheckBox*>()->isChecked());
+    }
+    expectRecorded("deletion-" + screen().name, screen().file("Deletion"));
 }
 
-TEST_F(Deletion, OfTheLastKeyIsWrittenBeforeTheServiceIsAsked)
+TEST_P(Deletion, ShowsWhatIsSelectedAndEnterDeletesNothing)
 {
-    show("MasterKey", {.masterKeySetting = {.masterKeys = {3}}});
+    const VantroStandaloneSetting two = screen().with({678, 12345});
+    show(two);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        const auto dialog = open({0, 1});
+        EXPECT_EQ(dialog->view()->findChild<QLabel*>("keysLabel")->text(),
+                  screen().name == "User" ? "tester : 678\ntester : 12345" : "678\n12345");
+        EXPECT_TRUE(dialog->confirmationLabel->isVisible());
+        pressKey(key);
+        EXPECT_TRUE(isDismissed(dialog));
+    }
+    const auto dialog = open({});
+    EXPECT_EQ(dialog->view()->findChild<QLabel*>("keysLabel")->text(), screen().message("not_selected_for_deletion"));
+    EXPECT_FALSE(dialog->confirmationLabel->isVisible());
+    EXPECT_FALSE(dialog->OKButton->isEnabled());
+    EXPECT_EQ(stored(), two);
+    EXPECT_EQ(takeWrites(), 0);
+    expectRecorded("deletion-cancelled-" + screen().name, screen().file("Deletion"));
+}
+
+class DeletionOfMasterKeys : public Deletion
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Of, DeletionOfMasterKeys, testing::Values(screens[1]), nameOf);
+
+TEST_P(DeletionOfMasterKeys, AreWrittenBeforeTheServiceIsAsked)
+{
+    show(screen().with({3}));
     service->script("SavePamSetting", {{true, 100ms}});
     auto meanwhile = std::async(std::launch::async, [this] {
         EXPECT_TRUE(waitUntil([this] { return !service->pamCalls().empty(); }));
         return stored();
     });
-    const auto dialog = open("MasterKey", {0});
-    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+    confirm(open({0}));
     EXPECT_EQ(meanwhile.get(), VantroStandaloneSetting{})
         << "a kill in between must not leave a key that opens nothing";
-    EXPECT_TRUE(isDismissed(dialog));
 }
 
-TEST_F(Deletion, WithoutItsListOrItsSelectionItOnlyCloses)
+TEST_P(Deletion, WithoutItsListOrItsSelectionItOnlyCloses)
 {
-    store(twoEach);
-    for (const auto& dialog : dialogs) {
-        auto& other = switchTo("Setting");
-        forgetLog();
-        other.presentAsModalWindow(NSStoryboard::named("Main").instantiateController(dialog.dialog));
-        QPointer shown(other.findChild<DeletionKeyViewController*>());
-        QTest::mouseClick(shown->OKButton, Qt::LeftButton);
-        EXPECT_TRUE(isDismissed(shown));
-        const auto withoutList = messages(dialog.file);
-        EXPECT_EQ(withoutList[withoutList.size() - 2], "Failed to get presenting view controller.");
-        EXPECT_EQ(withoutList.back(), "Called onClickOK.");
-
-        shown = open(dialog.tab, {0});
-        page<KeyListViewController>(dialog.tab).clearTableSelection();
-        QTest::mouseClick(shown->OKButton, Qt::LeftButton);
-        EXPECT_TRUE(isDismissed(shown));
-        EXPECT_EQ(messages(dialog.file).back(), "selectedRowIndexes is empty.");
-    }
-    EXPECT_EQ(stored(), twoEach);
-    EXPECT_EQ(takeWrites(), 0);
+    const VantroStandaloneSetting two = screen().demanding(screen().with({678, 12345}));
+    show(two);
+    const auto dialog = open({0, 1});
+    list().clearTableSelection();
+    confirm(dialog);
+    confirm(presentElsewhere<DeletionKeyViewController>("Deletion"));
+    EXPECT_EQ(stored(), two);
     EXPECT_THAT(alerts, IsEmpty());
+    expectRecorded("deletion-of-nothing-" + screen().name, screen().file("Deletion"));
 }
 
-TEST_F(Deletion, OfARowWhoseAccountHasNoEntryAnyMore)
+TEST_P(Deletion, OfARowThatTheDocumentHasNotAnyMore)
 {
-    store(twoEach);
-    const auto dialog = open("UserKey", {0, 1});
-    VantroStandaloneSetting elsewhere = twoEach;
-    elsewhere.users = {{"bob", {678, 9}}};
-    dataSet().vantroStandaloneSetting = elsewhere;
-    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    EXPECT_TRUE(isDismissed(dialog));
-    elsewhere.users = {{"bob", {9}}};
-    EXPECT_EQ(stored(), elsewhere);
+    show(screen().with({3, 9}));
+    const auto dialog = open({0, 1});
+    dataSet().vantroStandaloneSetting = VantroStandaloneSetting{.users = {{"bob", {3}}}};
+    confirm(dialog);
+    EXPECT_EQ(stored(), (VantroStandaloneSetting{.users = {{"bob", {3}}}}));
 }
 
 } // namespace

@@ -17,7 +17,6 @@
 #include "ViewController/Main/KeyListViewController.h"
 #include "app/AppFixture.h"
 #include "appkit/ModalWindow.h"
-#include "appkit/UserDefaults.h"
 #include "emulation/VirtualToken.h"
 
 namespace vantro::tests {
@@ -33,8 +32,6 @@ class TokenStorm : public AppFixture
     TokenStorm()
     {
         store({.users = {{"adam", {1}}}, .adminSetting = {.toolLoginAuth = true, .adminKeys = {11, 22}}});
-        UserDefaults::standard().set(defaults_key::suppression, true);
-        UserDefaults::standard().set(defaults_key::isFirstStart, false);
         // Now and then a serial can't be read, or the service refuses to say it.
         std::deque<ScriptedService::Answer> serials;
         for (std::uint64_t request = 0; request < cycles; ++request) {
