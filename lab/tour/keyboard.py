@@ -55,19 +55,19 @@ def deletes_nothing_by_enter(tour):
 
 
 def asks_before_the_last_key(tour):
-    """The alert before the last key goes takes Enter for Cancel, too."""
+    """The alert before the last key goes takes Enter for Cancel, too, and Esc as well."""
     tour.choose_tab("settings")
     tour.check_box("SettingView", "forced_yubikey_logon").press()
     tour.wait_for("every PAM service demands the token", lambda: tour.pam_flags() == ["required"] * 3)
     tour.choose_tab("master_keys")
-    for _ in range(5):
+    for key in ("Return", "Escape") * 3:
         tour.select_rows("MasterKeyView", [0])
         dialog = tour.open_dialog("MasterKeyView", "delete")
         tour.button(dialog, "delete").press()
         alert = tour.wait_for("a warning appears", tour.alert)
         tab_to(tour, alert, "ok")
-        press(tour, "Return")
-        tour.wait_for("Enter closes alert and dialog", lambda: not tour.alert() and not tour.dialog())
+        press(tour, key)
+        tour.wait_for(f"{key} closes alert and dialog", lambda: not tour.alert() and not tour.dialog())
         tour.see(tour.rows("MasterKeyView") == [(FIRST,)], "and deletes nothing")
         tour.wait_for("the window has the keyboard again", lambda: "active" in tour.main_window().states)
 

@@ -159,9 +159,29 @@ TEST_F(MainWindow, KeepsABrokenDocumentAndStartsAfresh)
 class SeveralTokens : public AppFixture
 {
   protected:
-    QPointer<MultipleConnectionsAlertViewController> alert()
+    using Alert = MultipleConnectionsAlertViewController;
+    QPointer<Alert> alert() { return window().contentViewController()->findChild<Alert*>(); }
+    QPointer<Alert> waitForAlert()
     {
-        return window().contentViewController()->findChild<MultipleConnectionsAlertViewController*>();
+        EXPECT_TRUE(spinUntil([this] { return alert() && alert()->view()->isVisible(); }));
+        return alert();
+    }
+    QPointer<Alert> bringAlert()
+    {
+        plugIn(1);
+        plugIn(2);
+        return waitForAlert();
+    }
+    void pullAllOut()
+    {
+        while (dataSet().connectedYubiKeyCount() > 0)
+            unplug();
+        EXPECT_TRUE(spinUntil([this] { return alert().isNull(); }));
+    }
+    QPointer<RegistrationUserKeyViewController> openDialog()
+    {
+        auto& list = page<UserViewController>("UserKey");
+        return present<RegistrationUserKeyViewController>(list, list.registerButton);
     }
     static constexpr auto alertFile = "ViewController/Alert/MultipleConnectionsAlertViewController";
 };
@@ -174,40 +194,29 @@ TEST_F(SeveralTokens, BringOneAlertThatOnlyTheLastTokenCloses)
         plugIn(1);
         EXPECT_EQ(alert(), nullptr);
         plugIn(2);
-        ASSERT_TRUE(spinUntil([&] { return alert() && alert()->view()->isVisible(); }));
-        const auto shown = alert();
+        const auto shown = waitForAlert();
         EXPECT_EQ(shown->window()->windowTitle(), windowTitleWithVersion());
         pressKey(Qt::Key_Escape);
         shown->window()->close();
         EXPECT_TRUE(shown->view()->isVisible());
-
-        forgetLog();
         plugIn(3);
-        EXPECT_THAT(messages(sourceFile), ElementsAre("An alert has already been displayed."));
         unplug();
         unplug();
-        EXPECT_THAT(messages(alertFile), ElementsAre("YubiKey is still plugged in. [connedted: 2]",
-                                                     "YubiKey is still plugged in. [connedted: 1]"));
         EXPECT_TRUE(shown->view()->isVisible());
-        unplug();
-        EXPECT_TRUE(spinUntil([&] { return shown.isNull(); }));
-        EXPECT_THAT(messages(alertFile), Contains("Close window."));
+        pullAllOut();
     }
+    expectRecorded("several-tokens", alertFile);
+    EXPECT_THAT(messages(sourceFile), Contains("An alert has already been displayed."));
 }
 
 TEST_F(SeveralTokens, LeaveTheDialogBehindTheAlertAsItWas)
 {
     store({});
-    auto& list = page<UserViewController>("UserKey");
-    const auto dialog = present<RegistrationUserKeyViewController>(list, list.registerButton);
-    ASSERT_TRUE(dialog);
-    plugIn(1);
-    plugIn(2);
-    ASSERT_TRUE(spinUntil([&] { return alert() && QApplication::activeModalWidget() == alert()->window(); }));
-    EXPECT_EQ(alert()->window()->parentWidget(), dialog->window());
-    unplug();
-    unplug();
-    ASSERT_TRUE(spinUntil([&] { return alert().isNull(); }));
+    const auto dialog = openDialog();
+    const auto shown = bringAlert();
+    EXPECT_EQ(QApplication::activeModalWidget(), shown->window());
+    EXPECT_EQ(shown->window()->parentWidget(), dialog->window());
+    pullAllOut();
     EXPECT_EQ(QApplication::activeModalWidget(), dialog->window());
     EXPECT_TRUE(dialog->window()->isVisible());
 }
@@ -215,23 +224,17 @@ TEST_F(SeveralTokens, LeaveTheDialogBehindTheAlertAsItWas)
 TEST_F(SeveralTokens, OutliveTheDialogBehindTheAlert)
 {
     store({});
-    auto& list = page<UserViewController>("UserKey");
     for (int round = 0; round < 2; ++round) {
-        const auto dialog = present<RegistrationUserKeyViewController>(list, list.registerButton);
-        ASSERT_TRUE(dialog);
-        plugIn(1);
-        plugIn(2);
-        ASSERT_TRUE(spinUntil([&] { return alert() && QApplication::activeModalWidget() == alert()->window(); }));
+        const auto dialog = openDialog();
+        const auto shown = bringAlert();
         // As assistive technology does, which reaches the dialog's button although another window is in front.
         dialog->onClickCancel(dialog);
         EXPECT_FALSE(dialog->view()->isVisible());
         unplug();
-        ASSERT_TRUE(alert());
         EXPECT_TRUE(dialog) << "the alert's window goes with the dialog's";
-        EXPECT_EQ(QApplication::activeModalWidget(), alert()->window());
-        EXPECT_TRUE(alert()->view()->isVisible());
-        unplug();
-        EXPECT_TRUE(spinUntil([&] { return alert().isNull(); }));
+        EXPECT_EQ(QApplication::activeModalWidget(), shown->window());
+        EXPECT_TRUE(shown->view()->isVisible());
+        pullAllOut();
         EXPECT_TRUE(isDismissed(dialog));
     }
 }
@@ -241,9 +244,7 @@ TEST_F(SeveralTokens, ThatGoLeaveAnAlertOverTheirs)
     store({});
     window();
     NSAlert::setPresenter({});
-    plugIn(1);
-    plugIn(2);
-    ASSERT_TRUE(spinUntil([&] { return alert() && alert()->view()->isVisible(); }));
+    bringAlert();
     const auto box = [] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); };
     bool isAnswered = false;
     QTimer whileShown;
@@ -261,18 +262,14 @@ TEST_F(SeveralTokens, ThatGoLeaveAnAlertOverTheirs)
     whileShown.start();
     createOKButtonOnlyAlert(NSAlert::Style::Warning, QStringLiteral("message"), QString()).runModal();
     isAnswered = true;
-    EXPECT_TRUE(spinUntil([&] { return alert().isNull(); }));
+    pullAllOut();
 }
 
 TEST_F(SeveralTokens, ThatWereThereBeforeTheWindowCount)
 {
     store({});
-    plugIn(1);
-    plugIn(2);
-    EXPECT_TRUE(spinUntil([&] { return alert() && alert()->view()->isVisible(); }));
-    unplug();
-    unplug();
-    EXPECT_TRUE(spinUntil([&] { return alert().isNull(); }));
+    bringAlert();
+    pullAllOut();
 }
 
 TEST_F(SeveralTokens, ThatHaveGoneBeforeTheAlertAppearsLeaveNone)
@@ -287,15 +284,9 @@ TEST_F(SeveralTokens, ThatHaveGoneBeforeTheAlertAppearsLeaveNone)
         for (int interface = 0; interface < 4; ++interface)
             postDisconnected();
     }).join();
-    EXPECT_EQ(dataSet().connectedYubiKeyCount(), 0);
-    EXPECT_TRUE(spinUntil([&] {
-        const auto all = messages(alertFile);
-        return !all.empty() && all.back() == "Close window.";
-    }));
-    EXPECT_TRUE(spinUntil([&] { return alert().isNull(); }));
-    plugIn(1);
-    plugIn(2);
-    EXPECT_TRUE(spinUntil([&] { return alert() && alert()->view()->isVisible(); })) << "the next one is shown again";
+    EXPECT_TRUE(spinUntil([&] { return !log(alertFile).empty() && messages(alertFile).back() == "Close window."; }));
+    pullAllOut();
+    bringAlert();
 }
 
 } // namespace

@@ -11,7 +11,6 @@
 #include "LoginAuthentication.h"
 #include "ViewController/Alert/LoginAuthAlertViewController.h"
 #include "app/AppFixture.h"
-#include "appkit/UserDefaults.h"
 
 namespace vantro::tests {
 namespace {
@@ -41,12 +40,7 @@ TEST_F(AppFixture, ASilentServiceEndsTheCheckAtItsLimitAndAnErrorAtOnce)
 class SignInDialog : public AppFixture
 {
   protected:
-    SignInDialog()
-    {
-        store({.adminSetting = {.toolLoginAuth = true, .adminKeys = {adminKey}}});
-        UserDefaults::standard().set(defaults_key::suppression, true);
-        UserDefaults::standard().set(defaults_key::isFirstStart, false);
-    }
+    SignInDialog() { store({.adminSetting = {.toolLoginAuth = true, .adminKeys = {adminKey}}}); }
 
     /// Opens the main window, which blocks until the sign-in is over; meanwhile runs the steps, each once its condition
     /// holds.
@@ -82,17 +76,18 @@ class SignInDialog : public AppFixture
     }
     static bool isOpen() { return dialog() != nullptr && dialog()->isVisible(); }
     /// On a thread of its own, since the main one is in the dialog's event loop.
+    static void meanwhile(const std::function<void()>& work) { std::thread(work).detach(); }
     void plugInMeanwhile(std::uint64_t serial)
     {
         service->script("GetSerial", {{serial}});
-        std::thread([] { postConnected(64); }).detach();
+        meanwhile([] { postConnected(64); });
     }
     static void unplugMeanwhile()
     {
-        std::thread([] {
+        meanwhile([] {
             postDisconnected();
             postDisconnected();
-        }).detach();
+        });
     }
 };
 

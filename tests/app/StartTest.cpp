@@ -2,7 +2,10 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <sys/stat.h>
+#include <thread>
+#include <utility>
 
 #include <unistd.h>
 
@@ -16,7 +19,6 @@ namespace vantro::tests {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::StartsWith;
 
 class Start : public AppFixture
@@ -77,19 +79,16 @@ TEST_F(Start, LoadsTheDocumentAndOpensItForAll)
     EXPECT_EQ(windowTitleWithVersion(), "Vantro Standalone (Version 1.0.0)");
 }
 
-TEST_F(Start, LeavesAnothersDocumentAsItIs)
+class StartWithADocumentOf : public Start, public testing::WithParamInterface<uid_t>
 {
-    storeWithMode(0644);
-    if (::chown(prefix.settingsDocument().c_str(), 1802, 100) != 0)
-        GTEST_SKIP() << "only root can give a file away";
-    EXPECT_THAT(startRecords(), ElementsAre("init() Loaded setting file.", connection));
-    EXPECT_EQ(mode(), 0644U);
-}
+};
 
-TEST_F(Start, LeavesADocumentOfNobodyAsItIs)
+INSTANTIATE_TEST_SUITE_P(AnotherAndNobody, StartWithADocumentOf, testing::Values(1802, 54321));
+
+TEST_P(StartWithADocumentOf, LeavesItAsItIs)
 {
     storeWithMode(0644);
-    if (::chown(prefix.settingsDocument().c_str(), 54321, 100) != 0)
+    if (::chown(prefix.settingsDocument().c_str(), GetParam(), 100) != 0)
         GTEST_SKIP() << "only root can give a file away";
     EXPECT_THAT(startRecords(), ElementsAre("init() Loaded setting file.", connection));
     EXPECT_EQ(mode(), 0644U);
@@ -109,15 +108,6 @@ TEST_F(Start, GoesOnWithoutAFolder)
 class Tokens : public AppFixture
 {
   protected:
-    /// What the data set told others and the log, and how it stands, since the last call.
-    struct Told
-    {
-        std::vector<std::string> notifications;
-        std::int64_t count;
-        std::optional<std::uint64_t> serial;
-        std::vector<std::string> records;
-    };
-
     Tokens()
     {
         dataSet();
@@ -131,21 +121,14 @@ class Tokens : public AppFixture
         EXPECT_TRUE(spinUntil([&] { return log("AppDataSet").size() == 4; }));
         forgetLog();
     }
-    /// What `work` on the monitor's thread brings about.
-    void expect(const std::function<void()>& work, const Told& told)
+    /// What `work` on the monitor's thread makes the data set tell others, and how it stands then.
+    void expect(const std::function<void()>& work, const std::vector<std::string>& notifications, std::int64_t count,
+                std::optional<std::uint64_t> serial)
     {
         onMonitorThread(work);
-        EXPECT_EQ(notifications_, told.notifications);
-        EXPECT_EQ(dataSet().connectedYubiKeyCount(), told.count);
-        EXPECT_EQ(dataSet().connectedYubiKeySerial(), told.serial);
-        EXPECT_THAT(log("AppDataSet"), ElementsAreArray(told.records));
-        notifications_.clear();
-        forgetLog();
-    }
-    static void disconnectTwice()
-    {
-        postDisconnected();
-        postDisconnected();
+        EXPECT_EQ(std::exchange(notifications_, {}), notifications);
+        EXPECT_EQ(dataSet().connectedYubiKeyCount(), count);
+        EXPECT_EQ(dataSet().connectedYubiKeySerial(), serial);
     }
 
   private:
@@ -154,19 +137,6 @@ class Tokens : public AppFixture
     std::vector<Observation> observations_;
 };
 
-std::string counted(int count)
-{
-    return "connectedYubiKeyCount Connected YubiKey count: " + std::to_string(count);
-}
-
-std::string arrived(const std::string& serial)
-{
-    return "onDeviceConnected(notification:) Connected YubiKey [Serial = " + serial + "].";
-}
-
-constexpr auto notified = "onDeviceConnected(notification:) YubiKey connection notification";
-constexpr auto notifiedMany = "onDeviceConnected(notification:) Multiple connection notification for YubiKey.";
-
 TEST_F(Tokens, ComeAndGo)
 {
     // The handler waits for the serial.
@@ -174,77 +144,52 @@ TEST_F(Tokens, ComeAndGo)
                                   {std::uint64_t{18446744073709551615U}},
                                   {std::uint64_t{0}}});
     const auto connect = [] { postConnected(64); };
+    const auto disconnect = [] { postDisconnected(); };
     // Other interfaces of a token, and what is no device at all, are none of its business.
-    expect(
-        [] {
-            for (const std::size_t size : {8U, 63U, 65U, 0U})
-                postConnected(size);
-            NotificationCenter::defaultCenter().post(HIDDeviceConnected);
-            NotificationCenter::defaultCenter().post(HIDDeviceConnected, std::string("token"));
-        },
-        {{}, 0, {}, {}});
+    const auto others = [] {
+        for (const std::size_t size : {8U, 63U, 65U, 0U})
+            postConnected(size);
+        NotificationCenter::defaultCenter().post(HIDDeviceConnected);
+        NotificationCenter::defaultCenter().post(HIDDeviceConnected, std::string("token"));
+    };
+    expect(others, {}, 0, {});
     EXPECT_THAT(service->methods(), testing::IsEmpty());
-
-    expect(connect, {{"connected_yubikey"}, 1, 11, {arrived("11"), counted(1), notified}});
-    expect(connect, {{"connected_yubikey", "multiple_connected_YubiKey"},
-                     2,
-                     18446744073709551615U,
-                     {arrived("18446744073709551615"), counted(2), notified, notifiedMany}});
+    expect(connect, {"connected_yubikey"}, 1, 11);
+    expect(connect, {"connected_yubikey", "multiple_connected_YubiKey"}, 2, 18446744073709551615U);
     // A token that tells no serial is counted and leaves the serial alone.
-    expect(connect,
-           {{},
-            3,
-            18446744073709551615U,
-            {arrived("0"), counted(3), "warning onDeviceConnected(notification:) Serial is nil or 0. [Optional(0)]"}});
-
-    // Every second disconnection counts, whoever's it is.
-    expect([] { postDisconnected(); }, {{}, 3, 18446744073709551615U, {}});
-    expect([] { postDisconnected(); },
-           {{"disconnected_yubikey"},
-            2,
-            {},
-            {"onDeviceDisconnected() Disconnected YubiKey [Serial = 18446744073709551615].", counted(2)}});
-    for (const int count : {1, 0, -1})
-        expect(disconnectTwice,
-               {{"disconnected_yubikey"}, count, {}, {"onDeviceDisconnected() Disconnected YubiKey.", counted(count)}});
+    expect(connect, {}, 3, 18446744073709551615U);
+    // Every second disconnection counts, whoever's it is, even below 0.
+    for (const int count : {3, 2, 1, 0}) {
+        expect(disconnect, {}, count, count == 3 ? std::optional(18446744073709551615U) : std::nullopt);
+        expect(disconnect, {"disconnected_yubikey"}, count - 1, {});
+    }
+    expectRecorded("tokens", "AppDataSet");
 }
 
 TEST_F(Tokens, ARequestThatFailsEndsTheWaitAtOnce)
 {
-    const std::string unknown = "warning onDeviceConnected(notification:) Serial is nil or 0. [nil]";
-    const std::string refused = "error connectionService() Connection Error : The request was refused.";
+    const auto connect = [] { postConnected(64); };
     service->script("GetSerial", {{ScriptedService::Refusal()}});
-    expect([] { postConnected(64); },
-           {{},
-            1,
-            {},
-            {refused, "error connectionService() com.vantro.Standalone1.Error.Refused: The request was refused.",
-             counted(1), unknown}});
-    service->script("GetSerial", {{ScriptedService::Silence()}});
+    expect(connect, {}, 1, {});
+    expectRecorded("token-refused", "AppDataSet");
     // The service dies while it is asked.
-    onMonitorThread([this] {
-        std::thread killer([this] {
-            EXPECT_TRUE(waitUntil([this] { return service->methods().size() == 2; }));
-            service.reset();
-        });
-        postConnected(64);
-        killer.join();
+    service->script("GetSerial", {{ScriptedService::Silence()}});
+    std::thread killer([this] {
+        EXPECT_TRUE(waitUntil([this] { return service->methods().size() == 2; }));
+        service.reset();
     });
-    auto records = log("AppDataSet");
-    EXPECT_THAT(records, testing::Contains("error connectionService() Connection has been interrupted."));
-    EXPECT_EQ(records.back(), unknown);
-    EXPECT_EQ(dataSet().connectedYubiKeyCount(), 2);
+    expect(connect, {}, 2, {});
+    killer.join();
+    EXPECT_THAT(log("AppDataSet"), testing::Contains("error connectionService() Connection has been interrupted."));
 
     // The next one goes the same way.
     service.emplace();
     service->script("GetSerial", {{std::uint64_t{7}}});
-    onMonitorThread([] { postConnected(64); });
-    EXPECT_EQ(dataSet().connectedYubiKeySerial(), 7U);
+    expect(connect, {"connected_yubikey", "multiple_connected_YubiKey"}, 3, 7);
     bus.end();
     EXPECT_TRUE(spinUntil(
         [&] { return log("AppDataSet").back() == "error connectionService() Connection has been invalidated."; }));
-    onMonitorThread([] { postConnected(64); });
-    EXPECT_EQ(log("AppDataSet").back(), unknown);
+    expect(connect, {}, 4, 7);
 }
 
 } // namespace
