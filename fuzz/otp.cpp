@@ -12,11 +12,12 @@
 #include <sys/ioctl.h>
 
 #include "tokens/OtpExchange.h"
-#include "tokens/OtpFrame.h"
+#include "usb/OtpFrame.h"
 
 namespace {
 
 using namespace vantro::service;
+namespace otp = vantro::otp;
 
 constexpr std::size_t reportSize = sizeof(otp::Report);
 

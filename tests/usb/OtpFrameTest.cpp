@@ -9,6 +9,9 @@
 namespace vantro::otp {
 namespace {
 
+template <std::size_t size>
+using Bytes = std::array<std::uint8_t, size>;
+
 TEST(OtpFrameTest, ChecksumIsTheStandardOne)
 {
     // The check value of CRC-16/MCRF4XX, which has the same parameters.
@@ -19,13 +22,18 @@ TEST(OtpFrameTest, ChecksumIsTheStandardOne)
 
 TEST(OtpFrameTest, AnswerEndsInItsComplementedChecksum)
 {
-    std::vector<std::uint8_t> bytes = {0x00, 0xbc, 0x61, 0x4e};
-    const auto sum = static_cast<std::uint16_t>(~checksum(bytes));
-    bytes.push_back(static_cast<std::uint8_t>(sum & 0xff));
-    bytes.push_back(static_cast<std::uint8_t>(sum >> 8));
+    // Of a token with the serial 12345678.
+    std::vector<std::uint8_t> bytes = {0x00, 0xbc, 0x61, 0x4e, 0xc8, 0x04};
     EXPECT_TRUE(endsInChecksum(bytes));
     bytes[2] ^= 1;
     EXPECT_FALSE(endsInChecksum(bytes));
+}
+
+TEST(OtpFrameTest, CommandsAndFlagsAreTheTokens)
+{
+    EXPECT_EQ((std::array{command::serial, command::slotOne, command::slotTwo}), (Bytes<3>{0x10, 0x30, 0x38}));
+    EXPECT_EQ((std::array{flag::answer, flag::write, flag::touch, flag::sequence, flag::reset}),
+              (Bytes<5>{0x40, 0x80, 0x20, 0x1f, 0x8f}));
 }
 
 TEST(OtpFrameTest, ReportsOfZerosInTheMiddleAreLeftOut)

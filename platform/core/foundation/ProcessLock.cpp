@@ -7,11 +7,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/LastError.h"
+
 // Debian 12's header declares its functions for C alone.
 extern "C" {
 #include <sys/pidfd.h>
-
-#include "foundation/LastError.h"
 }
 
 namespace vantro {
