@@ -1,7 +1,8 @@
 #include "ApplicationVersion.h"
 
+#include <QSysInfo>
+
 #include "foundation/Bundle.h"
-#include "foundation/OperatingSystem.h"
 
 namespace vantro {
 
@@ -13,7 +14,7 @@ const std::string& APP_VERSION()
 
 const std::string& OS_VERSION()
 {
-    static const std::string version = ProcessInfo::operatingSystemVersionString();
+    static const std::string version = QSysInfo::prettyProductName().toStdString();
     return version;
 }
 

@@ -12,7 +12,6 @@
 #include "AppDelegate.h"
 #include "ApplicationVersion.h"
 #include "app/AppFixture.h"
-#include "foundation/OperatingSystem.h"
 #include "usb/HIDDeviceMonitor.h"
 
 namespace vantro::tests {
@@ -74,8 +73,9 @@ TEST_F(Start, LoadsTheDocumentAndOpensItForAll)
     EXPECT_THAT(log("AppDelegate"),
                 ElementsAre("applicationDidFinishLaunching(_:) Launched Application.",
                             "applicationDidFinishLaunching(_:) AppVersion: 1.0.0",
-                            "applicationDidFinishLaunching(_:) OS: " + ProcessInfo::operatingSystemVersionString(),
+                            "applicationDidFinishLaunching(_:) OS: " + OS_VERSION(),
                             "applicationShouldTerminateAfterLastWindowClosed(_:) Close application."));
+    EXPECT_NE(OS_VERSION(), "");
     EXPECT_EQ(windowTitleWithVersion(), "Vantro Standalone (Version 1.0.0)");
 }
 

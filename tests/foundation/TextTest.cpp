@@ -76,22 +76,6 @@ TEST(Text, ParsesUnsignedNumbers)
         EXPECT_EQ(parseUInt64(text), expected) << testing::PrintToString(text);
 }
 
-TEST(OperatingSystem, ReadsThePrettyName)
-{
-    const std::pair<const char*, const char*> cases[] = {
-        {"", ""},
-        {"NAME=\"Debian\"\nPRETTY_NAME=\"Debian GNU/Linux 12 (bookworm)\"\n", "Debian GNU/Linux 12 (bookworm)"},
-        {"PRETTY_NAME=Void", "Void"},
-        {"PRETTY_NAME='It \\ s'", "It \\ s"},
-        {"PRETTY_NAME=\"The \\\"Fine\\\" \\$ystem\"\n", "The \"Fine\" $ystem"},
-        {"PRETTY_NAME=\"", "\""},
-        {"PRETTY_NAME=\nMY_PRETTY_NAME=x\n#PRETTY_NAME=y\n", ""},
-    };
-    for (const auto& [osRelease, expected] : cases)
-        EXPECT_EQ(prettyName(osRelease), expected) << osRelease;
-    EXPECT_NE(ProcessInfo::operatingSystemVersionString(), "");
-}
-
 TEST(OperatingSystem, IsNewerThanAnyVersionUnlessTold)
 {
     EXPECT_TRUE(ProcessInfo::isOperatingSystemAtLeast({14, 0, 0}));

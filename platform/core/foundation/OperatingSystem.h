@@ -1,7 +1,6 @@
 #pragma once
 
-#include <string>
-#include <string_view>
+#include <compare>
 
 namespace vantro {
 
@@ -20,9 +19,6 @@ struct OperatingSystemVersion
 class ProcessInfo
 {
   public:
-    /// The system's name and version for people: PRETTY_NAME of the os-release file, "Linux" where there is none.
-    [[nodiscard]] static std::string operatingSystemVersionString();
-
     /// Whether the system is at least the given version. This system has no such numbering and counts as newer than
     /// every version that is asked for, unless setOperatingSystemVersion() has said otherwise.
     [[nodiscard]] static bool isOperatingSystemAtLeast(const OperatingSystemVersion& version);
@@ -30,8 +26,5 @@ class ProcessInfo
     /// Makes the tests above answer for the given version, for the rules of older systems. Main thread.
     static void setOperatingSystemVersion(const OperatingSystemVersion& version);
 };
-
-/// PRETTY_NAME of an os-release text, unquoted; empty when it has none.
-[[nodiscard]] std::string prettyName(std::string_view osRelease);
 
 } // namespace vantro
