@@ -34,6 +34,7 @@
 
 using namespace std::chrono_literals;
 using vantro::FileDescriptor;
+namespace failure_reason = vantro::failure_reason;
 using namespace vantro::service;
 using namespace vantro::lab;
 
@@ -134,6 +135,16 @@ TEST(VirtualToken, KeepsSilentWithoutASecretAndWaitsForATouch)
     const auto answer = answered.get();
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->response, hmac(secondKey, Challenge{}));
+}
+
+TEST(VirtualToken, HasNoAnswerWhereTimeRunsOutBeforeItTookTheCommand)
+{
+    TokenBed bed;
+    TokenProfile description = profile(7);
+    description.transferTime = 50ms;
+    VirtualToken token(bed, description);
+    token.plugIn();
+    EXPECT_EQ(reasonOf(readSerial("/dev/hidraw0", within(75ms)).failure()), failure_reason::noAnswer);
 }
 
 TEST(VirtualToken, IsGoneForWhoeverHasItOpen)
