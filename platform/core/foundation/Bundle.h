@@ -28,7 +28,7 @@ class Bundle
 
     [[nodiscard]] const std::filesystem::path& prefix() const { return prefix_; }
 
-    /// prefix/share/vantro-standalone: string tables and the dictionary itself.
+    /// prefix/share/vantro-standalone, where the dictionary lies.
     [[nodiscard]] std::filesystem::path resourceFolder() const;
 
   private:
@@ -36,7 +36,7 @@ class Bundle
     std::map<std::string, std::string, std::less<>> entries_;
 };
 
-/// The keys of the information dictionary that name folders, each an absolute path.
+/// The keys of the information dictionary: the program's version, and the absolute paths of four folders.
 namespace bundle_key {
 inline constexpr std::string_view shortVersion = "CFBundleShortVersionString";
 inline constexpr std::string_view settingsFolder = "VantroSettingsFolder";

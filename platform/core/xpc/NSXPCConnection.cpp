@@ -1,12 +1,11 @@
 #include "xpc/NSXPCConnection.h"
 
 #include <array>
-#include <cerrno>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <poll.h>
 #include <thread>
-#include <unistd.h>
 #include <utility>
 
 #include <sdbus-c++/sdbus-c++.h>
@@ -92,7 +91,14 @@ void deliver(const Message& message, sdbus::MethodReply& reply, const sdbus::Err
 
 } // namespace
 
-/// All that the connection's thread works on. The bus connection itself is touched by that thread alone.
+/// All that the connection's thread works on. The bus connection itself is touched by that thread alone, which waits
+/// for the bus in a loop of its own. The library's loop, on a thread that it makes, is not used, since
+/// - the library holds one mutex while it runs a callback: with another thread at work there, whoever sends would wait
+///   for as long as somebody's block takes. Here a sender takes no lock but that of the queue;
+/// - a reply that another thread receives can be there before the call that asked for it has been noted. Calls and
+///   replies of one thread have an order;
+/// - when the bus goes, its loop ends by an exception that nobody can catch, and the program with it. Here the
+///   connection becomes invalid.
 class NSXPCConnection::Worker
 {
   public:
