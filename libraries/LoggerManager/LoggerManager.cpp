@@ -52,7 +52,8 @@ std::shared_ptr<spdlog::logger> makeSink(const std::string& identifier, LoggerMa
     sink->set_formatter(std::move(formatter));
     sink->flush_on(spdlog::level::info);
     if (!failure.empty())
-        sink->warn("LoggerManager/LoggerManager:0 logger(_:) The log file can't be opened: {}", escapedForLog(failure));
+        sink->warn("LoggerManager/LoggerManager:{} logger(_:) The log file can't be opened: {}", __LINE__,
+                   escapedForLog(failure));
     return sink;
 }
 
