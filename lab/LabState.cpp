@@ -13,6 +13,7 @@
 
 #include "LabAccounts.h"
 #include "VantroStandaloneNames.h"
+#include "foundation/LastError.h"
 
 namespace vantro::lab {
 
@@ -110,9 +111,9 @@ void LabState::takeLock()
 {
     lock_ = FileDescriptor(::open((folder_ / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
     if (!lock_ || ::flock(lock_.get(), LOCK_EX | LOCK_NB) != 0) {
-        throw std::runtime_error(errno == EWOULDBLOCK ? "Another token lab is already using " + folder_.string() + "."
-                                                      : folder_.string() + " can't be used: " +
-                                                            std::generic_category().message(errno) + ".");
+        throw std::runtime_error(errno == EWOULDBLOCK
+                                     ? "Another token lab is already using " + folder_.string() + "."
+                                     : folder_.string() + " can't be used: " + lastError().message() + ".");
     }
 }
 

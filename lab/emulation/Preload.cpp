@@ -1,12 +1,13 @@
 #include "emulation/Preload.h"
 
-#include <cerrno>
 #include <cstdlib>
 #include <string_view>
 #include <system_error>
 
 #include <link.h>
 #include <unistd.h>
+
+#include "foundation/LastError.h"
 
 #if defined(__SANITIZE_THREAD__)
 // umockdev and GLib are not instrumented, so ThreadSanitizer doesn't see how they hand their own memory from thread to
@@ -82,7 +83,7 @@ void reexecuteUnderPreload(char** argv, const std::vector<std::string>& furtherL
     }
     ::setenv(preloadVariable, preload.c_str(), 1);
     ::execv("/proc/self/exe", argv);
-    throw std::system_error(errno, std::generic_category(), "start over under the emulation's libraries");
+    throw std::system_error(lastError(), "start over under the emulation's libraries");
 }
 
 } // namespace vantro::lab

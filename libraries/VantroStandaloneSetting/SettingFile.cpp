@@ -1,7 +1,6 @@
 #include "VantroStandaloneSetting/SettingFile.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
@@ -16,6 +15,7 @@
 #include "foundation/Bundle.h"
 #include "foundation/DurableFile.h"
 #include "foundation/FileDescriptor.h"
+#include "foundation/LastError.h"
 #include "foundation/Text.h"
 
 namespace vantro {
@@ -30,11 +30,6 @@ constexpr int namesTried = 1000;
 Logger settingLogger()
 {
     return LoggerManager::logger("VantroStandalone").inFile("VantroStandaloneSetting/SettingFile");
-}
-
-std::error_code systemError()
-{
-    return {errno, std::generic_category()};
 }
 
 /// `file` with the suffix appended, and with a number behind that from the second on.
@@ -63,7 +58,7 @@ std::error_code withFreeName(const std::filesystem::path& file, const char* suff
 std::error_code moveAside(const std::filesystem::path& file, const std::filesystem::path& name)
 {
     return ::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(), RENAME_NOREPLACE) == 0 ? std::error_code()
-                                                                                              : systemError();
+                                                                                              : lastError();
 }
 
 /// Whether the document itself is such that this account can't read it. Any other error may be gone a moment later.
@@ -78,7 +73,7 @@ std::error_code readabilityOf(const std::filesystem::path& file)
     const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
     struct stat status = {};
     if (!descriptor || ::fstat(descriptor.get(), &status) != 0)
-        return systemError();
+        return lastError();
     if (!S_ISREG(status.st_mode))
         return std::make_error_code(std::errc::not_supported);
     if (status.st_nlink != 1)
@@ -168,7 +163,7 @@ Replacement SettingFile::replace(const std::string& text)
         return replaceFile(url_, text, options);
     struct stat status = {};
     if (::lstat(url_.c_str(), &status) != 0)
-        return {false, systemError()};
+        return {false, lastError()};
     if (!error || !isUnreadable(status, error)) {
         // Its content is known to nobody when it could not be read before.
         if (readError_)
@@ -223,7 +218,7 @@ std::error_code SettingFile::writability() const
 {
     // The folder's permissions count alone: the file is replaced, not changed.
     if (::faccessat(AT_FDCWD, url_.parent_path().c_str(), W_OK | X_OK, AT_EACCESS) != 0)
-        return systemError();
+        return lastError();
     return {};
 }
 

@@ -9,6 +9,7 @@
 #include "LoggerManager/DurabilityWarning.h"
 #include "VantroStandaloneNames.h"
 #include "foundation/DurableFile.h"
+#include "foundation/LastError.h"
 #include "foundation/TrustedFile.h"
 #include "pam/PamFile.h"
 #include "pam/PamModule.h"
@@ -129,14 +130,14 @@ std::optional<RequestFailure> PamStore::apply(const PamSetting& setting, Request
             return failure;
     if (change->text == change->found.content)
         return std::nullopt;
-    if (auto failure = keep(*change)) {
+    if (auto failure = writeBackup(*change)) {
         if (!isRelaxing(setting, request))
             return failure;
         logger_.warning("What was there is not kept. " + failure->text, "apply(_:request:)");
     }
     const auto written = replaceFile(change->path, change->text, {change->found.mode, {}, change->found.group, {}});
     if (!written.isDone)
-        return writeFailureOf(systemFailure(change->path, written.error.value()));
+        return writeFailureOf(systemFailure(change->path, written.error));
     warnUnlessDurable(logger_, change->path, written, "apply(_:request:)");
     return std::nullopt;
 }
@@ -208,15 +209,15 @@ std::optional<RequestFailure> PamStore::jumpFailure(const PamSetting& setting, c
     return std::nullopt;
 }
 
-std::optional<RequestFailure> PamStore::keep(const Change& change) const
+std::optional<RequestFailure> PamStore::writeBackup(const Change& change)
 {
     if (::mkdir(folders_.backup.c_str(), backupFolderMode) != 0 && errno != EEXIST)
-        return writeFailureOf(systemFailure(folders_.backup, errno));
+        return writeFailureOf(systemFailure(folders_.backup, lastError()));
     if (const auto failure = folderFailure(folders_.backup, openToOthers))
         return writeFailureOf(*failure);
     const auto path = folders_.backup / change.path.filename();
     const auto written = replaceFile(path, change.found.content, {backupMode, {}, {}, {}});
-    return written.isDone ? std::nullopt : std::optional(writeFailureOf(systemFailure(path, written.error.value())));
+    return written.isDone ? std::nullopt : std::optional(writeFailureOf(systemFailure(path, written.error)));
 }
 
 } // namespace vantro::service

@@ -66,15 +66,23 @@ class PamStore
         std::string text;
     };
 
-    [[nodiscard]] std::optional<RequestFailure> carryOut(const ArchiveData& archive, std::string_view function,
-                                                         Request request);
-    [[nodiscard]] std::optional<RequestFailure> apply(const PamSetting& setting, Request request);
+    // These look, and change no file.
+
+    /// The change that the request comes to, or why it can't be done.
     [[nodiscard]] Outcome<Change, RequestFailure> prepare(const PamSetting& setting, Request request) const;
+    /// Says why nobody may be made to show a token; nothing when everybody may.
     [[nodiscard]] std::optional<RequestFailure> demandFailure(const PamSetting& setting) const;
     /// Says why a text that has the entry can't be put in the place: some service jumps over it, or nobody knows.
     [[nodiscard]] std::optional<RequestFailure> jumpFailure(const PamSetting& setting, const std::string& text) const;
+
+    // These write. Each says why it did not.
+
+    /// Does what is asked, and logs it under the name of the `function`.
+    [[nodiscard]] std::optional<RequestFailure> carryOut(const ArchiveData& archive, std::string_view function,
+                                                         Request request);
+    [[nodiscard]] std::optional<RequestFailure> apply(const PamSetting& setting, Request request);
     /// Writes the text that is to be replaced into the backup folder.
-    [[nodiscard]] std::optional<RequestFailure> keep(const Change& change) const;
+    [[nodiscard]] std::optional<RequestFailure> writeBackup(const Change& change);
 
     const Folders folders_;
     const RegisteredKeys& registeredKeys_;

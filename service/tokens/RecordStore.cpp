@@ -10,6 +10,7 @@
 #include "LoggerManager/DurabilityWarning.h"
 #include "foundation/DurableFile.h"
 #include "foundation/FileDescriptor.h"
+#include "foundation/LastError.h"
 #include "foundation/Text.h"
 
 namespace vantro::service {
@@ -40,7 +41,7 @@ std::optional<FileFailure> RecordStore::writeFailure(std::uint64_t serial) const
     const auto path = fileOf(serial);
     struct stat status = {};
     if (::lstat(path.c_str(), &status) != 0)
-        return errno == ENOENT ? std::nullopt : std::optional(systemFailure(path, errno));
+        return errno == ENOENT ? std::nullopt : std::optional(systemFailure(path, lastError()));
     if (S_ISLNK(status.st_mode))
         return FileFailure{FileFailure::Kind::SymbolicLink, path.string() + " is a symbolic link; remove it."};
     if (!S_ISREG(status.st_mode))
@@ -55,7 +56,7 @@ std::optional<FileFailure> RecordStore::replace(const ChallengeRecord& record) c
     const auto path = fileOf(record.serial);
     const auto written = replaceFile(path, record.formatted(), {recordMode, {}, {}, {}});
     if (!written.isDone)
-        return systemFailure(path, written.error.value());
+        return systemFailure(path, written.error);
     warnUnlessDurable(logger_, path, written, "replace(_:)");
     return std::nullopt;
 }
@@ -108,12 +109,10 @@ Outcome<bool, FileFailure> RecordStore::remove(std::uint64_t serial)
         return *failure;
     const auto path = fileOf(serial);
     if (::unlink(path.c_str()) != 0)
-        return errno == ENOENT ? Outcome<bool, FileFailure>(false) : systemFailure(path, errno);
+        return errno == ENOENT ? Outcome<bool, FileFailure>(false) : systemFailure(path, lastError());
     const FileDescriptor folder(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const bool isDurable = folder && ::fsync(folder.get()) == 0;
-    warnUnlessDurable(logger_, folder_,
-                      {true, isDurable ? std::error_code() : std::error_code(errno, std::generic_category())},
-                      "remove(_:)");
+    warnUnlessDurable(logger_, folder_, {true, isDurable ? std::error_code() : lastError()}, "remove(_:)");
     return true;
 }
 

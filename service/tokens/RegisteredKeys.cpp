@@ -23,7 +23,7 @@ Outcome<VantroStandaloneSetting, FileFailure> RegisteredKeys::read() const
     if (error == std::errc::no_such_file_or_directory)
         return VantroStandaloneSetting();
     if (!bytes)
-        return systemFailure(document_, error.value());
+        return systemFailure(document_, error);
     auto setting = readSetting(XML::parse(*bytes));
     if (!setting.isValid)
         return FileFailure{FileFailure::Kind::BadContent, document_.string() + " is no valid settings document."};

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "VantroStandaloneNames.h"
+#include "foundation/LastError.h"
 
 namespace vantro::service {
 namespace {
@@ -114,7 +115,7 @@ void TokenRegistry::watch(const std::stop_token& stop)
     while (!stop.stop_requested()) {
         pollfd waits[] = {{watcher_->fileDescriptor(), POLLIN, 0}, {stopEvent_.fileDescriptor(), POLLIN, 0}};
         if (::poll(waits, std::size(waits), -1) < 0 && errno != EINTR) {
-            logger_.error("Tokens can't be watched: " + std::generic_category().message(errno), "watch(_:)");
+            logger_.error("Tokens can't be watched: " + lastError().message(), "watch(_:)");
             return;
         }
         const std::lock_guard lock(watcherMutex_);

@@ -10,7 +10,6 @@
 #include <unistd.h>
 #include <utility>
 
-#include "foundation/FileDescriptor.h"
 #include "foundation/LastError.h"
 
 namespace vantro {
@@ -177,12 +176,22 @@ std::optional<std::string> readFile(const std::filesystem::path& path, std::size
         return std::nullopt;
     }
 
+    return readFile(file, limit, error);
+}
+
+std::optional<std::string> readFile(const FileDescriptor& file, std::size_t limit, std::error_code& error)
+{
+    error.clear();
+    struct stat status = {};
+    if (::fstat(file.get(), &status) != 0) {
+        error = lastError();
+        return std::nullopt;
+    }
     const auto fileTooLarge = std::make_error_code(std::errc::file_too_large);
     if (static_cast<std::uintmax_t>(status.st_size) > limit) {
         error = fileTooLarge;
         return std::nullopt;
     }
-
     std::string content;
     content.reserve(static_cast<std::size_t>(status.st_size) + 1);
     char buffer[65536];

@@ -9,6 +9,8 @@
 
 #include <sys/types.h>
 
+#include "foundation/FileDescriptor.h"
+
 namespace vantro {
 
 /// How the new file of a replacement is made.
@@ -60,5 +62,9 @@ enum class Links
 /// (std::errc::too_many_links).
 [[nodiscard]] std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit,
                                                   std::error_code& error, Links links = Links::Follow);
+
+/// The same of a regular file that is open for reading, from where it stands.
+[[nodiscard]] std::optional<std::string> readFile(const FileDescriptor& file, std::size_t limit,
+                                                  std::error_code& error);
 
 } // namespace vantro

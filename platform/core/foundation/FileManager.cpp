@@ -1,10 +1,10 @@
 #include "foundation/FileManager.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 
 #include "foundation/Identity.h"
+#include "foundation/LastError.h"
 
 namespace vantro {
 
@@ -14,7 +14,7 @@ std::optional<FileManagerItem> FileManagerItem::open(const std::filesystem::path
     FileDescriptor file(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
     if (!file || ::fstat(file.get(), &status) != 0) {
-        error = {errno, std::generic_category()};
+        error = lastError();
         return std::nullopt;
     }
     error.clear();
@@ -38,7 +38,7 @@ std::error_code FileManagerItem::setPosixPermissions(mode_t mode) const
 {
     // The kernel's own name of the descriptor, since fchmod() takes none that was opened as a place.
     const std::string name = "/proc/self/fd/" + std::to_string(file_.get());
-    return ::chmod(name.c_str(), mode) == 0 ? std::error_code() : std::error_code(errno, std::generic_category());
+    return ::chmod(name.c_str(), mode) == 0 ? std::error_code() : lastError();
 }
 
 } // namespace vantro

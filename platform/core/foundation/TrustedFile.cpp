@@ -3,10 +3,12 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
+#include <utility>
 
+#include "foundation/DurableFile.h"
 #include "foundation/FileDescriptor.h"
+#include "foundation/LastError.h"
 
 namespace vantro {
 namespace {
@@ -45,12 +47,12 @@ std::optional<FileFailure> ownFailure(const std::filesystem::path& path, const s
 
 } // namespace
 
-FileFailure systemFailure(const std::filesystem::path& path, int error)
+FileFailure systemFailure(const std::filesystem::path& path, std::error_code error)
 {
     const auto told = [&path, error](Kind kind) {
-        return failure(kind, path, "can't be used: " + std::generic_category().message(error) + ".");
+        return failure(kind, path, "can't be used: " + error.message() + ".");
     };
-    switch (error) {
+    switch (error.value()) {
     case ENOENT:
         return told(Kind::Missing);
     case ELOOP:
@@ -79,7 +81,7 @@ std::optional<FileFailure> folderFailure(const std::filesystem::path& folder, mo
         path /= name;
         place = FileDescriptor(::openat(place ? place.get() : AT_FDCWD, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
         if (!place || ::fstat(place.get(), &status) != 0)
-            return systemFailure(path, errno);
+            return systemFailure(path, lastError());
         if (S_ISLNK(status.st_mode))
             return failure(Kind::SymbolicLink, path, "is a symbolic link; name the folder itself.");
         if (!S_ISDIR(status.st_mode))
@@ -95,26 +97,19 @@ Outcome<TrustedFile, FileFailure> readTrustedFile(const std::filesystem::path& p
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status = {};
     if (!file || ::fstat(file.get(), &status) != 0)
-        return systemFailure(path, errno);
+        return systemFailure(path, lastError());
     if (!S_ISREG(status.st_mode))
         return failure(Kind::WrongType, path, "is no regular file.");
     if (const auto refusal = ownFailure(path, status, forbidden))
         return *refusal;
 
-    TrustedFile result{{}, status.st_mode & 07777, status.st_gid};
-    char buffer[4096];
-    while (true) {
-        const ssize_t count = ::read(file.get(), buffer, sizeof buffer);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return systemFailure(path, errno);
-        if (count == 0)
-            return result;
-        result.content.append(buffer, static_cast<std::size_t>(count));
-        if (result.content.size() > limit)
-            return failure(Kind::TooLarge, path, "is larger than " + std::to_string(limit) + " bytes.");
-    }
+    std::error_code error;
+    auto content = readFile(file, limit, error);
+    if (error == std::errc::file_too_large)
+        return failure(Kind::TooLarge, path, "is larger than " + std::to_string(limit) + " bytes.");
+    if (!content)
+        return systemFailure(path, error);
+    return TrustedFile{std::move(*content), status.st_mode & 07777, status.st_gid};
 }
 
 } // namespace vantro

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include <sys/types.h>
 
@@ -56,7 +57,7 @@ struct TrustedFile
 [[nodiscard]] Outcome<TrustedFile, FileFailure> readTrustedFile(const std::filesystem::path& path, mode_t forbidden,
                                                                 std::size_t limit);
 
-/// The failure of a call that set errno, or of a function that answered an error.
-[[nodiscard]] FileFailure systemFailure(const std::filesystem::path& path, int error);
+/// The failure of a call of the operating system's.
+[[nodiscard]] FileFailure systemFailure(const std::filesystem::path& path, std::error_code error);
 
 } // namespace vantro

@@ -16,6 +16,7 @@
 #include <libudev.h>
 
 #include "foundation/DurableFile.h"
+#include "foundation/LastError.h"
 #include "usb/ReportDescriptor.h"
 
 namespace vantro {
@@ -38,11 +39,6 @@ using UdevPointer = std::unique_ptr<udev, Releaser<udev_unref>>;
 using MonitorPointer = std::unique_ptr<udev_monitor, Releaser<udev_monitor_unref>>;
 using EnumeratePointer = std::unique_ptr<udev_enumerate, Releaser<udev_enumerate_unref>>;
 using DevicePointer = std::unique_ptr<udev_device, Releaser<udev_device_unref>>;
-
-[[noreturn]] void throwLastError(const char* what)
-{
-    throw std::system_error(errno, std::generic_category(), what);
-}
 
 std::string_view textOrEmpty(const char* text)
 {
@@ -138,7 +134,7 @@ Kind kindOf(const HidInterface& interface)
 }
 
 /// What the path of an interface that has gone still says about it; nothing for no USB HID interface.
-std::optional<HidInterface> describeGone(udev_device* device)
+std::optional<HidInterface> goneInterfaceOf(udev_device* device)
 {
     HidInterface interface;
     interface.sysPath = textOrEmpty(udev_device_get_syspath(device));
@@ -179,22 +175,28 @@ class HidInterfaceWatcher::Udev
     Udev(Handler onCame, Handler onWent) : onCame_(std::move(onCame)), onWent_(std::move(onWent)), udev_(udev_new())
     {
         if (!udev_)
-            throwLastError("udev_new");
+            throw std::system_error(lastError(), "udev_new");
         monitor_.reset(udev_monitor_new_from_netlink(udev_.get(), "udev"));
         if (!monitor_)
-            throwLastError("udev_monitor_new_from_netlink");
+            throw std::system_error(lastError(), "udev_monitor_new_from_netlink");
         if (udev_monitor_filter_add_match_subsystem_devtype(monitor_.get(), hidrawSubsystem, nullptr) < 0 ||
             udev_monitor_enable_receiving(monitor_.get()) < 0)
-            throwLastError("udev_monitor_enable_receiving");
+            throw std::system_error(lastError(), "udev_monitor_enable_receiving");
     }
 
     [[nodiscard]] int fileDescriptor() const { return udev_monitor_get_fd(monitor_.get()); }
 
-    /// Interfaces that are known already are only looked at again when events were lost: another one may have come
+    /// Whether interfaces that are known already are looked at again: when events were lost, another one may have come
     /// under the same path.
-    void queueDifferences(bool hasLostEvents)
+    enum class Look
     {
-        auto present = findPresent(hasLostEvents);
+        AtUnknown,
+        AtAll
+    };
+
+    void queueDifferences(Look look)
+    {
+        auto present = findPresent(look);
         if (!present)
             return;
         for (auto known = known_.begin(); known != known_.end();) {
@@ -223,14 +225,14 @@ class HidInterfaceWatcher::Udev
             errno = 0;
             const DevicePointer device(udev_monitor_receive_device(monitor_.get()));
             if (device)
-                take(device.get());
+                queueEvent(device.get());
             else if (errno == ENOBUFS)
                 hasLostEvents = true;
             else if (errno != EINTR)
                 break;
         }
         if (hasLostEvents)
-            queueDifferences(true);
+            queueDifferences(Look::AtAll);
     }
 
     void report()
@@ -252,7 +254,7 @@ class HidInterfaceWatcher::Udev
     using Present = std::map<std::string, std::optional<HidInterface>, std::less<>>;
 
     /// The paths that are there and what is there; without a description for those that need none or have none.
-    std::optional<Present> findPresent(bool describesKnown)
+    std::optional<Present> findPresent(Look look)
     {
         const EnumeratePointer enumeration(udev_enumerate_new(udev_.get()));
         if (!enumeration || udev_enumerate_add_match_subsystem(enumeration.get(), hidrawSubsystem) < 0 ||
@@ -264,7 +266,7 @@ class HidInterfaceWatcher::Udev
         {
             const char* const path = udev_list_entry_get_name(entry);
             auto& interface = present[path];
-            if (!describesKnown && known_.contains(path))
+            if (look == Look::AtUnknown && known_.contains(path))
                 continue;
             const DevicePointer device(udev_device_new_from_syspath(udev_.get(), path));
             if (device)
@@ -273,15 +275,15 @@ class HidInterfaceWatcher::Udev
         return present;
     }
 
-    void take(udev_device* device)
+    void queueEvent(udev_device* device)
     {
         const auto action = textOrEmpty(udev_device_get_action(device));
         const auto known = known_.find(textOrEmpty(udev_device_get_syspath(device)));
         if (action == "add" && known == known_.end()) {
             if (auto interface = interfaceOf(device))
-                takeDescribed(std::move(*interface));
-            else if (auto gone = describeGone(device))
-                takeGone(std::move(*gone));
+                queueDescribed(std::move(*interface));
+            else if (auto gone = goneInterfaceOf(device))
+                queueGone(std::move(*gone));
         } else if (action == "remove" && known != known_.end()) {
             queue_.push_back({onWent_, std::move(known->second)});
             known_.erase(known);
@@ -290,7 +292,7 @@ class HidInterfaceWatcher::Udev
         }
     }
 
-    void takeDescribed(HidInterface interface)
+    void queueDescribed(HidInterface interface)
     {
         const std::string usbDevice = usbDeviceAbove(interface.sysPath);
         queueCame(std::move(interface));
@@ -303,7 +305,7 @@ class HidInterfaceWatcher::Udev
     }
 
     /// A device that is pulled out while it is looked at: whoever heard of one of its interfaces hears of all.
-    void takeGone(HidInterface interface)
+    void queueGone(HidInterface interface)
     {
         if (const auto model = models_.find(kindOf(interface)); model != models_.end()) {
             interface.usagePage = model->second.usagePage;
@@ -349,7 +351,7 @@ HidInterfaceWatcher::~HidInterfaceWatcher() = default;
 
 void HidInterfaceWatcher::enumerate()
 {
-    udev_->queueDifferences(false);
+    udev_->queueDifferences(Udev::Look::AtUnknown);
     udev_->report();
 }
 
