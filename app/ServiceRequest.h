@@ -3,7 +3,6 @@
 #include <chrono>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include "AppDataSet.h"
 #include "ServiceFailure.h"

@@ -6,7 +6,6 @@
 #include <thread>
 #include <utility>
 
-#include "AppDataSet.h"
 #include "ServiceRequest.h"
 #include "ServiceRequests.h"
 #include "VantroStandaloneNames.h"

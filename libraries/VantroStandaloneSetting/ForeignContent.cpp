@@ -1,7 +1,6 @@
 #include "VantroStandaloneSetting/ForeignContent.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <span>
 #include <string_view>
 #include <unordered_map>

@@ -11,7 +11,6 @@
 #include <libelf.h>
 
 #include "foundation/FileDescriptor.h"
-#include "foundation/TrustedFile.h"
 
 namespace vantro::service {
 namespace {

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <string_view>
 
 #include "Limit.h"
 #include "LoggerManager/Logger.h"

@@ -10,7 +10,6 @@
 
 #include <unistd.h>
 
-#include "CompositionRoot.h"
 #include "DefaultsKeys.h"
 #include "LoggerManager/LoggerManager.h"
 #include "LoginAuthentication.h"

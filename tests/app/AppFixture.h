@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -22,13 +21,11 @@
 #include "VantroStandaloneSetting/SettingText.h"
 #include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
-#include "appkit/NSTabViewController.h"
 #include "emulation/TokenBed.h"
 #include "foundation/FileDescriptor.h"
 #include "support/PlainBus.h"
 #include "support/ScriptedService.h"
 #include "support/TemporaryPrefix.h"
-#include "support/WaitUntil.h"
 
 /// Test failures show texts as texts.
 inline void PrintTo(const QString& text, std::ostream* stream)

@@ -17,7 +17,6 @@
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
 #include "ViewController/DialogViewController.h"
 #include "ViewController/Main/KeyListViewController.h"
-#include "ViewController/Main/TabViewController.h"
 #include "ViewController/Main/User/RegistrationUserKeyViewController.h"
 #include "ViewController/Main/User/UserViewController.h"
 #include "app/AppFixture.h"

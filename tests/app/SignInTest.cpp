@@ -6,10 +6,8 @@
 #include <QMouseEvent>
 #include <QTimer>
 
-#include "DefaultsKeys.h"
 #include "LoginAuthAlertMessage.h"
 #include "LoginAuthentication.h"
-#include "ViewController/Alert/LoginAuthAlertViewController.h"
 #include "app/AppFixture.h"
 
 namespace vantro::tests {

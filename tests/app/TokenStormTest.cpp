@@ -13,7 +13,6 @@
 #include <QTableView>
 #include <QTimer>
 
-#include "DefaultsKeys.h"
 #include "ViewController/Main/KeyListViewController.h"
 #include "app/AppFixture.h"
 #include "appkit/ModalWindow.h"

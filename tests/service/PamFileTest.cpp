@@ -1,6 +1,5 @@
 #include "pam/PamFile.h"
 
-#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>

@@ -7,7 +7,6 @@
 
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "VantroStandaloneSetting/PamSetting.h"
 #include "service/ServiceFixture.h"

@@ -4,7 +4,6 @@
 #include <functional>
 #include <limits>
 #include <optional>
-#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>

@@ -3,7 +3,6 @@
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
-#include <future>
 #include <iostream>
 #include <string>
 

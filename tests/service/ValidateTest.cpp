@@ -1,4 +1,3 @@
-#include <chrono>
 #include <fstream>
 #include <sys/mount.h>
 #include <sys/stat.h>

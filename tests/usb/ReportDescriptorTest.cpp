@@ -1,7 +1,6 @@
 #include "usb/ReportDescriptor.h"
 
 #include <initializer_list>
-#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
 // The connection to the service and the proxy on it, on a bus of the test's own.
 
-#include <functional>
 #include <limits>
 #include <memory>
 #include <mutex>

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <map>
-#include <memory>
 
 #include <QSize>
 

@@ -1,6 +1,5 @@
 #include "foundation/Bundle.h"
 
-#include <atomic>
 #include <mutex>
 #include <optional>
 #include <system_error>

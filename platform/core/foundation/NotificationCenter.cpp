@@ -1,7 +1,5 @@
 #include "foundation/NotificationCenter.h"
 
-#include <algorithm>
-#include <atomic>
 #include <utility>
 
 namespace vantro {

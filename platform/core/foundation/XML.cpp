@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <iterator>
 
 #include "foundation/Text.h"
 

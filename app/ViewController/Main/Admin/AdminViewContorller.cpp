@@ -1,7 +1,5 @@
 #include "ViewController/Main/Admin/AdminViewContorller.h"
 
-#include <utility>
-
 #include <QCheckBox>
 
 #include "AppDataSet.h"

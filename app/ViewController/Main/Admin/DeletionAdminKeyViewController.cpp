@@ -2,7 +2,6 @@
 
 #include "AdminViewMessage.h"
 #include "AppDataSet.h"
-#include "CommonMessage.h"
 #include "ui_DeletionAdminKeyView.h"
 
 namespace vantro {

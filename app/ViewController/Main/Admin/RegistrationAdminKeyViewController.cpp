@@ -1,8 +1,5 @@
 #include "ViewController/Main/Admin/RegistrationAdminKeyViewController.h"
 
-#include <string>
-#include <utility>
-
 #include "AdminViewMessage.h"
 #include "AppDataSet.h"
 #include "Model/KeySorting.h"

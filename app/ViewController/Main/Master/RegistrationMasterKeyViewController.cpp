@@ -1,7 +1,6 @@
 #include "ViewController/Main/Master/RegistrationMasterKeyViewController.h"
 
 #include <string>
-#include <utility>
 
 #include "AppDataSet.h"
 #include "MasterKeyViewMessage.h"

@@ -1,7 +1,5 @@
 #include "ViewController/Main/User/UserViewController.h"
 
-#include <utility>
-
 #include "AppDataSet.h"
 #include "ui_UserView.h"
 
