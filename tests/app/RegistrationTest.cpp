@@ -15,8 +15,13 @@ namespace vantro::tests {
 namespace {
 
 using Answer = ScriptedService::Answer;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+const Answer jump{std::string("jump")};
+const Answer unknownMethod{ScriptedService::Refusal{"org.freedesktop.DBus.Error.UnknownInterface"}};
+const Answer accessDenied{ScriptedService::Refusal{"org.freedesktop.DBus.Error.AccessDenied"}};
 
 class Registration : public ScreenFixture
 {
@@ -106,8 +111,7 @@ TEST_P(Registration, SaysWhyATokenThatIsPluggedInCannotBeRegistered)
         {plugInUnread({std::uint64_t{0}}, "no-keyboard-interface"), text("serial_not_read", "no-keyboard-interface")},
         {[&] { plugIn(5); }, ""},
         {[&] { unplug(); }, text("another_pulled_out")},
-        {plugInUnread({ScriptedService::Refusal{"org.freedesktop.DBus.Error.AccessDenied"}}, ""),
-         text("serial_not_read", "access-denied")},
+        {plugInUnread(accessDenied, ""), text("serial_not_read", "access-denied")},
         // Plugging the one that is left in again would not help.
         {[&] { unplug(); }, text("serial_not_read", "access-denied")},
         {[&] { unplug(); }, ""},
@@ -127,34 +131,35 @@ TEST_P(Registration, SaysWhyATokenThatIsPluggedInCannotBeRegistered)
     EXPECT_TRUE(spinUntil([&] { return dialog->view()->height() > height; })) << "the dialog grows with its texts";
 }
 
-TEST_P(Registration, AFileThatIsNotWrittenLeavesEverythingElseAsItWas)
+struct FailedRequest
 {
-    store(screen().with({3}));
-    plugIn(5);
-    takeWrites();
-    const Answer unknown{ScriptedService::Refusal{"org.freedesktop.DBus.Error.UnknownInterface"}};
-    const Answer jump{std::string("jump")};
-    const struct
-    {
-        /// Absent when there is no service.
-        std::optional<Answer> answer;
-        /// What the service says when it is asked why.
-        Answer reason;
-        bool waitsForTheLimit;
-        /// The text below the specified one; empty when there is none.
-        const char* sentence;
-    } cases[] = {
-        {Answer{false}, {std::string()}, false, ""},
-        {Answer{false}, {std::string("slot-not-programmed")}, false, "slot-not-programmed"},
-        {Answer{false}, {std::string("word of a later version")}, false, ""},
-        {Answer{false}, unknown, false, ""},
-        {Answer{false}, {ScriptedService::Silence()}, true, ""},
-        {Answer{ScriptedService::Refusal()}, jump, true, ""},
-        {Answer{ScriptedService::Refusal{"org.freedesktop.DBus.Error.AccessDenied"}}, unknown, true, "access-denied"},
-        {Answer{ScriptedService::Silence()}, jump, true, ""},
-        {Answer{true, 400ms}, jump, true, ""},
-        {std::nullopt, unknown, true, "service-missing"}};
-    for (const auto& [answer, reason, waitsForTheLimit, sentence] : cases) {
+    const char* name;
+    /// Absent when there is no service.
+    std::optional<Answer> answer;
+    /// What the service says when it is asked why.
+    Answer reason;
+    bool waitsForTheLimit;
+    /// The reason that is told; empty when there is none.
+    const char* told = "";
+};
+
+TEST_F(AppFixture, ARequestThatFailsSaysWhyWithinItsLimit)
+{
+    const FailedRequest requests[] = {
+        {"no reason", Answer{false}, {std::string()}, false},
+        {"a reason", Answer{false}, {std::string("slot-not-programmed")}, false, "slot-not-programmed"},
+        {"a reason of a later version", Answer{false}, {std::string("later")}, false},
+        {"a service that gives no reasons", Answer{false}, unknownMethod, false},
+        {"silence about the reason", Answer{false}, {ScriptedService::Silence()}, true},
+        {"an error", Answer{ScriptedService::Refusal()}, jump, true},
+        {"denied", accessDenied, unknownMethod, true, "access-denied"},
+        {"silence", Answer{ScriptedService::Silence()}, jump, true},
+        {"too late", Answer{true, 400ms}, jump, true},
+        {"no service", std::nullopt, unknownMethod, true, "service-missing"},
+    };
+    dataSet();
+    for (const auto& [name, answer, reason, waitsForTheLimit, told] : requests) {
+        SCOPED_TRACE(name);
         serviceReplyLimit = waitsForTheLimit ? 200ms : std::chrono::milliseconds(ample);
         if (answer) {
             service->script("CreateCRSettingFile", {*answer});
@@ -162,44 +167,25 @@ TEST_P(Registration, AFileThatIsNotWrittenLeavesEverythingElseAsItWas)
         } else {
             service.reset();
         }
-        const auto dialog = open();
-        forgetLog();
         const auto start = std::chrono::steady_clock::now();
-        QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
+        ServiceFailure failure;
+        EXPECT_FALSE(createCRSettingFile(5, &failure));
         EXPECT_EQ(std::chrono::steady_clock::now() - start >= 200ms, waitsForTheLimit);
-
-        QString information = CommonMessage::CRFailureAlert();
-        if (*sentence != 0)
-            information += "\n\n" + localizedString("ServiceFailure", sentence);
-        ASSERT_EQ(alerts.size(), 1U);
-        EXPECT_EQ(alerts[0].windowTitle, "Vantro Standalone (Version 1.0.0)");
-        EXPECT_EQ(alerts[0].style, NSAlert::Style::Warning);
-        EXPECT_EQ(alerts[0].message, CommonMessage::warning());
-        EXPECT_EQ(alerts[0].information, information);
-        EXPECT_EQ(alerts[0].buttons, QStringList{CommonMessage::ok()});
-        alerts.clear();
-        EXPECT_EQ(messages(file()).back(), "Failed to update the CR setting file.");
-        EXPECT_EQ(stored(), screen().with({3}));
-        EXPECT_EQ(takeWrites(), 0);
-        EXPECT_EQ(rows().size(), 1);
-
-        if (staysOpen()) {
-            EXPECT_TRUE(dialog->OKButton->isEnabled());
-            pressKey(Qt::Key_Escape);
-            EXPECT_EQ(messages(file()).back(), "Called onClickCancel.");
-        }
-        EXPECT_TRUE(isDismissed(dialog));
+        EXPECT_EQ(failure.sentence(), *told == 0 ? QString() : localizedString("ServiceFailure", told));
     }
 }
 
-TEST_P(Registration, ATokenThatIsPulledOutMeanwhile)
+TEST_P(Registration, OfATokenThatIsPulledOutMeanwhileStandsOrFallsWithItsFile)
 {
+    store(screen().with({3}));
     dataSet();
     const auto openAndRegister = [&](const Answer& answer) {
         plugIn(5);
         service->forgetCalls();
         service->script("CreateCRSettingFile", {answer});
+        service->script("LastFailure", {jump});
         auto dialog = open();
+        takeWrites();
         std::thread monitor([&] {
             EXPECT_TRUE(waitUntil([&] { return !service->methods().empty(); }));
             postDisconnected();
@@ -215,19 +201,26 @@ TEST_P(Registration, ATokenThatIsPulledOutMeanwhile)
         EXPECT_TRUE(spinUntil([&] { return dialog->serialLabelModel.text() == notConnected(); }));
     };
     const auto refused = openAndRegister({false, 300ms});
-    EXPECT_EQ(alerts.size(), 1U);
-    EXPECT_EQ(stored(), VantroStandaloneSetting());
+    ASSERT_EQ(alerts.size(), 1U);
+    EXPECT_EQ(alerts[0].windowTitle, "Vantro Standalone (Version 1.0.0)");
+    EXPECT_EQ(alerts[0].style, NSAlert::Style::Warning);
+    EXPECT_EQ(alerts[0].message, CommonMessage::warning());
+    EXPECT_EQ(alerts[0].information, ServiceFailure("jump").below(CommonMessage::CRFailureAlert()));
+    EXPECT_EQ(alerts[0].buttons, QStringList{CommonMessage::ok()});
+    EXPECT_THAT(messages(file()), Contains("Failed to update the CR setting file."));
+    EXPECT_EQ(stored(), screen().with({3}));
+    EXPECT_EQ(takeWrites(), 0);
+    EXPECT_EQ(rows().size(), 1);
     if (staysOpen()) {
         EXPECT_FALSE(refused->OKButton->isEnabled());
-        QTest::keyClick(refused->view(), Qt::Key_Escape);
+        pressKey(Qt::Key_Escape);
+        EXPECT_EQ(messages(file()).back(), "Called onClickCancel.");
     }
     EXPECT_TRUE(isDismissed(refused));
 
     // The record was written before the token went, so the registration stands.
-    const auto accepted = openAndRegister({true, 300ms});
-    EXPECT_TRUE(isDismissed(accepted));
-    EXPECT_EQ(stored(), screen().with({5}));
-    EXPECT_EQ(dataSet().connectedYubiKeyCount(), 0);
+    EXPECT_TRUE(isDismissed(openAndRegister({true, 300ms})));
+    EXPECT_EQ(stored(), screen().with({3, 5}));
 }
 
 TEST_P(Registration, WithoutItsListOrABareSerialItDoesNothing)
@@ -257,37 +250,10 @@ TEST_P(Registration, ATokenThatWasAddedMeanwhile)
     dataSet().vantroStandaloneSetting = screen().with({5});
     takeWrites();
     QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    EXPECT_THAT(service->methods(), testing::Contains("CreateCRSettingFile"));
+    EXPECT_THAT(service->methods(), Contains("CreateCRSettingFile"));
     EXPECT_EQ(messages(file()).back() == "This YubiKey is already assigned. [Serial: 5]", looksAgain);
     EXPECT_EQ(takeWrites(), looksAgain ? 0 : 1);
     EXPECT_EQ(dialog->view()->isVisible(), looksAgain && staysOpen());
-}
-
-TEST_P(Registration, ByKeyboardAlone)
-{
-    plugIn(5);
-    list().registerButton->setFocus();
-    pressKey(Qt::Key_Space);
-    const QPointer dialog(list().findChild<RegistrationKeyViewController*>());
-    ASSERT_TRUE(activate(*dialog->view()->window()));
-
-    // Tab comes by every control that there is, and nothing else.
-    std::set<QWidget*> controls;
-    for (QWidget* const widget : dialog->view()->findChildren<QWidget*>())
-        if (widget->isVisible() && (widget->focusPolicy() & Qt::TabFocus) != 0)
-            controls.insert(widget);
-    std::set<QWidget*> visited;
-    for (std::size_t step = 0; step < controls.size(); ++step) {
-        pressKey(Qt::Key_Tab);
-        visited.insert(QApplication::focusWidget());
-    }
-    EXPECT_EQ(visited, controls);
-    EXPECT_EQ(controls.count(dialog->OKButton), 1U);
-
-    dialog->OKButton->setFocus();
-    pressKey(Qt::Key_Return);
-    EXPECT_TRUE(isDismissed(dialog));
-    EXPECT_EQ(stored(), screen().with({5}));
 }
 
 TEST_F(AppFixture, AnAdministratorKeyUnlocksItsSwitch)

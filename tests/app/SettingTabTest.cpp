@@ -61,19 +61,6 @@ class SettingTab : public AppFixture
     }
 };
 
-TEST_F(SettingTab, ForcedLogonNeedsAKeyAndSaysSo)
-{
-    store({});
-    const auto& warning = control<QLabel>("forcedYubiKeyLogonWarning");
-    EXPECT_FALSE(forcedLogon().isEnabled());
-    EXPECT_FALSE(warning.isHidden());
-
-    switchTo("MasterKey");
-    dataSet().vantroStandaloneSetting.masterKeySetting.masterKeys.emplace_back(7U);
-    EXPECT_TRUE(forcedLogon().isEnabled());
-    EXPECT_TRUE(warning.isHidden());
-}
-
 TEST_F(SettingTab, StoredForcedLogonIsWrittenOnceAndASecondLookWritesNothing)
 {
     store({.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {7}}});
@@ -149,19 +136,6 @@ TEST_P(ForcedLogon, StandsOrFallsWithTheService)
     EXPECT_EQ(statusLabel().text(), isDone ? QString() : failed);
     EXPECT_EQ(statusLabel().isHidden(), isDone);
     expectRecorded(std::string("forced-logon-") + name, sourceFile);
-}
-
-TEST_F(SettingTab, ASilentServiceIsWaitedForThreeTimesAndThenTheSwitchSpringsBack)
-{
-    store({.masterKeySetting = {.masterKeys = {7}}});
-    QCheckBox& checkBox = forcedLogon();
-    serviceReplyLimit = 100ms;
-    service->script("SavePamSetting", {{ScriptedService::Silence{}}});
-    const auto start = std::chrono::steady_clock::now();
-    checkBox.click();
-    EXPECT_GE(std::chrono::steady_clock::now() - start, 3 * serviceReplyLimit);
-    EXPECT_FALSE(checkBox.isChecked());
-    EXPECT_TRUE(checkBox.isEnabled());
 }
 
 TEST_F(SettingTab, SaysWhatTheLastKeysDeletionLeftUndoneUntilAKeyIsThereAgain)

@@ -1,40 +1,35 @@
 #include "app/StringTableFile.h"
 
-#include <QFile>
-#include <QXmlStreamReader>
+#include <string>
+#include <string_view>
+#include <utility>
+
 #include <gtest/gtest.h>
+#include <pugixml.hpp>
 
 namespace vantro::tests {
 
 TableTexts tableTexts(const QString& language)
 {
     TableTexts texts;
-    QFile file(QStringLiteral(APP_RESOURCES "/strings/vantro_%1.ts").arg(language));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
-    QXmlStreamReader reader(&file);
-    QString table;
-    QString key;
-    TableText text;
-    while (!reader.atEnd()) {
-        const auto token = reader.readNext();
-        const auto name = reader.name();
-        if (token == QXmlStreamReader::StartElement) {
-            if (name == QLatin1String("name"))
-                table = reader.readElementText();
-            else if (name == QLatin1String("source"))
-                key = reader.readElementText();
-            else if (name == QLatin1String("message"))
-                text = {{}, reader.attributes().value(QLatin1String("numerus")) == QLatin1String("yes"), true};
-            else if (name == QLatin1String("translation"))
-                text.isFinished = !reader.attributes().hasAttribute(QLatin1String("type"));
-            if (name == (text.counts ? QLatin1String("numerusform") : QLatin1String("translation")))
-                text.forms += reader.readElementText();
-        } else if (token == QXmlStreamReader::EndElement && name == QLatin1String("message")) {
-            const bool isNew = texts.emplace(std::pair(table, key), text).second;
-            EXPECT_TRUE(isNew) << "twice: " << table.toStdString() << ' ' << key.toStdString();
+    pugi::xml_document file;
+    const std::string path = APP_RESOURCES "/strings/vantro_" + language.toStdString() + ".ts";
+    EXPECT_TRUE(file.load_file(path.c_str(), pugi::parse_default | pugi::parse_ws_pcdata)) << path;
+    for (const auto& context : file.child("TS").children("context")) {
+        for (const auto& message : context.children("message")) {
+            const auto translation = message.child("translation");
+            TableText text{{},
+                           message.attribute("numerus").value() == std::string_view("yes"),
+                           translation.attribute("type").empty()};
+            if (text.counts)
+                for (const auto& form : translation.children("numerusform"))
+                    text.forms += form.child_value();
+            else
+                text.forms += translation.child_value();
+            const std::pair place(context.child_value("name"), message.child_value("source"));
+            EXPECT_TRUE(texts.emplace(place, text).second) << "twice: " << place.first << ' ' << place.second;
         }
     }
-    EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
     return texts;
 }
 

@@ -54,8 +54,15 @@ class TokenStorm : public AppFixture
     void rage()
     {
         std::mt19937 random(1);
-        while (plugged_ < cycles || opened_ < dialogsOpened)
-            toggle(*tokens_.at(random() % tokens_.size()));
+        while (plugged_ < cycles || opened_ < dialogsOpened) {
+            auto& token = *tokens_.at(random() % tokens_.size());
+            if (token.isPluggedIn()) {
+                token.unplug();
+            } else {
+                token.plugIn();
+                ++plugged_;
+            }
+        }
         for (const auto& token : tokens_)
             token->unplug();
     }
@@ -65,29 +72,28 @@ class TokenStorm : public AppFixture
     {
         EXPECT_LE(alertsShown(), 1);
         QWidget* const front = QApplication::activeModalWidget();
-        if (front == nullptr)
+        if (front == nullptr) {
             openDialog();
-        else if (auto* const buttons = front->findChild<QDialogButtonBox*>())
+        } else if (auto* const buttons = front->findChild<QDialogButtonBox*>()) {
             answer(*front, *buttons);
-        else
-            insist(*front);
+        } else {
+            QTest::keyClick(front, Qt::Key_Escape);
+            front->close();
+        }
     }
 
     /// The windows of dialogs and of the alert, which alone has no buttons.
-    [[nodiscard]] static int dialogs()
+    [[nodiscard]] static QList<QWidget*> dialogs()
     {
-        const auto all = QApplication::topLevelWidgets();
-        return static_cast<int>(std::count_if(all.begin(), all.end(), [](const QWidget* widget) {
-            return qobject_cast<const ModalWindow*>(widget) != nullptr;
-        }));
+        auto all = QApplication::topLevelWidgets();
+        all.removeIf([](const QWidget* widget) { return qobject_cast<const ModalWindow*>(widget) == nullptr; });
+        return all;
     }
-    [[nodiscard]] static int alertsShown()
+    [[nodiscard]] static std::ptrdiff_t alertsShown()
     {
-        const auto all = QApplication::topLevelWidgets();
-        return static_cast<int>(std::count_if(all.begin(), all.end(), [](const QWidget* widget) {
-            return widget->isVisible() && qobject_cast<const ModalWindow*>(widget) != nullptr &&
-                   widget->findChild<QDialogButtonBox*>() == nullptr;
-        }));
+        return std::ranges::count_if(dialogs(), [](const QWidget* dialog) {
+            return dialog->isVisible() && dialog->findChild<QDialogButtonBox*>() == nullptr;
+        });
     }
 
     std::array<std::unique_ptr<lab::VirtualToken>, 3> tokens_;
@@ -97,16 +103,6 @@ class TokenStorm : public AppFixture
     int tries_ = 0;
 
   private:
-    void toggle(lab::VirtualToken& token)
-    {
-        if (token.isPluggedIn()) {
-            token.unplug();
-            return;
-        }
-        token.plugIn();
-        ++plugged_;
-    }
-
     void openDialog()
     {
         if (!window().isVisible())
@@ -135,12 +131,6 @@ class TokenStorm : public AppFixture
             }
         if (!isSignIn)
             QTest::keyClick(&dialog, Qt::Key_Escape);
-    }
-
-    static void insist(QWidget& alert)
-    {
-        QTest::keyClick(&alert, Qt::Key_Escape);
-        alert.close();
     }
 
     std::mt19937 random_{2};
@@ -176,7 +166,7 @@ TEST_F(TokenStorm, LeavesCountAndAlertRight)
     // Nothing hangs: the dialog that is left can be closed, and the next tokens bring the next alert.
     if (QWidget* const front = QApplication::activeModalWidget())
         QTest::keyClick(front, Qt::Key_Escape);
-    ASSERT_TRUE(spinUntil([] { return dialogs() == 0; }));
+    ASSERT_TRUE(spinUntil([] { return dialogs().empty(); }));
     service->script("GetSerial", {{std::uint64_t{11}}});
     for (const int count : {1, 2, 3}) {
         tokens_.at(static_cast<std::size_t>(count) - 1)->plugIn();
@@ -185,7 +175,7 @@ TEST_F(TokenStorm, LeavesCountAndAlertRight)
     EXPECT_TRUE(spinUntil([] { return alertsShown() == 1; }));
     for (const auto& token : tokens_)
         token->unplug();
-    EXPECT_TRUE(spinUntil([] { return dialogs() == 0; }));
+    EXPECT_TRUE(spinUntil([] { return dialogs().empty(); }));
     EXPECT_EQ(dataSet().connectedYubiKeyCount(), 0);
 }
 
