@@ -7,11 +7,10 @@
 /// A valid document that was written reads as the same document.
 void vantro::fuzz::look(std::string_view bytes)
 {
-    const auto parsed = XML::parse(bytes);
-    const auto setting = readSetting(parsed);
-    const std::string written = serialised(setting, ForeignContent(parsed));
+    const auto [setting, foreign] = readSettingWithForeign(XML::parse(bytes));
+    const std::string written = serialised(setting, foreign);
     if (!setting.isValid)
         return;
-    const auto again = XML::parse(written);
-    expect(readSetting(again) == setting && serialised(setting, ForeignContent(again)) == written);
+    const auto again = readSettingWithForeign(XML::parse(written));
+    expect(again.setting == setting && serialised(setting, again.foreign) == written);
 }

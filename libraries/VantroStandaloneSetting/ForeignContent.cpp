@@ -16,7 +16,7 @@ namespace format = setting_format;
 /// An element of the format and what it may hold.
 struct KnownElement
 {
-    const char* name;
+    std::string_view name;
     /// None for an element that holds a text.
     std::span<const KnownElement> children = {};
     /// Of an entry in a list: the name by which it is known.
@@ -25,12 +25,12 @@ struct KnownElement
 
 std::string serialOf(const pugi::xml_node& key)
 {
-    return std::to_string(parseUInt64(format::textOf(key.child(format::serial))).value_or(0));
+    return std::to_string(parseUInt64(format::textOf(key.child(format::serial)).text).value_or(0));
 }
 
 std::string accountOf(const pugi::xml_node& user)
 {
-    return format::textOf(user.child(format::account));
+    return format::textOf(user.child(format::account)).text;
 }
 
 constexpr KnownElement key[] = {{format::serial}};
@@ -67,19 +67,20 @@ class DistinctNames
 /// Null for a foreign node.
 const KnownElement* knownAmong(std::span<const KnownElement> elements, const pugi::xml_node& node)
 {
-    const auto found = std::find_if(elements.begin(), elements.end(), [&node](const KnownElement& element) {
-        return std::string_view(element.name) == node.name();
-    });
+    const std::string_view name = node.name();
+    const auto found = std::find_if(elements.begin(), elements.end(),
+                                    [name](const KnownElement& element) { return element.name == name; });
     return node.type() != pugi::node_element || found == elements.end() ? nullptr : &*found;
 }
 
 bool holdsForeign(const pugi::xml_node& parent, std::span<const KnownElement> elements)
 {
-    const auto children = parent.children();
-    return std::any_of(children.begin(), children.end(), [elements](const pugi::xml_node& child) {
+    for (auto child = parent.first_child(); child; child = child.next_sibling()) {
         const auto* const known = knownAmong(elements, child);
-        return known == nullptr || (!known->children.empty() && holdsForeign(child, known->children));
-    });
+        if (known == nullptr || (!known->children.empty() && holdsForeign(child, known->children)))
+            return true;
+    }
+    return false;
 }
 
 std::string trimmed(const std::string& text)
@@ -107,7 +108,7 @@ void copyForeign(const pugi::xml_node& parent, std::span<const KnownElement> ele
         const std::string name = known->nameOf == nullptr ? std::string() : names.next(known->nameOf(child));
         if (known->children.empty() || !holdsForeign(child, known->children))
             continue;
-        auto inner = place.append_child(known->name);
+        auto inner = place.append_child(known->name.data());
         if (!name.empty())
             inner.append_attribute(nameAttribute) = name.c_str();
         copyForeign(child, known->children, inner);
@@ -131,12 +132,12 @@ pugi::xml_object_range<pugi::xml_node_iterator> ForeignContent::nodesOf(const pu
 std::vector<pugi::xml_node> ForeignContent::placesOf(const pugi::xml_node& list, const char* element, std::size_t count,
                                                      const std::function<std::string(std::size_t)>& nameOf)
 {
-    std::vector<pugi::xml_node> places(count);
     std::unordered_map<std::string, pugi::xml_node> named;
     for (const auto& place : list.children(element))
         named.emplace(place.attribute(nameAttribute).value(), place);
     if (named.empty())
-        return places;
+        return {};
+    std::vector<pugi::xml_node> places(count);
     DistinctNames names;
     for (std::size_t number = count; number-- > 0;)
         if (const auto found = named.find(names.next(nameOf(number))); found != named.end())

@@ -33,8 +33,8 @@ class ForeignContent
     [[nodiscard]] static pugi::xml_object_range<pugi::xml_node_iterator> nodesOf(const pugi::xml_node& place);
 
     /// The places of the `count` entries of a list, whose elements are called `element`; `nameOf` tells the name by
-    /// which an entry is known. Entries of the same name are told apart by how many of them follow: the tool takes the
-    /// first one of an account out.
+    /// which an entry is known. None at all where nothing foreign stands in any entry. Entries of the same name are
+    /// told apart by how many of them follow: the tool takes the first one of an account out.
     [[nodiscard]] static std::vector<pugi::xml_node> placesOf(const pugi::xml_node& list, const char* element,
                                                               std::size_t count,
                                                               const std::function<std::string(std::size_t)>& nameOf);

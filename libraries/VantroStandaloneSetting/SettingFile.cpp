@@ -96,8 +96,8 @@ std::optional<ForeignContent> foreignIfReadable(const std::string& text, const V
         });
         return isReadable ? std::optional(ForeignContent()) : std::nullopt;
     }
-    const auto parsed = XML::parse(text);
-    return readSetting(parsed).isValid ? std::optional(ForeignContent(parsed)) : std::nullopt;
+    auto again = readSettingWithForeign(XML::parse(text));
+    return again.setting.isValid ? std::optional(std::move(again.foreign)) : std::nullopt;
 }
 
 /// The bytes of the file and no error, or an error; neither for a file that is missing.
@@ -126,12 +126,9 @@ std::optional<VantroStandaloneSetting> SettingFile::read()
     const auto bytes = readXML(url_, readError_);
     if (!bytes)
         return std::nullopt;
-    const auto parsed = XML::parse(*bytes);
-    auto setting = readSetting(parsed);
-    // One that is not valid gives way to a new one, whole.
-    if (setting.isValid)
-        foreign_ = ForeignContent(parsed);
-    return setting;
+    auto [setting, foreign] = readSettingWithForeign(XML::parse(*bytes));
+    foreign_ = std::move(foreign);
+    return std::move(setting);
 }
 
 void SettingFile::write(const VantroStandaloneSetting& setting)

@@ -32,13 +32,23 @@ inline constexpr const char* serial = "Serial";
     return !text.empty() && !hasControlCharacters(text);
 }
 
-/// The text in an element; whatever else it holds is passed over.
-[[nodiscard]] inline std::string textOf(const pugi::xml_node& element)
+/// What stands in an element that is meant to hold a text.
+struct ElementText
 {
     std::string text;
-    for (const auto& child : element.children())
-        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
-            text += child.value();
-    return text;
+    bool holdsElements = false;
+};
+
+[[nodiscard]] inline ElementText textOf(const pugi::xml_node& element)
+{
+    ElementText result;
+    for (auto child = element.first_child(); child; child = child.next_sibling()) {
+        const auto type = child.type();
+        if (type == pugi::node_pcdata || type == pugi::node_cdata)
+            result.text += child.value();
+        else if (type == pugi::node_element)
+            result.holdsElements = true;
+    }
+    return result;
 }
 } // namespace vantro::setting_format

@@ -1,6 +1,8 @@
-#include <algorithm>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "VantroStandaloneSetting/SettingFormat.h"
 #include "VantroStandaloneSetting/SettingText.h"
@@ -20,15 +22,15 @@ class Reader
     {
         const pugi::xml_node root = accessor.root();
         require(accessor.isWellFormed() && std::string_view(root.name()) == format::root && isKnownVersion(root));
-        if (setting_.isValid) {
-            readSwitches(onlyChild(root, format::switchSetting));
-            readUsers(onlyChild(root, format::users));
-            const auto masters = onlyChild(root, format::masterKeySetting);
-            setting_.masterKeySetting.masterKeys = keysOf(onlyChild(masters, format::masterKeys));
-            const auto administrators = onlyChild(root, format::adminSetting);
-            setting_.adminSetting.toolLoginAuth = switchOf(administrators, format::toolLoginAuth);
-            setting_.adminSetting.adminKeys = keysOf(onlyChild(administrators, format::adminKeys));
-        }
+        if (!setting_.isValid)
+            return std::move(setting_);
+        readSwitches(onlyChild(root, format::switchSetting));
+        readUsers(onlyChild(root, format::users));
+        const auto masters = onlyChild(root, format::masterKeySetting);
+        setting_.masterKeySetting.masterKeys = keysOf(onlyChild(masters, format::masterKeys));
+        const auto administrators = onlyChild(root, format::adminSetting);
+        setting_.adminSetting.toolLoginAuth = switchOf(administrators, format::toolLoginAuth);
+        setting_.adminSetting.adminKeys = keysOf(onlyChild(administrators, format::adminKeys));
         return std::move(setting_);
     }
 
@@ -56,10 +58,9 @@ class Reader
     /// The text of an element that may hold no other element.
     std::string textIn(const pugi::xml_node& element)
     {
-        const auto children = element.children();
-        require(std::none_of(children.begin(), children.end(),
-                             [](const pugi::xml_node& child) { return child.type() == pugi::node_element; }));
-        return format::textOf(element);
+        auto [text, holdsElements] = format::textOf(element);
+        require(!holdsElements);
+        return text;
     }
 
     bool switchOf(const pugi::xml_node& section, const char* name)
@@ -104,6 +105,13 @@ class Reader
 VantroStandaloneSetting readSetting(const XMLAccessor& accessor)
 {
     return Reader().read(accessor);
+}
+
+SettingWithForeign readSettingWithForeign(const XMLAccessor& accessor)
+{
+    auto setting = readSetting(accessor);
+    auto foreign = setting.isValid ? ForeignContent(accessor) : ForeignContent();
+    return {std::move(setting), std::move(foreign)};
 }
 
 } // namespace vantro

@@ -108,7 +108,8 @@ void writeKeys(Writer& writer, const char* name, const std::vector<YubiKey>& key
     for (std::size_t number = 0; number < keys.size(); ++number) {
         writer.open(format::yubiKey);
         writer.element(format::serial, std::to_string(keys[number].serial));
-        writer.foreign(places[number]);
+        if (!places.empty())
+            writer.foreign(places[number]);
         writer.close(format::yubiKey);
     }
     writer.foreign(list);
@@ -121,10 +122,11 @@ void writeUsers(Writer& writer, const std::vector<UserSetting>& users, const pug
                                                  [&users](std::size_t number) { return users[number].account; });
     writer.open(format::users);
     for (std::size_t number = 0; number < users.size(); ++number) {
+        const auto place = places.empty() ? pugi::xml_node() : places[number];
         writer.open(format::userSetting);
         writer.element(format::account, std::string_view(users[number].account));
-        writeKeys(writer, format::keys, users[number].keys, places[number]);
-        writer.foreign(places[number]);
+        writeKeys(writer, format::keys, users[number].keys, place);
+        writer.foreign(place);
         writer.close(format::userSetting);
     }
     writer.foreign(list);

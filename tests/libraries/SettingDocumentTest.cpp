@@ -149,10 +149,16 @@ TEST(SettingDocument, KeepsWhatItDoesNotKnowAtEveryLevel)
     for (const auto& level : levels)
         text = replaced(text, "</" + level + ">", foreign(level) + "</" + level + ">");
 
-    const auto parsed = XML::parse(text);
-    auto setting = readSetting(parsed);
+    for (const auto& level : levels) {
+        const auto end = "</" + level + ">";
+        EXPECT_FALSE(readSettingWithForeign(XML::parse(replaced(example, end, "<x/>" + end))).foreign.isEmpty())
+            << level;
+    }
+    EXPECT_FALSE(readSettingWithForeign(XML::parse(example + "<!-- after -->")).foreign.isEmpty());
+    EXPECT_TRUE(readSettingWithForeign(XML::parse(example)).foreign.isEmpty());
+
+    auto [setting, foreignContent] = readSettingWithForeign(XML::parse(text));
     ASSERT_TRUE(setting.isValid);
-    const ForeignContent foreignContent(parsed);
     setting.switchSetting.screenLock = true;
     setting.users[0].keys.pop_back();
     setting.users.insert(setting.users.begin(), UserSetting("aaron"))->keys.emplace_back(9);
@@ -174,7 +180,7 @@ TEST(SettingDocument, KeepsWhatItDoesNotKnowAtEveryLevel)
     EXPECT_EQ(document.select_nodes("/comment()").size(), 2U);
     EXPECT_EQ(document.select_node("//*[@of='UserSetting']/../Account").node().child_value(), std::string("adam"));
     EXPECT_EQ(read(written), setting);
-    EXPECT_EQ(serialised(setting, ForeignContent(XML::parse(written))), written);
+    EXPECT_EQ(serialised(setting, readSettingWithForeign(XML::parse(written)).foreign), written);
 
     setting.users.erase(setting.users.begin() + 1);
     EXPECT_EQ(serialised(setting, foreignContent).find("of=\"UserSetting\""), std::string::npos)
@@ -190,12 +196,10 @@ TEST(SettingDocument, KeepsWhatItDoesNotKnowWithTheEntryWhereItStood)
         return "<YubiKey><Serial>" + serial + "</Serial><!--" + serial + "--></YubiKey>";
     };
     const std::string old = "<Users>\n    <UserSetting>\n      <Account>adam</Account>";
-    const auto parsed =
+    auto [setting, foreign] = readSettingWithForeign(
         XML::parse(replaced(example, old,
                             "<Users>" + user("zoe", key("8") + key("007") + "<YubiKey><Serial>7</Serial></YubiKey>") +
-                                user("adam", key("5")) + "<UserSetting><Account>adam</Account><!--second-->"));
-    const ForeignContent foreign(parsed);
-    auto setting = readSetting(parsed);
+                                user("adam", key("5")) + "<UserSetting><Account>adam</Account><!--second-->")));
     ASSERT_TRUE(setting.isValid);
     setting.addUserKey("zoe", 6);
     setting.removeUserKey("adam", 5);
@@ -226,14 +230,13 @@ TEST(SettingDocument, ATruncatedFileIsNeverValidAndADamagedOneReadsTheSameAgain)
         for (const char damage : {'\0', '<', '>', '/', '&', ' ', '!', '-', '\x80', '\xff', '0', 'a'}) {
             std::string text = example;
             text[position] = damage;
-            const auto parsed = XML::parse(text);
-            const auto setting = readSetting(parsed);
+            const auto [setting, foreign] = readSettingWithForeign(XML::parse(text));
             if (!setting.isValid)
                 continue;
-            const std::string written = serialised(setting, ForeignContent(parsed));
-            const auto again = XML::parse(written);
-            ASSERT_EQ(readSetting(again), setting) << text;
-            ASSERT_EQ(serialised(setting, ForeignContent(again)), written) << text;
+            const std::string written = serialised(setting, foreign);
+            const auto again = readSettingWithForeign(XML::parse(written));
+            ASSERT_EQ(again.setting, setting) << text;
+            ASSERT_EQ(serialised(setting, again.foreign), written) << text;
         }
     }
 }
