@@ -15,6 +15,7 @@
 #include "LoginAuthentication.h"
 #include "ServiceRequests.h"
 #include "appkit/NSStoryboard.h"
+#include "appkit/NSTabViewController.h"
 #include "appkit/StringTable.h"
 #include "appkit/UserDefaults.h"
 #include "usb/HIDDeviceMonitor.h"

@@ -20,6 +20,7 @@
 #include "ViewController/Main/User/UserViewController.h"
 #include "app/AppFixture.h"
 #include "appkit/NSStoryboard.h"
+#include "appkit/NSTabViewController.h"
 #include "appkit/UserDefaults.h"
 
 namespace vantro::tests {

@@ -10,6 +10,7 @@
 #include "ViewController/Main/RegistrationKeyViewController.h"
 #include "app/ScreenFixture.h"
 #include "foundation/DispatchQueue.h"
+#include "support/WaitUntil.h"
 
 namespace vantro::tests {
 namespace {

@@ -12,6 +12,7 @@
 #include "AppDelegate.h"
 #include "ApplicationVersion.h"
 #include "app/AppFixture.h"
+#include "support/WaitUntil.h"
 #include "usb/HIDDeviceMonitor.h"
 
 namespace vantro::tests {

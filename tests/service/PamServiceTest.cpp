@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <future>
 
 #include <sys/mount.h>
 #include <sys/stat.h>

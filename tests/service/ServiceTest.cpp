@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <functional>
+#include <future>
 #include <limits>
 #include <sys/wait.h>
 #include <unistd.h>

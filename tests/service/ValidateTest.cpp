@@ -1,4 +1,5 @@
 #include <fstream>
+#include <future>
 #include <sys/mount.h>
 #include <sys/stat.h>
 
