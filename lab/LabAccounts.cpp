@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <fstream>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 
 #include <grp.h>
@@ -12,17 +11,6 @@
 #include "foundation/Identity.h"
 
 namespace vantro::lab {
-
-namespace {
-
-std::string loginDefinitions()
-{
-    std::ostringstream text;
-    text << std::ifstream("/etc/login.defs").rdbuf();
-    return text.str();
-}
-
-} // namespace
 
 const std::vector<LabAccount>& labAccounts()
 {
@@ -56,7 +44,7 @@ void writeAccountList(const std::filesystem::path& folder)
     }
     ::endgrent();
 
-    const UserIdRange range = userIdRange(loginDefinitions());
+    const UserIdRange range = localUserIdRange();
     std::uint32_t id = range.first;
     for (const LabAccount& account : labAccounts()) {
         if (names.contains(account.name)) {

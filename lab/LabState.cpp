@@ -3,7 +3,6 @@
 #include <array>
 #include <cerrno>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -13,6 +12,7 @@
 
 #include "LabAccounts.h"
 #include "VantroStandaloneNames.h"
+#include "foundation/DurableFile.h"
 #include "foundation/LastError.h"
 
 namespace vantro::lab {
@@ -34,6 +34,7 @@ constexpr std::array<NamedFolder, 4> namedFolders{{{bundle_key::settingsFolder, 
                                                    {bundle_key::pamModulesFolder, "security"}}};
 
 constexpr auto temporaryNote = "temporary-folders";
+constexpr std::size_t dictionarySizeLimit = 1 << 20;
 
 fs::path folderOf(const Bundle& bundle, std::string_view key)
 {
@@ -43,13 +44,6 @@ fs::path folderOf(const Bundle& bundle, std::string_view key)
                                  " does not name the folder " + std::string(key) + ".");
     }
     return folder;
-}
-
-std::string contentOf(const fs::path& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
 }
 
 void write(const fs::path& path, std::string_view text)
@@ -129,7 +123,8 @@ void LabState::makePrefix() const
              fs::copy_options::recursive | fs::copy_options::overwrite_existing);
 
     const fs::path dictionary = bundle_.resourceFolder() / "Info.plist";
-    std::string text = contentOf(dictionary);
+    std::error_code error;
+    std::string text = readFile(dictionary, dictionarySizeLimit, error).value_or("");
     for (const NamedFolder& named : namedFolders) {
         const std::string element = "<string>" + folderOf(built, named.key).string() + "</string>";
         const std::size_t position = text.find(element);

@@ -28,8 +28,8 @@ struct LogSource
 class Logger
 {
   public:
-    /// A logger that names `file` as the source of its records: the path relative to the source root of its room,
-    /// without extension.
+    /// A logger that names `file` as the source of its records: the file that they are logged from, without extension;
+    /// in the tool and the libraries with its folders below the room.
     [[nodiscard]] Logger inFile(std::string_view file) const;
 
     /// The same for what is logged elsewhere in that file's name: its records carry the line where the file is named.

@@ -92,12 +92,16 @@ UserIdRange userIdRange(std::string_view loginDefs)
     return range;
 }
 
-std::vector<Identity> queryUserIdentities()
+UserIdRange localUserIdRange()
 {
     constexpr std::size_t loginDefsLimit = 1 << 20;
     std::error_code error;
-    const UserIdRange range = userIdRange(readFile("/etc/login.defs", loginDefsLimit, error).value_or(""));
+    return userIdRange(readFile("/etc/login.defs", loginDefsLimit, error).value_or(""));
+}
 
+std::vector<Identity> queryUserIdentities()
+{
+    const UserIdRange range = localUserIdRange();
     std::vector<Identity> identities;
     std::unordered_set<std::string> names;
     ::setpwent();

@@ -32,6 +32,9 @@ struct UserIdRange
 /// UID_MIN and UID_MAX of a login.defs text; what it does not set keeps Debian's values.
 [[nodiscard]] UserIdRange userIdRange(std::string_view loginDefs);
 
+/// The same of this machine's /etc/login.defs.
+[[nodiscard]] UserIdRange localUserIdRange();
+
 /// Runs the identity query: every user of the directory (getpwent) whose id belongs to people by /etc/login.defs, in
 /// the directory's order. A second record of a name can't be looked up by that name and is left out. getpwent has one
 /// cursor a process: one thread at a time.
