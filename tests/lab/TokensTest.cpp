@@ -277,7 +277,7 @@ TEST(TokenBed, WaitsForAListenerThatIsBehindAndOutlivesOneThatIsGone)
         const Listener gone;
     }
     const Listener listener;
-    TokenProfile description = profile(1);
+    const TokenProfile description = profile(1);
     VirtualToken token(bed, description);
     constexpr int rounds = 12;
     std::thread plugging([&token] {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <compare>
+#include <compare> // IWYU pragma: keep, for the comparison below
 
 namespace vantro {
 
