@@ -25,11 +25,7 @@ class NSStoryboard
     }
 
     /// Makes a storyboard known by its name; one that was known by that name before is kept. Main thread.
-    static void install(NSStoryboard storyboard)
-    {
-        std::string name = storyboard.name_;
-        installed().try_emplace(std::move(name), std::move(storyboard));
-    }
+    static void install(const NSStoryboard& storyboard) { installed().try_emplace(storyboard.name_, storyboard); }
 
     /// The storyboard of this name that was installed. Main thread.
     [[nodiscard]] static const NSStoryboard& named(std::string_view name)
