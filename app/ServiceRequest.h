@@ -21,7 +21,7 @@ class ServiceRequest
     /// `send` is called at once with the proxy to send the request through and the block to take the reply; a reply of
     /// false or 0 is a failure.
     template <class Send>
-    explicit ServiceRequest(Send send)
+    explicit ServiceRequest(const Send& send)
     {
         auto& service = AppDataSet::shared().service();
         const auto tell = failure_.sender();

@@ -17,10 +17,10 @@ namespace {
 
 /// One request whose answer is waited for; silence is failure.
 template <class Send>
-bool askService(ServiceFailure* failure, Send send)
+bool askService(ServiceFailure* failure, const Send& send)
 {
     const BusyPointer busyPointer;
-    const ServiceRequest<bool> request(std::move(send));
+    const ServiceRequest<bool> request(send);
     const bool isSuccess = request.waitFor(serviceReplyLimit).value_or(false);
     if (!isSuccess && failure != nullptr)
         *failure = request.failure(serviceReplyLimit);

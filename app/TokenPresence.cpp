@@ -19,6 +19,7 @@ const std::vector<HIDMonitorData>& deviceFilter()
 {
     static const std::vector<HIDMonitorData> filter = [] {
         std::vector<HIDMonitorData> tokens;
+        tokens.reserve(names::tokenProducts.size());
         for (const auto product : names::tokenProducts)
             tokens.push_back({names::tokenVendor, product});
         return tokens;
@@ -53,7 +54,7 @@ void TokenPresence::onDeviceConnected(const Notification& notification)
         return;
 
     // Through shared(), which is not there before the start sequence has ended.
-    const ServiceRequest<std::uint64_t> request([log = logger_](ServiceProxy& service, auto reply) {
+    const ServiceRequest<std::uint64_t> request([log = logger_](ServiceProxy& service, const auto& reply) {
         service.getSerialWithReply([log, reply](std::uint64_t number) {
             log.info("Connected YubiKey [Serial = " + std::to_string(number) + "].", function);
             reply(number);

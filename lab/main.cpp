@@ -81,7 +81,7 @@ int main(int argc, char** argv)
     // What looks for graphics devices looks among the emulated ones, in vain.
     qputenv("QT_XCB_GL_INTEGRATION", "none");
 
-    QApplication application(argc, argv);
+    const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("vantro-token-lab"));
     QCommandLineParser arguments;
     arguments.setApplicationDescription(

@@ -116,7 +116,7 @@ std::optional<Caller> BusCredentials::callerOf(const std::string& sender)
     if (auto known = knownCaller(sender))
         return known;
     try {
-        const Caller caller = ask(sender);
+        Caller caller = ask(sender);
         const std::lock_guard lock(mutex_);
         if (known_.size() >= knownLimit)
             known_.clear();

@@ -183,7 +183,7 @@ void StandaloneObject::registerDiagnosis()
 
 template <class Value>
 void StandaloneObject::accept(std::string_view method, sdbus::Result<Value>&& result, Limit::Clock::duration duration,
-                              Value failed, Work<Value> work)
+                              const Value& failed, Work<Value> work)
 {
     const auto answer = std::make_shared<Answer<Value>>(std::move(result), logger_);
     const std::string sender = object_->getCurrentlyProcessedMessage()->getSender();

@@ -48,8 +48,8 @@ class StandaloneObject
 
     /// Takes one request: `work` is to call its argument once; `failed` is answered when it does not in time.
     template <class Value>
-    void accept(std::string_view method, sdbus::Result<Value>&& result, Limit::Clock::duration duration, Value failed,
-                Work<Value> work);
+    void accept(std::string_view method, sdbus::Result<Value>&& result, Limit::Clock::duration duration,
+                const Value& failed, Work<Value> work);
 
     /// A place among the requests of the sender's account, or of the newcomers while that is not known; null when there
     /// is none left.

@@ -19,7 +19,7 @@ struct Witness
 TEST(Application, EndedByTheToolkitDestroysNothingThatOtherThreadsMayUse)
 {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    int count = 1;
+    const int count = 1;
     char name[] = "vantro-standalone";
     char* arguments[] = {name, nullptr};
     MainStoryboard storyboard;
