@@ -22,17 +22,19 @@ namespace {
 TEST_F(AppFixture, EveryScreenLoadsAndShowsTextsInsteadOfKeys)
 {
     store({});
-    const QRegularExpression key(QStringLiteral("^[a-z]+(_[a-z]+)+$"));
+    const QRegularExpression key(QStringLiteral("^[a-z]+(_[a-z]+)*$"));
     for (const NSStoryboard* const storyboard : {&NSStoryboard::named("Main"), &NSStoryboard::named("Alert")}) {
         for (const auto& [identifier, factory] : storyboard->factories()) {
             SCOPED_TRACE(identifier);
             const auto controller = storyboard->instantiateController(identifier);
             QWidget* const view = controller->view();
             ASSERT_NE(view, nullptr);
-            for (const auto* const label : view->findChildren<QLabel*>())
-                EXPECT_FALSE(key.match(label->text()).hasMatch()) << label->text().toStdString();
-            for (const auto* const button : view->findChildren<QAbstractButton*>())
-                EXPECT_FALSE(key.match(button->text()).hasMatch()) << button->text().toStdString();
+            for (const auto* const widget : view->findChildren<QWidget*>()) {
+                for (const char* const property : {"text", "accessibleName", "accessibleDescription"}) {
+                    const QString text = widget->property(property).toString();
+                    EXPECT_FALSE(key.match(text).hasMatch()) << text.toStdString();
+                }
+            }
         }
     }
     EXPECT_THROW(static_cast<void>(NSStoryboard::named("Main").instantiateController("Nobody")), std::logic_error);
@@ -55,7 +57,7 @@ TEST_F(AppFixture, EveryScreenLoadsAndShowsTextsInsteadOfKeys)
     }
 }
 
-TEST(StringTables, HaveEveryKeyOfEveryForm)
+TEST(StringTables, HaveEveryKeyOfEveryFormOfOneScreen)
 {
     const TableTexts texts = tableTexts(QStringLiteral("en"));
     int forms = 0;
@@ -63,11 +65,11 @@ TEST(StringTables, HaveEveryKeyOfEveryForm)
         const QFileInfo information(form.next());
         pugi::xml_document file;
         ASSERT_TRUE(file.load_file(information.filePath().toUtf8().constData()));
-        for (const auto& node : file.select_nodes("//string/text()"))
+        for (const auto& node : file.select_nodes("//string[not(@notr)]/text()"))
             EXPECT_TRUE(texts.contains({information.baseName(), node.node().value()}))
                 << information.baseName().toStdString() << " lacks " << node.node().value();
     }
-    EXPECT_GE(forms, 12);
+    EXPECT_GE(forms, 8);
 }
 
 } // namespace

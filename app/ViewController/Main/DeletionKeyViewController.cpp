@@ -7,6 +7,8 @@
 #include "CommonMessage.h"
 #include "Model/PamUpdateStatus.h"
 #include "ServiceRequests.h"
+#include "appkit/StringTable.h"
+#include "ui_DeletionKeyView.h"
 
 namespace vantro {
 namespace {
@@ -16,6 +18,20 @@ constexpr auto onClickOKFunction = "onClickOK(_:)";
 DeletionKeyViewController::DeletionKeyViewController(const LogSource& source, Texts texts)
     : ListDialogViewController(source), texts_(std::move(texts))
 {
+}
+
+std::unique_ptr<QWidget> DeletionKeyViewController::loadView()
+{
+    auto view = std::make_unique<QWidget>();
+    Ui::DeletionKeyView outlets;
+    outlets.setupUi(view.get());
+    localizeForm(*view, texts_.table);
+    confirmationLabel = outlets.confirmationLabel;
+    labelModel.bindTo(outlets.keysLabel);
+    // Enter never destroys.
+    addButtons(outlets.buttonBox, localizedString(texts_.table, "delete_button"),
+               localizedString(texts_.table, "cancel_button"), DefaultButton::Cancel);
+    return view;
 }
 
 void DeletionKeyViewController::viewDidLoad()
@@ -33,7 +49,7 @@ void DeletionKeyViewController::viewDidLoad()
             baseLogger.info("Not selected for deletion YubiKey.", function);
         showNothingSelected();
     } else {
-        confirmationLabel->setText(localizedString(stringTable_, "confirmation", static_cast<int>(lines.size())));
+        confirmationLabel->setText(localizedString(texts_.table, "confirmation", static_cast<int>(lines.size())));
         labelModel.setText(lines.join(QLatin1Char('\n')));
     }
     if (logsLoading())

@@ -12,7 +12,6 @@
 #include "Model/LabelModel.h"
 #include "ViewController/Main/ListDialog.h"
 #include "appkit/NSAlert.h"
-#include "appkit/StringTable.h"
 
 namespace vantro {
 
@@ -33,6 +32,8 @@ class DeletionKeyViewController : public ListDialogViewController
   protected:
     struct Texts
     {
+        /// The string table of what the form shows.
+        const char* table;
         std::function<QString()> isNothingSelected;
         /// What the warning before the last keys go says.
         std::function<QString()> isLastKey;
@@ -40,21 +41,7 @@ class DeletionKeyViewController : public ListDialogViewController
 
     DeletionKeyViewController(const LogSource& source, Texts texts);
 
-    /// Makes the view of a dialog's form and connects the outlets that all three have. `stringTable` has the titles of
-    /// the buttons and the confirmation, and stays.
-    template <class Form>
-    std::unique_ptr<QWidget> loadForm(Form& outlets, const char* stringTable)
-    {
-        auto view = std::make_unique<QWidget>();
-        outlets.setupUi(view.get());
-        stringTable_ = stringTable;
-        confirmationLabel = outlets.confirmationLabel;
-        labelModel.bindTo(outlets.keysLabel);
-        // Enter never destroys.
-        addButtons(outlets.buttonBox, localizedString(stringTable, "delete_button"),
-                   localizedString(stringTable, "cancel_button"), DefaultButton::Cancel);
-        return view;
-    }
+    std::unique_ptr<QWidget> loadView() override;
 
     /// One line for each selected row, in the list's order.
     [[nodiscard]] virtual QStringList selectedLines() = 0;
@@ -83,7 +70,6 @@ class DeletionKeyViewController : public ListDialogViewController
     void deleteKeys();
 
     const Texts texts_;
-    const char* stringTable_ = nullptr;
 };
 
 /// A deletion dialog of the list `List`, whose array controller it reads the selection of and removes rows from.

@@ -6,6 +6,7 @@
 #include "AppDataSet.h"
 #include "appkit/NSStoryboard.h"
 #include "appkit/TableAction.h"
+#include "ui_KeyListView.h"
 
 namespace vantro {
 
@@ -15,10 +16,14 @@ KeyListViewController::KeyListViewController(const Names& names)
 {
 }
 
-void KeyListViewController::connectOutlets(const Outlets& outlets)
+std::unique_ptr<QWidget> KeyListViewController::loadList(NSArrayControllerBase& arrayController)
 {
-    table_ = outlets.table;
-    arrayController_ = outlets.arrayController;
+    auto view = std::make_unique<QWidget>();
+    Ui::KeyListView outlets;
+    outlets.setupUi(view.get());
+    localizeForm(*view, names_.table);
+    table_ = outlets.keyTable;
+    arrayController_ = &arrayController;
     emptyLabel_ = outlets.emptyLabel;
     registerButton = outlets.registerButton;
     deleteButton = outlets.deleteButton;
@@ -32,6 +37,7 @@ void KeyListViewController::connectOutlets(const Outlets& outlets)
     new TableAction(table_, [this] { onTableClicked(); });
     connect(registerButton, &QPushButton::clicked, this, [this] { present(names_.registrationDialog); });
     connect(deleteButton, &QPushButton::clicked, this, [this] { present(names_.deletionDialog); });
+    return view;
 }
 
 void KeyListViewController::viewDidLoad()

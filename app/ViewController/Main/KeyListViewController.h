@@ -33,21 +33,11 @@ class KeyListViewController : public NSViewController
     QPointer<QPushButton> deleteButton;
 
   protected:
-    /// The controls that every list has.
-    struct Outlets
-    {
-        QTableView* table;
-        NSArrayControllerBase* arrayController;
-        /// Shown while there are no rows.
-        QLabel* emptyLabel;
-        QPushButton* registerButton;
-        QPushButton* deleteButton;
-    };
-
-    /// How a list stands in the log, and the storyboard's names of its two dialogs.
+    /// How a list stands in the log, its string table, and the storyboard's names of its two dialogs.
     struct Names
     {
         LogSource source;
+        const char* table;
         const char* finishedViewDidLoad;
         const char* startViewWillAppear;
         const char* registrationDialog;
@@ -56,8 +46,8 @@ class KeyListViewController : public NSViewController
 
     explicit KeyListViewController(const Names& names);
 
-    /// Connects the controls; from loadView().
-    void connectOutlets(const Outlets& outlets);
+    /// Makes the page of the rows in `arrayController`, which stays; for loadView().
+    std::unique_ptr<QWidget> loadList(NSArrayControllerBase& arrayController);
 
     /// Reloads the page from the settings document.
     void updateView();
@@ -68,13 +58,13 @@ class KeyListViewController : public NSViewController
     /// The last step of updateView(); for what a page has beside its list.
     virtual void finishUpdate() {}
 
-    /// The array controller of a list with one column, the serial; `stringTable` has its title.
+    /// The array controller of a list with one column, the serial.
     template <class Row>
-    static std::unique_ptr<NSArrayController<Row>> makeSerialColumn(KeyValueArray<Row>& rows, const char* stringTable)
+    std::unique_ptr<NSArrayController<Row>> makeSerialColumn(KeyValueArray<Row>& rows)
     {
         using Column = typename NSArrayController<Row>::Column;
         return std::make_unique<NSArrayController<Row>>(
-            rows, std::vector<Column>{{localizedString(stringTable, "column_serial"),
+            rows, std::vector<Column>{{localizedString(names_.table, "column_serial"),
                                        [](const Row& row) { return QString::fromStdString(row.serial()); }}});
     }
 

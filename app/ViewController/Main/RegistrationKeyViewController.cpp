@@ -8,6 +8,7 @@
 #include "CommonMessage.h"
 #include "ServiceRequests.h"
 #include "foundation/Text.h"
+#include "ui_RegistrationKeyView.h"
 
 namespace vantro {
 
@@ -15,6 +16,14 @@ RegistrationKeyViewController::RegistrationKeyViewController(const LogSource& so
                                                              AfterRefusal afterRefusal)
     : ListDialogViewController(source), texts_(std::move(texts)), afterRefusal_(afterRefusal)
 {
+}
+
+std::unique_ptr<QWidget> RegistrationKeyViewController::loadView()
+{
+    Ui::RegistrationKeyView outlets;
+    auto view = loadForm(outlets);
+    localizeForm(*view, texts_.table);
+    return view;
 }
 
 void RegistrationKeyViewController::viewDidLoad()

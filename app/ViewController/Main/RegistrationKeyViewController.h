@@ -35,26 +35,29 @@ class RegistrationKeyViewController : public ListDialogViewController
         Close
     };
 
-    /// The texts of the serial label.
     struct Texts
     {
+        /// The string table of what the form shows.
+        const char* table;
+        /// What the serial label shows in place of or below a serial.
         std::function<QString()> isNotConnected;
         std::function<QString()> isAlreadyAllocated;
     };
 
     RegistrationKeyViewController(const LogSource& source, Texts texts, AfterRefusal afterRefusal);
 
-    /// Makes the view of a dialog's form and connects the outlets that all three have. `stringTable` has the titles of
-    /// the buttons.
+    std::unique_ptr<QWidget> loadView() override;
+
+    /// Makes the view of `Form` and connects the outlets that every form of a registration has.
     template <class Form>
-    std::unique_ptr<QWidget> loadForm(Form& outlets, const char* stringTable)
+    std::unique_ptr<QWidget> loadForm(Form& outlets)
     {
         auto view = std::make_unique<QWidget>();
         outlets.setupUi(view.get());
         serialLabelModel.bindTo(outlets.serialLabel);
         obstacleLabelModel.bindTo(outlets.obstacleLabel);
-        addButtons(outlets.buttonBox, localizedString(stringTable, "register_button"),
-                   localizedString(stringTable, "cancel_button"), DefaultButton::OK);
+        addButtons(outlets.buttonBox, localizedString(texts_.table, "register_button"),
+                   localizedString(texts_.table, "cancel_button"), DefaultButton::OK);
         return view;
     }
 

@@ -3,10 +3,12 @@
 #include <memory>
 #include <utility>
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
+#include <QWidget>
 
 namespace vantro {
 namespace {
@@ -37,6 +39,17 @@ QString localizedString(const char* table, const char* key)
 QString localizedString(const char* table, const char* key, int count)
 {
     return QCoreApplication::translate(table, key, nullptr, count);
+}
+
+void localizeForm(const QWidget& view, const char* table)
+{
+    for (auto* const widget : view.findChildren<QWidget*>()) {
+        for (const char* const property : {"text", "accessibleName", "accessibleDescription"}) {
+            const QByteArray key = widget->property(property).toString().toUtf8();
+            if (!key.isEmpty())
+                widget->setProperty(property, localizedString(table, key.constData()));
+        }
+    }
 }
 
 void installStringTables(const QString& folder)

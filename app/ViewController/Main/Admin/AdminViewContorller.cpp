@@ -1,5 +1,6 @@
 #include "ViewController/Main/Admin/AdminViewContorller.h"
 
+#include <QBoxLayout>
 #include <QCheckBox>
 
 #include "AppDataSet.h"
@@ -9,6 +10,7 @@ namespace vantro {
 
 AdminViewContorller::AdminViewContorller()
     : KeyListViewController({.source = "ViewController/Main/Admin/AdminViewContorller",
+                             .table = "AdminView",
                              .finishedViewDidLoad = "Finished viewDidLoad.",
                              .startViewWillAppear = "Start viewWillAppear",
                              .registrationDialog = "RegistrationAdminKeyViewController",
@@ -18,12 +20,14 @@ AdminViewContorller::AdminViewContorller()
 
 std::unique_ptr<QWidget> AdminViewContorller::loadView()
 {
-    auto view = std::make_unique<QWidget>();
+    adminKeyArrayController = makeSerialColumn(adminModel.adminKeyModels);
+    auto view = loadList(*adminKeyArrayController);
+    auto* const switchRow = new QWidget(view.get());
     Ui::AdminView outlets;
-    outlets.setupUi(view.get());
-    adminKeyArrayController = makeSerialColumn(adminModel.adminKeyModels, "AdminView");
-    connectOutlets({outlets.adminKeyTable, adminKeyArrayController.get(), outlets.emptyLabel, outlets.registerButton,
-                    outlets.deleteButton});
+    outlets.setupUi(switchRow);
+    qobject_cast<QBoxLayout*>(view->layout())->insertWidget(0, switchRow);
+    // What stands first has the focus first.
+    QWidget::setTabOrder(view.get(), outlets.toolLoginAuthButton);
     adminModel.authCheckButtonModel.bindTo(outlets.toolLoginAuthButton);
     const auto showHint = [this, hint = outlets.toolLoginAuthHintLabel] {
         hint->setHidden(adminModel.authCheckButtonModel.isEnabled());

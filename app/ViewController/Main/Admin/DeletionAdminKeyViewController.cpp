@@ -2,21 +2,14 @@
 
 #include "AdminViewMessage.h"
 #include "AppDataSet.h"
-#include "ui_DeletionAdminKeyView.h"
 
 namespace vantro {
 
 DeletionAdminKeyViewController::DeletionAdminKeyViewController()
-    : DeletionFromListViewController(
-          "ViewController/Main/Admin/DeletionAdminKeyViewController",
-          {AdminViewMessage::notSelectedForDeletion, AdminViewMessage::noRegistrationAdminYubiKey})
+    : DeletionFromListViewController("ViewController/Main/Admin/DeletionAdminKeyViewController",
+                                     {"DeletionAdminKeyView", AdminViewMessage::notSelectedForDeletion,
+                                      AdminViewMessage::noRegistrationAdminYubiKey})
 {
-}
-
-std::unique_ptr<QWidget> DeletionAdminKeyViewController::loadView()
-{
-    Ui::DeletionAdminKeyView outlets;
-    return loadForm(outlets, "DeletionAdminKeyView");
 }
 
 bool DeletionAdminKeyViewController::isLastKeyDeletion()

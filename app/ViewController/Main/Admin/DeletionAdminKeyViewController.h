@@ -15,7 +15,6 @@ class DeletionAdminKeyViewController : public DeletionFromListViewController<Adm
     DeletionAdminKeyViewController();
 
   protected:
-    std::unique_ptr<QWidget> loadView() override;
     bool isLastKeyDeletion() override;
     void removeFromSetting() override;
     void finishRemoval() override;

@@ -3,7 +3,6 @@
 #include "AdminViewMessage.h"
 #include "AppDataSet.h"
 #include "Model/KeySorting.h"
-#include "ui_RegistrationAdminKeyView.h"
 
 namespace vantro {
 namespace {
@@ -16,16 +15,11 @@ std::vector<YubiKey>& adminKeys()
 } // namespace
 
 RegistrationAdminKeyViewController::RegistrationAdminKeyViewController()
-    : DialogOfList("ViewController/Main/Admin/RegistrationAdminKeyViewController",
-                   {AdminViewMessage::yubiKeyIsNotConnected, AdminViewMessage::alreadyAllocatedKey},
-                   AfterRefusal::Close)
+    : DialogOfList(
+          "ViewController/Main/Admin/RegistrationAdminKeyViewController",
+          {"RegistrationAdminKeyView", AdminViewMessage::yubiKeyIsNotConnected, AdminViewMessage::alreadyAllocatedKey},
+          AfterRefusal::Close)
 {
-}
-
-std::unique_ptr<QWidget> RegistrationAdminKeyViewController::loadView()
-{
-    Ui::RegistrationAdminKeyView outlets;
-    return loadForm(outlets, "RegistrationAdminKeyView");
 }
 
 bool RegistrationAdminKeyViewController::isAllocated(std::uint64_t serial) const

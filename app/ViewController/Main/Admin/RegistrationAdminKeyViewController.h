@@ -15,7 +15,6 @@ class RegistrationAdminKeyViewController : public DialogOfList<AdminViewContorll
     RegistrationAdminKeyViewController();
 
   protected:
-    std::unique_ptr<QWidget> loadView() override;
     [[nodiscard]] bool isAllocated(std::uint64_t serial) const override;
     void addToSetting(std::uint64_t serial) override;
     void addToList(std::uint64_t serial) override;

@@ -3,21 +3,14 @@
 #include "AppDataSet.h"
 #include "CommonMessage.h"
 #include "MasterKeyViewMessage.h"
-#include "ui_DeletionMasterKeyView.h"
 
 namespace vantro {
 
 DeletionMasterKeyViewController::DeletionMasterKeyViewController()
     : DeletionFromListViewController(
           "ViewController/Main/Master/DeletionMasterKeyViewController",
-          {MasterKeyViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
+          {"DeletionMasterKeyView", MasterKeyViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
 {
-}
-
-std::unique_ptr<QWidget> DeletionMasterKeyViewController::loadView()
-{
-    Ui::DeletionMasterKeyView outlets;
-    return loadForm(outlets, "DeletionMasterKeyView");
 }
 
 bool DeletionMasterKeyViewController::isLastKeyDeletion()

@@ -14,7 +14,6 @@ class DeletionMasterKeyViewController : public DeletionFromListViewController<Ma
     DeletionMasterKeyViewController();
 
   protected:
-    std::unique_ptr<QWidget> loadView() override;
     bool isLastKeyDeletion() override;
     void removeFromSetting() override;
     void finishRemoval() override { releaseForcedLogonWithoutKeys(baseLogger); }

@@ -3,12 +3,12 @@
 #include <utility>
 
 #include "AppDataSet.h"
-#include "ui_MasterKeyView.h"
 
 namespace vantro {
 
 MasterKeyViewController::MasterKeyViewController()
     : KeyListViewController({.source = "ViewController/Main/Master/MasterKeyViewController",
+                             .table = "MasterKeyView",
                              .finishedViewDidLoad = "Finished viewDidLoad",
                              .startViewWillAppear = "Start viewWillAppear.",
                              .registrationDialog = "RegistrationMasterKeyViewController",
@@ -18,13 +18,8 @@ MasterKeyViewController::MasterKeyViewController()
 
 std::unique_ptr<QWidget> MasterKeyViewController::loadView()
 {
-    auto view = std::make_unique<QWidget>();
-    Ui::MasterKeyView outlets;
-    outlets.setupUi(view.get());
-    masterKeyArrayController = makeSerialColumn(masterKeyModels, "MasterKeyView");
-    connectOutlets({outlets.masterKeyTable, masterKeyArrayController.get(), outlets.emptyLabel, outlets.registerButton,
-                    outlets.deleteButton});
-    return view;
+    masterKeyArrayController = makeSerialColumn(masterKeyModels);
+    return loadList(*masterKeyArrayController);
 }
 
 void MasterKeyViewController::rebuildRows()

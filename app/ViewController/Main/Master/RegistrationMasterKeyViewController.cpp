@@ -5,7 +5,6 @@
 #include "AppDataSet.h"
 #include "MasterKeyViewMessage.h"
 #include "Model/KeySorting.h"
-#include "ui_RegistrationMasterKeyView.h"
 
 namespace vantro {
 namespace {
@@ -19,15 +18,10 @@ std::vector<YubiKey>& masterKeys()
 
 RegistrationMasterKeyViewController::RegistrationMasterKeyViewController()
     : DialogOfList("ViewController/Main/Master/RegistrationMasterKeyViewController",
-                   {MasterKeyViewMessage::yubiKeyIsNotConnected, MasterKeyViewMessage::alreadyAllocatedKey},
+                   {"RegistrationMasterKeyView", MasterKeyViewMessage::yubiKeyIsNotConnected,
+                    MasterKeyViewMessage::alreadyAllocatedKey},
                    AfterRefusal::StayOpen)
 {
-}
-
-std::unique_ptr<QWidget> RegistrationMasterKeyViewController::loadView()
-{
-    Ui::RegistrationMasterKeyView outlets;
-    return loadForm(outlets, "RegistrationMasterKeyView");
 }
 
 bool RegistrationMasterKeyViewController::isAllocated(std::uint64_t serial) const

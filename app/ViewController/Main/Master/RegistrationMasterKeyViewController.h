@@ -14,7 +14,6 @@ class RegistrationMasterKeyViewController : public DialogOfList<MasterKeyViewCon
     RegistrationMasterKeyViewController();
 
   protected:
-    std::unique_ptr<QWidget> loadView() override;
     [[nodiscard]] bool isAllocated(std::uint64_t serial) const override;
     void logRequest(std::uint64_t serial) const override;
     void addToSetting(std::uint64_t serial) override;

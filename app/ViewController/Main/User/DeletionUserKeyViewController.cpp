@@ -3,20 +3,14 @@
 #include "AppDataSet.h"
 #include "CommonMessage.h"
 #include "UserViewMessage.h"
-#include "ui_DeletionUserKeyView.h"
 
 namespace vantro {
 
 DeletionUserKeyViewController::DeletionUserKeyViewController()
-    : DeletionFromListViewController("ViewController/Main/User/DeletionUserKeyViewController",
-                                     {UserViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
+    : DeletionFromListViewController(
+          "ViewController/Main/User/DeletionUserKeyViewController",
+          {"DeletionUserKeyView", UserViewMessage::notSelectedForDeletion, CommonMessage::noRegistrationYubiKey})
 {
-}
-
-std::unique_ptr<QWidget> DeletionUserKeyViewController::loadView()
-{
-    Ui::DeletionUserKeyView outlets;
-    return loadForm(outlets, "DeletionUserKeyView");
 }
 
 QString DeletionUserKeyViewController::lineOf(const UserKeyModel& row) const

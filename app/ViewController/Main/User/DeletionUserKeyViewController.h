@@ -15,7 +15,6 @@ class DeletionUserKeyViewController : public DeletionFromListViewController<User
     DeletionUserKeyViewController();
 
   protected:
-    std::unique_ptr<QWidget> loadView() override;
     [[nodiscard]] QString lineOf(const UserKeyModel& row) const override;
     bool isLastKeyDeletion() override;
     void removeFromSetting() override;

@@ -13,16 +13,17 @@
 namespace vantro {
 
 RegistrationUserKeyViewController::RegistrationUserKeyViewController()
-    : DialogOfList("ViewController/Main/User/RegistrationUserKeyViewController",
-                   {UserViewMessage::yubiKeyIsNotConnected, UserViewMessage::alreadyAllocatedKey},
-                   AfterRefusal::StayOpen)
+    : DialogOfList(
+          "ViewController/Main/User/RegistrationUserKeyViewController",
+          {"RegistrationUserKeyView", UserViewMessage::yubiKeyIsNotConnected, UserViewMessage::alreadyAllocatedKey},
+          AfterRefusal::StayOpen)
 {
 }
 
 std::unique_ptr<QWidget> RegistrationUserKeyViewController::loadView()
 {
     Ui::RegistrationUserKeyView outlets;
-    auto view = loadForm(outlets, "RegistrationUserKeyView");
+    auto view = loadForm(outlets);
     accountPopUpButton = outlets.accountPopUpButton;
     fullNameLabel_ = outlets.fullNameLabel;
     connect(accountPopUpButton, &QComboBox::activated, this, [this] { onChangeAccount(accountPopUpButton); });

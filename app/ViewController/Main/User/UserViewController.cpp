@@ -1,12 +1,12 @@
 #include "ViewController/Main/User/UserViewController.h"
 
 #include "AppDataSet.h"
-#include "ui_UserView.h"
 
 namespace vantro {
 
 UserViewController::UserViewController()
     : KeyListViewController({.source = "ViewController/Main/User/UserViewController",
+                             .table = "UserView",
                              .finishedViewDidLoad = "Finished viewDidLoad.",
                              .startViewWillAppear = "Start viewWillAppear",
                              .registrationDialog = "RegistrationUserKeyViewController",
@@ -16,9 +16,6 @@ UserViewController::UserViewController()
 
 std::unique_ptr<QWidget> UserViewController::loadView()
 {
-    auto view = std::make_unique<QWidget>();
-    Ui::UserView outlets;
-    outlets.setupUi(view.get());
     using Column = NSArrayController<UserKeyModel>::Column;
     allocatedKeysArrayController = std::make_unique<NSArrayController<UserKeyModel>>(
         userKeyModels,
@@ -26,9 +23,7 @@ std::unique_ptr<QWidget> UserViewController::loadView()
                              [](const UserKeyModel& row) { return QString::fromStdString(row.account()); }},
                             {localizedString("UserView", "column_serial"),
                              [](const UserKeyModel& row) { return QString::fromStdString(row.serial()); }}});
-    connectOutlets({outlets.allocatedKeyTable, allocatedKeysArrayController.get(), outlets.emptyLabel,
-                    outlets.registerButton, outlets.deleteButton});
-    return view;
+    return loadList(*allocatedKeysArrayController);
 }
 
 void UserViewController::rebuildRows()
