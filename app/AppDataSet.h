@@ -4,6 +4,8 @@
 #include <memory>
 #include <optional>
 
+#include <QString>
+
 #include "LoggerManager/Logger.h"
 #include "SettingDocument.h"
 #include "TokenPresence.h"
@@ -35,8 +37,8 @@ class AppDataSet
     /// See TokenPresence::serial().
     [[nodiscard]] std::optional<std::uint64_t> connectedYubiKeySerial() const { return tokenPresence_.serial(); }
 
-    /// See TokenPresence::obstacle().
-    [[nodiscard]] const TokenObstacle& tokenObstacle() const { return tokenPresence_.obstacle(); }
+    /// See TokenPresence::obstacleText().
+    [[nodiscard]] QString tokenObstacleText() const { return tokenPresence_.obstacleText(); }
 
     AppDataSet(const AppDataSet&) = delete;
     AppDataSet& operator=(const AppDataSet&) = delete;

@@ -107,6 +107,11 @@ std::optional<std::uint64_t> TokenPresence::serial() const
     return number == 0 ? std::nullopt : std::optional(number);
 }
 
+QString TokenPresence::obstacleText() const
+{
+    return serial() || count() <= 0 ? QString() : obstacle_.text();
+}
+
 void TokenPresence::setCount(std::int64_t count)
 {
     count_ = count;

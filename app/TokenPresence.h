@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include <QString>
+
 #include "LoggerManager/Logger.h"
 #include "Model/TokenObstacle.h"
 #include "foundation/NotificationCenter.h"
@@ -37,8 +39,9 @@ class TokenPresence
     /// The serial of the token that was counted in last; absent when unknown, and after any token has gone. Any thread.
     [[nodiscard]] std::optional<std::uint64_t> serial() const;
 
-    /// Why none of the tokens that are plugged in can be used.
-    [[nodiscard]] const TokenObstacle& obstacle() const { return obstacle_; }
+    /// Why none of the tokens that are plugged in can be used, and what to do; empty when one can or none is there.
+    /// Posts TokenObstacleChanged when that may have changed. Main thread.
+    [[nodiscard]] QString obstacleText() const;
 
   private:
     void onDeviceConnected(const Notification& notification);

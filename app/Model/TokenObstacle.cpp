@@ -2,7 +2,6 @@
 
 #include <QStringList>
 
-#include "AppDataSet.h"
 #include "appkit/StringTable.h"
 #include "foundation/DispatchQueue.h"
 
@@ -27,8 +26,7 @@ void TokenObstacle::set(Kind kind, const ServiceFailure& cause)
 
 QString TokenObstacle::text() const
 {
-    const auto& dataSet = AppDataSet::shared();
-    if (kind_ == Kind::None || dataSet.connectedYubiKeySerial() || dataSet.connectedYubiKeyCount() <= 0)
+    if (kind_ == Kind::None)
         return {};
     QStringList lines(localized(kind_ == Kind::SerialNotRead ? "serial_not_read" : "another_pulled_out"));
     if (const QString cause = cause_.sentence(); !cause.isEmpty())

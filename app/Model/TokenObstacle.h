@@ -7,11 +7,11 @@
 
 namespace vantro {
 
-/// Posted on the main thread, without an object, when TokenObstacle may have another text.
+/// Posted on the main thread, without an object, when the reason may be another.
 inline const NotificationName TokenObstacleChanged = "tokenObstacleChanged";
 
 /// Why none of the tokens that are plugged in can be used: what the screens say below "no token is connected", which by
-/// itself would be a lie then. The shared data set has the one instance.
+/// itself would be a lie then.
 class TokenObstacle
 {
   public:
@@ -28,7 +28,7 @@ class TokenObstacle
     /// serial could not be read. Any thread.
     void set(Kind kind, const ServiceFailure& cause = {});
 
-    /// What is in the way and what to do; empty when no token is plugged in or one can be used. Main thread.
+    /// What is in the way and what to do; empty when nothing is. Main thread.
     [[nodiscard]] QString text() const;
 
   private:

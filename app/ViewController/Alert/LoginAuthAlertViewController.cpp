@@ -100,7 +100,7 @@ void LoginAuthAlertViewController::onClickAuthenticate(QObject* /*sender*/)
 void LoginAuthAlertViewController::showReason(const ServiceFailure& failure)
 {
     const QString reason = failure.sentence();
-    reasonLabelModel.setTextOrHide(reason.isEmpty() ? AppDataSet::shared().tokenObstacle().text() : reason);
+    reasonLabelModel.setTextOrHide(reason.isEmpty() ? AppDataSet::shared().tokenObstacleText() : reason);
 }
 
 bool LoginAuthAlertViewController::eventFilter(QObject* watched, QEvent* event)

@@ -70,7 +70,7 @@ void RegistrationKeyViewController::showNotConnected()
 
 void RegistrationKeyViewController::showObstacle()
 {
-    obstacleLabelModel.setTextOrHide(AppDataSet::shared().tokenObstacle().text());
+    obstacleLabelModel.setTextOrHide(AppDataSet::shared().tokenObstacleText());
 }
 
 void RegistrationKeyViewController::updateDisplay()
