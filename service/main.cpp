@@ -12,6 +12,7 @@
 #include "LoggerManager/LoggerManager.h"
 #include "VantroStandaloneSetting/SettingFile.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "bus/SignInObject.h"
 #include "bus/StandaloneObject.h"
 #include "foundation/Bundle.h"
 #include "foundation/FileDescriptor.h"
@@ -88,7 +89,9 @@ int run(const Logger& logger)
         PamStore pamStore(pamFolders, registeredKeys, logger);
         recordStore.removeUnfinished();
         pamStore.removeUnfinished();
+        SignIn signIn(registry, challengeResponse, registeredKeys, logger);
         const StandaloneObject object(*connection, challengeResponse, pamStore, logger);
+        const SignInObject signInObject(*connection, signIn, logger);
         connection->requestName(label);
         signals.start(*connection);
         logger.info("Service " + bundle.string(bundle_key::shortVersion) + " started.", function);

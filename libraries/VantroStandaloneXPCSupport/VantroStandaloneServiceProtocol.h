@@ -4,16 +4,18 @@
 #include <functional>
 #include <vector>
 
+#include "VantroStandaloneNames.h"
+
 namespace vantro {
 
 /// The privileged service's name on the system bus, and its interface's.
-inline constexpr const char* label = "com.vantro.Standalone1";
+inline constexpr const char* label = names::service;
 
 /// The interface that tells why a request failed.
 inline constexpr const char* diagnosisInterface = "com.vantro.Standalone1.Diagnosis";
 
 /// The one object that the service exports.
-inline constexpr const char* serviceObjectPath = "/com/vantro/Standalone1";
+inline constexpr const char* serviceObjectPath = names::serviceObject;
 
 /// The D-Bus names of the service's methods and their signatures.
 namespace service_method {

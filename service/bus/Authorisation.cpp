@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "VantroStandaloneNames.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "foundation/Identity.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 constexpr const char* administratorsGroup = "sudo";
 
-constexpr std::array<std::pair<std::string_view, Requirement>, 7> requirements = {{
+constexpr std::array<std::pair<std::string_view, Requirement>, 8> requirements = {{
     {service_method::getSerial, Requirement::Administrator},
     {service_method::createCRSettingFile, Requirement::Administrator},
     {service_method::removeCRSettingFile, Requirement::Administrator},
@@ -21,6 +22,7 @@ constexpr std::array<std::pair<std::string_view, Requirement>, 7> requirements =
     {service_method::savePamSetting, Requirement::Administrator},
     {service_method::removePamSetting, Requirement::Administrator},
     {service_method::lastFailure, Requirement::Administrator},
+    {names::sign_in::authenticate, Requirement::Account},
 }};
 
 bool isAdministrator(const Caller& caller)
@@ -46,6 +48,11 @@ bool mayCall(std::string_view method, const Caller& caller)
 {
     const auto requirement = requirementOf(method);
     return requirement == Requirement::Administrator && isAdministrator(caller);
+}
+
+bool maySignIn(const Caller& caller, const std::string& account)
+{
+    return caller.userId == 0 || caller.userId == ::geteuid() || userId(account) == caller.userId;
 }
 
 } // namespace vantro::service

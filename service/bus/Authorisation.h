@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -20,7 +21,9 @@ struct Caller
 enum class Requirement
 {
     /// Root, the account that the service itself runs as, and the members of the administrators' group.
-    Administrator
+    Administrator,
+    /// Whatever account, for itself alone; root and the account that the service itself runs as, for all (maySignIn()).
+    Account
 };
 
 /// What a method of the service requires of its caller; nothing for a name that is no method.
@@ -29,5 +32,8 @@ enum class Requirement
 /// Whether the caller may call the method. Whoever is not known to be allowed is not: an unknown method, and a system
 /// without the administrators' group for everybody who needs it.
 [[nodiscard]] bool mayCall(std::string_view method, const Caller& caller);
+
+/// Whether the caller may ask whether `account` is let in. Any thread.
+[[nodiscard]] bool maySignIn(const Caller& caller, const std::string& account);
 
 } // namespace vantro::service

@@ -5,12 +5,14 @@
 namespace vantro::service {
 namespace {
 
-constexpr std::size_t threadLimit = 48;
 constexpr auto grace = std::chrono::milliseconds(500);
 
 } // namespace
 
-RequestRunner::RequestRunner() : watchdog_([this] { watchDeadlines(); }) {}
+RequestRunner::RequestRunner(std::size_t threadLimit)
+    : threadLimit_(threadLimit), watchdog_([this] { watchDeadlines(); })
+{
+}
 
 RequestRunner::~RequestRunner()
 {
@@ -22,7 +24,7 @@ bool RequestRunner::run(Limit::Clock::duration duration, Work work, Expired expi
 {
     const std::lock_guard lock(mutex_);
     if (waiting_.size() >= idleThreads_) {
-        if (threads_.size() >= threadLimit)
+        if (threads_.size() >= threadLimit_)
             return false;
         threads_.emplace_back([this] { serve(); });
     }

@@ -21,7 +21,8 @@ class RequestRunner
     using Work = std::function<void(const Limit&)>;
     using Expired = std::function<void()>;
 
-    RequestRunner();
+    /// Runs at most `threadLimit` requests at a time.
+    explicit RequestRunner(std::size_t threadLimit);
     /// Tells what runs to stop and waits for it; what has not begun is dropped.
     ~RequestRunner();
     RequestRunner(const RequestRunner&) = delete;
@@ -44,6 +45,7 @@ class RequestRunner
     void serve();
     void watchDeadlines();
 
+    const std::size_t threadLimit_;
     std::stop_source stop_;
     std::mutex mutex_;
     std::condition_variable_any requested_;

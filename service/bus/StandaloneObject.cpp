@@ -1,7 +1,6 @@
 #include "bus/StandaloneObject.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <exception>
 #include <utility>
@@ -9,6 +8,7 @@
 #include <systemd/sd-bus.h>
 
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "bus/Answer.h"
 #include "foundation/KeyedArchive.h"
 
 namespace vantro::service {
@@ -21,11 +21,6 @@ using namespace std::chrono_literals;
 constexpr auto usualLimit = 4s;
 constexpr auto validationLimit = 14s;
 
-constexpr const char* accessDenied = "org.freedesktop.DBus.Error.AccessDenied";
-constexpr const char* limitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
-constexpr const char* invalidArguments = "org.freedesktop.DBus.Error.InvalidArgs";
-constexpr const char* failedError = "org.freedesktop.DBus.Error.Failed";
-
 /// The names of arguments and results, which callers see when they ask what the object can do.
 constexpr const char* serialName = "serial";
 constexpr const char* settingName = "setting";
@@ -35,6 +30,7 @@ constexpr const char* reasonName = "reason";
 /// Of one account, and of all callers together whose account is not known yet, which is a matter of milliseconds: each
 /// of them alone leaves the others most of the runner's threads.
 constexpr std::size_t requestsOfOneCaller = 12;
+constexpr std::size_t requestsAtATime = 48;
 
 /// Reaches what the library keeps to itself.
 struct RawMessage : sdbus::Message
@@ -52,49 +48,10 @@ ArchiveData bytesOf(const sdbus::MethodCall& call)
     const void* bytes = nullptr;
     std::size_t size = 0;
     if (sd_bus_message_read_array(RawMessage::of(call), 'y', &bytes, &size) < 0)
-        throw sdbus::Error(invalidArguments, "The argument is no array of bytes.");
+        throw sdbus::Error(bus_error::invalidArguments, "The argument is no array of bytes.");
     const auto* const first = static_cast<const std::uint8_t*>(bytes);
     return {first, first + std::min(size, keyed_archive::sizeLimit + 1)};
 }
-
-/// The one answer of one request: whoever gives it first. Any thread.
-template <class Value>
-class Answer
-{
-  public:
-    Answer(sdbus::Result<Value>&& result, const Logger& logger) : result_(std::move(result)), logger_(logger) {}
-
-    /// False when it was given before. `first` is called before it is sent, and not where it was given before.
-    bool give(const Value& value, const std::function<void()>& first)
-    {
-        return send([&] {
-            first();
-            result_.returnResults(value);
-        });
-    }
-
-    void refuse(const char* name, const std::string& text)
-    {
-        send([this, name, &text] { result_.returnError(sdbus::Error(name, text)); });
-    }
-
-  private:
-    bool send(const std::function<void()>& sending)
-    {
-        if (isGiven_.test_and_set())
-            return false;
-        try {
-            sending();
-        } catch (const sdbus::Error& error) {
-            logger_.error("The answer can't be sent: " + error.getMessage(), "send(_:)");
-        }
-        return true;
-    }
-
-    const sdbus::Result<Value> result_;
-    const Logger logger_;
-    std::atomic_flag isGiven_;
-};
 
 } // namespace
 
@@ -102,7 +59,7 @@ StandaloneObject::StandaloneObject(sdbus::IConnection& connection, ChallengeResp
                                    PamStore& pamStore, const Logger& logger)
     : challengeResponse_(challengeResponse), pamStore_(pamStore), logger_(logger.inFile("StandaloneObject")),
       credentials_(logger), quota_(std::make_shared<CallerQuota>(requestsOfOneCaller)),
-      object_(sdbus::createObject(connection, serviceObjectPath))
+      object_(sdbus::createObject(connection, serviceObjectPath)), runner_(requestsAtATime)
 {
     registerTokenMethods();
     registerPamMethods();
@@ -194,14 +151,14 @@ void StandaloneObject::accept(std::string_view method, sdbus::Result<Value>&& re
     };
     const auto refuseAsTooMany = [this, method, answer] {
         logger_.error(std::string(method) + " was refused: too many requests are under way.", "accept(_:)");
-        answer->refuse(limitsExceeded, "Too many requests are under way.");
+        answer->refuse(bus_error::limitsExceeded, "Too many requests are under way.");
     };
     auto place = placeFor(sender);
     const bool isRoom = place != nullptr;
     auto request = [this, method, sender, answer, note, refuseAsTooMany, place = std::move(place),
                     work = std::move(work)](const Limit& limit) mutable {
         if (!isAllowed(method, sender)) {
-            answer->refuse(accessDenied, "Only administrators may call this method.");
+            answer->refuse(bus_error::accessDenied, "Only administrators may call this method.");
             return;
         }
         // A newcomer's account is known by now, and its place among the newcomers is somebody else's to take.
@@ -216,7 +173,7 @@ void StandaloneObject::accept(std::string_view method, sdbus::Result<Value>&& re
             });
         } catch (const std::exception& error) {
             logger_.error(std::string(method) + " failed: " + error.what(), "accept(_:)");
-            answer->refuse(failedError, "The request failed.");
+            answer->refuse(bus_error::failed, "The request failed.");
         }
     };
     auto expired = [this, method, answer, note, failed] {

@@ -72,7 +72,7 @@ void ChallengeResponse::create(std::uint64_t serial, const Limit& limit, const R
     if ((record || isUnknown) && isRegistered(serial)) {
         if (!record)
             return fail(recordFailure(record.failure()));
-        const auto answer = prove(*record, *token, limit,
+        const auto answer = prove(*record, *token, limit, {},
                                   {failure_reason::claimsAnother,
                                    "It can't answer as the registered token of this serial does. If its slot was "
                                    "programmed anew, delete the token from every list first."});
@@ -99,7 +99,8 @@ void ChallengeResponse::remove(std::uint64_t serial, const Limit& /*limit*/, con
     reply({});
 }
 
-void ChallengeResponse::validate(std::uint64_t serial, const Limit& limit, const Reply& reply)
+void ChallengeResponse::validate(std::uint64_t serial, const Limit& limit, const TouchWanted& onTouchWanted,
+                                 const Reply& reply)
 {
     const auto fail = [this, serial, &reply](const RequestFailure& failure) {
         logger_.warning("The token was not validated." + forSerial(serial) + " " + failure.text, "validate(_:)");
@@ -116,7 +117,7 @@ void ChallengeResponse::validate(std::uint64_t serial, const Limit& limit, const
     if (!record)
         return fail(recordFailure(record.failure()));
     const auto answer = prove(
-        *record, *token, limit,
+        *record, *token, limit, onTouchWanted,
         {failure_reason::wrongResponse, "Its response is not the one of the record; the slot was programmed anew."});
     if (!answer)
         return fail(answer.failure());
@@ -147,9 +148,10 @@ RequestFailure ChallengeResponse::recordFailure(const FileFailure& failure) cons
 }
 
 Outcome<SlotAnswer, RequestFailure> ChallengeResponse::prove(const ChallengeRecord& record, const TokenLease& token,
-                                                             const Limit& limit, const RequestFailure& mismatch) const
+                                                             const Limit& limit, const TouchWanted& onTouchWanted,
+                                                             const RequestFailure& mismatch) const
 {
-    const auto answer = answerChallenge(token.deviceNode(), record.slot, record.challenge, limit);
+    const auto answer = answerChallenge(token.deviceNode(), record.slot, record.challenge, limit, onTouchWanted);
     if (!answer)
         return failureOf(answer.failure());
     if (!record.isMatchedBy(answer->response))

@@ -40,7 +40,10 @@ class ChallengeResponse
     /// Has the token answer the challenge of its record and replies whether it is the right one; then puts a new
     /// challenge in its place, unless the slot wants a touch or another record is just being renewed. When that fails
     /// the old record stays.
-    void validate(std::uint64_t serial, const Limit& limit, const Reply& reply);
+    void validate(std::uint64_t serial, const Limit& limit, const Reply& reply) { validate(serial, limit, {}, reply); }
+
+    /// The same; calls `onTouchWanted` when the token begins to wait for a touch.
+    void validate(std::uint64_t serial, const Limit& limit, const TouchWanted& onTouchWanted, const Reply& reply);
 
   private:
     [[nodiscard]] bool isRegistered(std::uint64_t serial) const;
@@ -48,7 +51,8 @@ class ChallengeResponse
     /// Has the token answer the challenge of the record; `mismatch` is the reason when it can't. Nothing of the record
     /// is taken for granted afterwards: it must still be there.
     [[nodiscard]] Outcome<SlotAnswer, RequestFailure> prove(const ChallengeRecord& record, const TokenLease& token,
-                                                            const Limit& limit, const RequestFailure& mismatch) const;
+                                                            const Limit& limit, const TouchWanted& onTouchWanted,
+                                                            const RequestFailure& mismatch) const;
     [[nodiscard]] std::optional<RequestFailure> writeNew(std::uint64_t serial, const TokenLease& token,
                                                          const Limit& limit);
     void renewAfter(const SlotAnswer& answer, const ChallengeRecord& record, const TokenLease& token,

@@ -8,6 +8,7 @@
 #include <span>
 #include <sys/ioctl.h>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "foundation/FileDescriptor.h"
@@ -137,7 +138,8 @@ struct FirstReport
 
 /// Waits for the first report of the answer: as long as `patience` allows, and the whole limit while the token waits
 /// for a touch.
-FirstReport awaitAnswer(const Connection& token, const Patience& patience, const Limit& limit)
+FirstReport awaitAnswer(const Connection& token, const Patience& patience, const Limit& limit,
+                        const TouchWanted& onTouchWanted)
 {
     Limit silence = patience ? limit.within(*patience) : limit;
     bool wantsTouch = false;
@@ -148,7 +150,8 @@ FirstReport awaitAnswer(const Connection& token, const Patience& patience, const
             return {report, wantsTouch};
         if ((report->back() & otp::flag::touch) != 0) {
             // Its answer follows the touch a moment later.
-            wantsTouch = true;
+            if (!std::exchange(wantsTouch, true) && onTouchWanted)
+                onTouchWanted();
             silence = limit.within(slotLimit);
         }
         if (silence.isOver() && (limit.isOver() || (report->back() & otp::flag::touch) == 0))
@@ -158,9 +161,9 @@ FirstReport awaitAnswer(const Connection& token, const Patience& patience, const
 }
 
 Outcome<Answer, TokenFailure> readAnswer(const Connection& token, std::size_t size, const Patience& patience,
-                                         const Limit& limit)
+                                         const Limit& limit, const TouchWanted& onTouchWanted)
 {
-    auto [report, wantsTouch] = awaitAnswer(token, patience, limit);
+    auto [report, wantsTouch] = awaitAnswer(token, patience, limit, onTouchWanted);
     Answer answer{{}, wantsTouch};
     for (unsigned int number = 0; report; ++number) {
         if ((report->back() & otp::flag::answer) == 0)
@@ -186,7 +189,8 @@ Outcome<Answer, TokenFailure> readAnswer(const Connection& token, std::size_t si
 
 /// One command and its answer of `size` bytes.
 Outcome<Answer, TokenFailure> exchange(const std::string& deviceNode, std::uint8_t command, const otp::Payload& payload,
-                                       std::size_t size, const Limit& limit, const Patience& patience)
+                                       std::size_t size, const Limit& limit, const Patience& patience,
+                                       const TouchWanted& onTouchWanted)
 {
     const Connection token(deviceNode);
     if (!token.isOpen())
@@ -203,7 +207,7 @@ Outcome<Answer, TokenFailure> exchange(const std::string& deviceNode, std::uint8
             return *failure;
         }
     }
-    auto answer = readAnswer(token, size, patience, limit);
+    auto answer = readAnswer(token, size, patience, limit, onTouchWanted);
     if (answer || answer.failure() != TokenFailure::Gone)
         token.reset();
     return answer;
@@ -213,7 +217,7 @@ Outcome<Answer, TokenFailure> exchange(const std::string& deviceNode, std::uint8
 
 Outcome<std::uint32_t, TokenFailure> readSerial(const std::string& deviceNode, const Limit& limit)
 {
-    const auto answer = exchange(deviceNode, otp::command::serial, {}, serialSize, limit, std::nullopt);
+    const auto answer = exchange(deviceNode, otp::command::serial, {}, serialSize, limit, std::nullopt, {});
     if (!answer)
         return answer.failure();
     std::uint32_t serial = 0;
@@ -223,7 +227,7 @@ Outcome<std::uint32_t, TokenFailure> readSerial(const std::string& deviceNode, c
 }
 
 Outcome<SlotAnswer, TokenFailure> answerChallenge(const std::string& deviceNode, Slot slot, const Challenge& challenge,
-                                                  const Limit& limit)
+                                                  const Limit& limit, const TouchWanted& onTouchWanted)
 {
     SlotAnswer result;
     // A slot for challenges of any length drops the trailing bytes that equal the last one: the padding must differ.
@@ -231,7 +235,7 @@ Outcome<SlotAnswer, TokenFailure> answerChallenge(const std::string& deviceNode,
     std::copy(challenge.begin(), challenge.end(), payload.begin());
     payload.back() = static_cast<std::uint8_t>(~challenge.back());
     const std::uint8_t command = slot == Slot::One ? otp::command::slotOne : otp::command::slotTwo;
-    const auto answer = exchange(deviceNode, command, payload, result.response.size(), limit, slotLimit);
+    const auto answer = exchange(deviceNode, command, payload, result.response.size(), limit, slotLimit, onTouchWanted);
     if (!answer && answer.failure() == TokenFailure::NoAnswer && !limit.isOver())
         return TokenFailure::SlotNotProgrammed;
     if (!answer)

@@ -6,6 +6,7 @@
 
 #include "VantroStandaloneSetting/SettingText.h"
 #include "foundation/DurableFile.h"
+#include "foundation/Text.h"
 #include "foundation/XML.h"
 
 namespace vantro::service {
@@ -36,6 +37,27 @@ Outcome<bool, FileFailure> RegisteredKeys::isNamed(std::uint64_t serial) const
     if (!setting)
         return setting.failure();
     return setting->isNamed(serial);
+}
+
+Outcome<std::optional<std::vector<std::uint64_t>>, FileFailure>
+RegisteredKeys::openersOf(const std::string& account) const
+{
+    const auto setting = read();
+    if (!setting)
+        return setting.failure();
+    if (!setting->switchSetting.secureMode || !setting->isAllocatedKey())
+        return std::optional<std::vector<std::uint64_t>>();
+    std::vector<std::uint64_t> serials;
+    const auto add = [&serials](const std::vector<YubiKey>& keys) {
+        for (const YubiKey& key : keys)
+            serials.push_back(key.serial);
+    };
+    for (const UserSetting& user : setting->users)
+        if (isCanonicallyEqual(user.account, account))
+            add(user.keys);
+    add(setting->masterKeySetting.masterKeys);
+    std::sort(serials.begin(), serials.end());
+    return std::optional(std::move(serials));
 }
 
 Outcome<bool, FileFailure> RegisteredKeys::opensAnAccount() const

@@ -2,6 +2,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "VantroStandaloneSetting/VantroStandaloneSetting.h"
 #include "foundation/Outcome.h"
@@ -25,6 +28,12 @@ class RegisteredKeys
     /// Whether any of the document's lists names the token. Fails for a document that can't be read; a missing one
     /// names nobody.
     [[nodiscard]] Outcome<bool, FileFailure> isNamed(std::uint64_t serial) const;
+
+    /// The serials of the tokens that open the account, its own and the master keys, in ascending order; nothing where
+    /// no token is demanded: forced logon is off, or no account has a key and there is no master key, so that a demand
+    /// would lock everybody out. Fails like isNamed().
+    [[nodiscard]] Outcome<std::optional<std::vector<std::uint64_t>>, FileFailure>
+    openersOf(const std::string& account) const;
 
     /// Whether some user or master key has a record, so that there is a token that opens an account. Fails like
     /// isNamed().

@@ -32,9 +32,14 @@ Outcome<std::uint64_t, TokenFailure> TokenAccess::newestSerial(const Limit& limi
     const auto tokens = registry_.newestFirst();
     if (tokens.empty())
         return TokenFailure::NoToken;
-    if (const auto known = registry_.knownSerial(tokens.front()))
+    return serialOf(tokens.front(), limit);
+}
+
+Outcome<std::uint64_t, TokenFailure> TokenAccess::serialOf(TokenRegistry::TokenNumber number, const Limit& limit)
+{
+    if (const auto known = registry_.knownSerial(number))
         return *known;
-    const auto token = acquireKnown(tokens.front(), limit);
+    const auto token = acquireKnown(number, limit);
     if (!token)
         return token.failure();
     return token->serial().value_or(0);

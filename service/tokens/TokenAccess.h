@@ -18,6 +18,9 @@ class TokenAccess
     /// The serial of the token that was plugged in last.
     [[nodiscard]] Outcome<std::uint64_t, TokenFailure> newestSerial(const Limit& limit);
 
+    /// The serial of one token.
+    [[nodiscard]] Outcome<std::uint64_t, TokenFailure> serialOf(TokenRegistry::TokenNumber number, const Limit& limit);
+
     /// The token that has the serial, whichever of those that are plugged in it is. A token that keeps its serial to
     /// itself is passed over, and from then on asked after all others.
     [[nodiscard]] Outcome<TokenLease, TokenFailure> acquireWithSerial(std::uint64_t serial, const Limit& limit);

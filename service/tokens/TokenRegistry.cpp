@@ -71,6 +71,18 @@ std::vector<TokenRegistry::TokenNumber> TokenRegistry::newestFirst()
     return numbers;
 }
 
+TokenRegistry::TokenNumber TokenRegistry::lastNumber() const
+{
+    const std::lock_guard lock(mutex_);
+    return lastNumber_;
+}
+
+void TokenRegistry::waitForAnother(TokenNumber last, const Limit& limit)
+{
+    std::unique_lock lock(mutex_);
+    changed_.wait_until(lock, limit.stop, limit.deadline, [this, last] { return lastNumber_ > last; });
+}
+
 Outcome<TokenLease, TokenFailure> TokenRegistry::acquire(TokenNumber number, const Limit& limit)
 {
     std::unique_lock lock(mutex_);

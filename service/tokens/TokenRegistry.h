@@ -36,6 +36,12 @@ class TokenRegistry
     /// account: somebody who has seen a token come may ask for it.
     [[nodiscard]] std::vector<TokenNumber> newestFirst();
 
+    /// The number of the token that came last, whether it is still there or not; 0 before the first.
+    [[nodiscard]] TokenNumber lastNumber() const;
+
+    /// Waits until a token has come after the one with the number `last`, no longer than the limit.
+    void waitForAnother(TokenNumber last, const Limit& limit);
+
     /// Takes a token for one or more exchanges: waits until its keyboard interface is there and nobody else has it.
     [[nodiscard]] Outcome<TokenLease, TokenFailure> acquire(TokenNumber number, const Limit& limit);
 

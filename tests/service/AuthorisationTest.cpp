@@ -2,6 +2,7 @@
 
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <unistd.h>
 
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
@@ -27,6 +28,19 @@ TEST(AuthorisationTest, EveryMethodIsForAdministratorsAlone)
         EXPECT_FALSE(mayCall(method, {somebody, {}})) << method;
         EXPECT_FALSE(mayCall(method, {somebody, {0, 65533}})) << method;
     }
+}
+
+TEST(AuthorisationTest, AnAccountSignsItselfInAndRootEverybody)
+{
+    for (const uid_t user : {uid_t{0}, ::geteuid()})
+        for (const char* const account : {"root", "nobody", "no-such-account"})
+            EXPECT_TRUE(maySignIn({user, {}}, account)) << user << account;
+    const struct passwd* const nobody = ::getpwnam("nobody");
+    ASSERT_NE(nobody, nullptr);
+    const Caller caller{nobody->pw_uid, {}};
+    EXPECT_TRUE(maySignIn(caller, "nobody"));
+    for (const char* const account : {"root", "no-such-account", ""})
+        EXPECT_FALSE(maySignIn(caller, account)) << account;
 }
 
 TEST(AuthorisationTest, WhatIsNoMethodIsForNobody)

@@ -128,6 +128,12 @@ std::optional<gid_t> groupId(const std::string& name)
     return record ? std::optional(record->gr_gid) : std::nullopt;
 }
 
+std::optional<uid_t> userId(const std::string& loginName)
+{
+    const DirectoryRecord<passwd> record(::getpwnam_r, loginName.c_str());
+    return record ? std::optional(record->pw_uid) : std::nullopt;
+}
+
 std::string NSUserName()
 {
     return loginName(::geteuid()).value_or(std::to_string(::geteuid()));

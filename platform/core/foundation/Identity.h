@@ -46,6 +46,9 @@ struct UserIdRange
 /// Id of a group; nothing where the directory does not know its name. Any thread.
 [[nodiscard]] std::optional<gid_t> groupId(const std::string& name);
 
+/// User id of a login name; nothing where the directory does not know it. Any thread.
+[[nodiscard]] std::optional<uid_t> userId(const std::string& loginName);
+
 /// Login name of the process's user; the decimal user id where the directory does not know it.
 [[nodiscard]] std::string NSUserName();
 
