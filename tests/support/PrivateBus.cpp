@@ -48,12 +48,9 @@ std::string rulesFor(PrivateBus::Policy policy)
 
 PrivateBus::PrivateBus(const ServicePrefix& prefix, Policy policy) : daemon_(rulesFor(policy))
 {
-    // The command that is to start the service, for a test that shuts the service in.
-    const char* const wrapper = ::getenv("VANTRO_TEST_SERVICE_WRAPPER");
-    const std::string start = wrapper == nullptr ? std::string() : std::string(wrapper) + " ";
     std::filesystem::create_directory(daemon_.folder() / "services");
     writeFile(daemon_.folder() / "services" / (std::string(label) + ".service"),
-              "[D-BUS Service]\nName=" + std::string(label) + "\nExec=" + start + prefix.program().string() + "\n");
+              "[D-BUS Service]\nName=" + std::string(label) + "\nExec=" + prefix.program().string() + "\n");
     // The bus starts the service through a process that then ends: the service becomes our child.
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
 }
