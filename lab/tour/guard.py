@@ -23,7 +23,7 @@ def several_tokens(tour):
     tour.see(tour.says(alert, "MultipleConnectionsAlertView", "heading"), "it says that several tokens are plugged in")
     tour.screenshot("several-tokens")
     page = tour.main_window().name
-    window = display.windows(tour.tool.process)[-1]
+    window = tour.front_window()
     display.press(window, *WAYS_TO_CLOSE, *WAYS_TO_THE_WINDOW)
     display.ask_to_close(window)
     leave(tour, alert)

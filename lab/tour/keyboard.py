@@ -6,7 +6,7 @@ from scenes import FIRST, TOUCH_TOKEN
 
 def press(tour, *keys):
     """Presses keys in the tool's window that is in front."""
-    display.press(display.windows(tour.tool.process)[-1], *keys)
+    display.press(tour.front_window(), *keys)
 
 
 def has_focus(tour, dialog, name):

@@ -7,6 +7,7 @@ import xml.etree.ElementTree
 from pathlib import Path
 
 import accessibility
+import display
 
 LAB = "vantro-token-lab"
 TOOL = "vantro-standalone"
@@ -46,6 +47,11 @@ class RunningLab:
 
     def main_window(self):
         return self.tool.windows[0]
+
+    def front_window(self):
+        """The tool's window in front, as the display knows it."""
+        return accessibility.wait_for("the display shows a window of the tool",
+                                      lambda: display.windows(self.tool.process))[-1]
 
     def stop_tool(self):
         """Ends the tool as the end of a session does."""

@@ -103,10 +103,13 @@ class Tour(RunningLab):
     def open_registration(self):
         return self.open_dialog("UserView", "register")
 
-    def press_and_close(self, dialog, button):
-        found = self.button(dialog, button)
+    def press_when_enabled(self, window, button):
+        found = self.button(window, button)
         accessibility.wait_for(f"{button} is enabled", lambda: found.is_enabled)
         found.press()
+
+    def press_and_close(self, dialog, button):
+        self.press_when_enabled(dialog, button)
         self.wait_for(f"{button} closes the dialog", lambda: self.dialog() is None)
 
     def serial_text(self, dialog):
