@@ -1,8 +1,9 @@
 #include "VantroStandaloneSetting/PamSetting.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -57,91 +58,72 @@ TEST(PamSetting, IsNotArchivedWithATextThatCanNotBeRead)
 
 TEST(PamSetting, RefusesFieldsThatAreNotItsOwn)
 {
-    const ordered_json refusedTexts[] = {
+    const std::vector<ordered_json> texts = {
         "",          std::string(256, 'x'),      "\xff", "ok\xed\xa0\x80", 1U, nullptr, true, {"a"},
         {{"a", 1U}}, ordered_json::binary({'a'})};
-    const ordered_json refusedPositions[] = {4U,     std::numeric_limits<std::uint64_t>::max(), -1, 1.0, 0.5, "1", true,
-                                             nullptr};
-    ASSERT_TRUE(PamSetting::unarchived(ordered_json::to_cbor(exampleFields())));
-    const auto expectRefused = [](const ordered_json& fields) {
-        EXPECT_FALSE(PamSetting::unarchived(ordered_json::to_cbor(fields)));
+    const std::vector<ordered_json> positions = {
+        4U, std::numeric_limits<std::uint64_t>::max(), -1, 1.0, 0.5, "1", true, nullptr};
+    const std::pair<const char*, std::vector<ordered_json>> refused[] = {
+        {"fileName", texts},   {"moduleInterface", positions}, {"controlFlag", positions},
+        {"moduleName", texts}, {"$class", {"NSString"}},       {"extra", {1U}},
     };
-    const auto original = exampleFields();
-    for (const auto& field : original.items()) {
-        SCOPED_TRACE(field.key());
-        auto fields = exampleFields();
-        fields.erase(field.key());
-        expectRefused(fields);
-        const bool isPosition = field.value().is_number();
-        for (const auto& value : isPosition ? std::vector(std::begin(refusedPositions), std::end(refusedPositions))
-                                            : std::vector(std::begin(refusedTexts), std::end(refusedTexts))) {
-            fields = exampleFields();
-            fields[field.key()] = value;
-            expectRefused(fields);
+    const auto isTaken = [](const ordered_json& fields) {
+        return PamSetting::unarchived(ordered_json::to_cbor(fields)).has_value();
+    };
+    ASSERT_TRUE(isTaken(exampleFields()));
+    for (const auto& [key, values] : refused) {
+        for (const auto& value : values) {
+            auto fields = exampleFields();
+            fields[key] = value;
+            EXPECT_FALSE(isTaken(fields)) << key << testing::PrintToString(ordered_json::to_cbor(value));
         }
+        auto fields = exampleFields();
+        const bool wasThere = fields.erase(key) == 1;
+        EXPECT_EQ(isTaken(fields), !wasThere) << key;
     }
     auto fields = exampleFields();
-    fields["extra"] = 1U;
-    expectRefused(fields);
-    fields = exampleFields();
-    fields["$class"] = "NSString";
-    expectRefused(fields);
-    fields = exampleFields();
     fields.erase("$class");
     fields["$class"] = "PamSetting";
-    expectRefused(fields); // the class is last
-    expectRefused(ordered_json::object());
-    expectRefused(ordered_json::array({exampleFields()}));
+    EXPECT_FALSE(isTaken(fields)) << "the class is last";
+    EXPECT_FALSE(isTaken(ordered_json::object()));
+    EXPECT_FALSE(isTaken(ordered_json::array({exampleFields()})));
 }
 
 TEST(PamSetting, RefusesBytesThatAreNotItsArchive)
 {
     const ArchiveData archive = example.archived().value();
-    for (std::size_t length = 0; length < archive.size(); ++length)
-        EXPECT_FALSE(PamSetting::unarchived({archive.begin(), archive.begin() + static_cast<std::ptrdiff_t>(length)}));
-    ArchiveData data = archive;
-    data.push_back(0);
-    EXPECT_FALSE(PamSetting::unarchived(data)) << "a byte behind it";
-
-    auto fields = exampleFields();
-    fields["fileName"] = std::string(keyed_archive::sizeLimit, 'x');
-    EXPECT_FALSE(keyed_archive::decode(ordered_json::to_cbor(fields), "PamSetting")) << "too large";
-
-    // The same object once more with its last field twice: a map of six entries.
-    const auto last = ordered_json::to_cbor(ordered_json{{"moduleName", example.moduleName}});
-    data = archive;
-    ++data.front();
-    data.insert(data.end(), last.begin() + 1, last.end());
-    EXPECT_FALSE(PamSetting::unarchived(data)) << "a field twice";
-
-    // Position 1 in a longer form than needed.
-    data = archive;
-    const std::string key = "moduleInterface";
-    const auto position =
-        std::search(data.begin(), data.end(), key.begin(), key.end()) + static_cast<std::ptrdiff_t>(key.size());
-    *position = 0x18;
-    data.insert(position + 1, 1);
-    EXPECT_FALSE(PamSetting::unarchived(data)) << "another form of a number";
-
-    constexpr std::uint8_t arrayOfOne = 0x81;
-    constexpr std::uint8_t mapOfOne = 0xa1;
-    constexpr std::uint8_t tag = 0xc1;
-    for (const std::uint8_t byte : {arrayOfOne, mapOfOne, tag, std::uint8_t{0x9f}, std::uint8_t{0xbf}})
-        EXPECT_FALSE(PamSetting::unarchived(ArchiveData(keyed_archive::sizeLimit, byte))) << "as deep as it gets";
-    auto nested = exampleFields();
-    nested["fileName"] = {{"fileName", "authorization"}};
-    EXPECT_FALSE(keyed_archive::decode(ordered_json::to_cbor(nested), "PamSetting")) << "a value inside a value";
-    for (const int kind : {0x5b, 0x7b, 0x9b, 0xbb}) {
-        data.assign(9, 0x7f);
-        data.front() = static_cast<std::uint8_t>(kind);
-        EXPECT_FALSE(PamSetting::unarchived(data)) << "more than memory can hold: " << kind;
-    }
-    data = archive;
-    ++data.front();
-    data.insert(data.end(), {0x61, 'z'});
-    data.resize(keyed_archive::sizeLimit - 1, arrayOfOne);
-    data.push_back(0);
-    EXPECT_FALSE(PamSetting::unarchived(data)) << "as deep as it gets behind its fields";
+    const std::string bytes(archive.begin(), archive.end());
+    const auto withOneMore = [&bytes](const std::string& entry) {
+        return std::string(1, static_cast<char>(bytes.front() + 1)) + bytes.substr(1) + entry;
+    };
+    const auto fileNamed = [](const ordered_json& name) {
+        auto fields = exampleFields();
+        fields["fileName"] = name;
+        const auto data = ordered_json::to_cbor(fields);
+        return std::string(data.begin(), data.end());
+    };
+    const std::string position = "moduleInterface\x01";
+    std::string inLongerForm = bytes;
+    inLongerForm.replace(bytes.find(position), position.size(), "moduleInterface\x18\x01");
+    std::vector<std::string> refused = {
+        bytes + '\0',
+        withOneMore(bytes.substr(bytes.find("\x6amoduleName"))),
+        inLongerForm,
+        fileNamed(std::string(keyed_archive::sizeLimit, 'x')),
+        fileNamed({{"fileName", "authorization"}}),
+        withOneMore("\x61z" + std::string(keyed_archive::sizeLimit - bytes.size() - 3, '\x81') + '\0'),
+    };
+    for (std::size_t length = 0; length < bytes.size(); ++length)
+        refused.push_back(bytes.substr(0, length));
+    // Arrays, maps and tags in one another, as deep as it gets.
+    for (const char head : {'\x81', '\xa1', '\xc1', '\x9f', '\xbf'})
+        refused.emplace_back(keyed_archive::sizeLimit, head);
+    // More bytes or entries than memory can hold.
+    for (const char head : {'\x5b', '\x7b', '\x9b', '\xbb'})
+        refused.push_back(head + std::string(8, '\x7f'));
+    for (const auto& data : refused)
+        EXPECT_FALSE(keyed_archive::decode({data.begin(), data.end()}, "PamSetting"))
+            << testing::PrintToString(data.substr(0, 200));
 }
 
 } // namespace
