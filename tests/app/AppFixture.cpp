@@ -7,6 +7,7 @@
 #include <sstream>
 #include <sys/inotify.h>
 #include <thread>
+#include <utility>
 
 #include <unistd.h>
 
@@ -14,6 +15,7 @@
 #include "LoggerManager/LoggerManager.h"
 #include "LoginAuthentication.h"
 #include "ServiceRequests.h"
+#include "ViewController/Main/KeyListViewController.h"
 #include "appkit/NSStoryboard.h"
 #include "appkit/NSTabViewController.h"
 #include "appkit/StringTable.h"
@@ -42,6 +44,11 @@ void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers)
         ASSERT_TRUE(activate(*modal));
     }
     QTest::keyClick(QGuiApplication::focusWindow(), key, modifiers);
+}
+
+std::ostream& operator<<(std::ostream& stream, const ShownAlert& alert)
+{
+    return stream << alert.message.toStdString() << ": " << alert.information.toStdString();
 }
 
 AppFixture::AppFixture() : replacements_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK))
@@ -112,6 +119,17 @@ NSViewController& AppFixture::switchTo(const char* identifier)
     });
     window().findChild<QTabWidget*>()->setCurrentIndex(static_cast<int>(item - items.begin()));
     return *(*item)->viewController();
+}
+
+QPointer<RegistrationKeyViewController> AppFixture::openRegistration(const char* tab)
+{
+    auto& list = page<KeyListViewController>(tab);
+    return present<RegistrationKeyViewController>(list, list.registerButton);
+}
+
+void AppFixture::expectAlerts(const std::vector<ShownAlert>& expected)
+{
+    EXPECT_EQ(std::exchange(alerts, {}), expected);
 }
 
 void AppFixture::onMonitorThread(const std::function<void()>& work)
@@ -201,9 +219,9 @@ void AppFixture::expectRecorded(const std::string& name, const std::string& file
 
 int AppFixture::present(NSAlert& alert)
 {
-    alerts.push_back({alert.windowTitle, alert.alertStyle, alert.messageText, alert.informativeText,
-                      alert.accessoryText, QStringList(alert.buttons().begin(), alert.buttons().end()),
-                      alert.defaultButton, alert.suppressionTitle});
+    alerts.push_back({alert.messageText, alert.informativeText,
+                      QStringList(alert.buttons().begin(), alert.buttons().end()), alert.alertStyle,
+                      alert.defaultButton, alert.accessoryText, alert.suppressionTitle, alert.windowTitle});
     if (whileAlert)
         whileAlert();
     alert.isSuppressed = ticksSuppression;

@@ -18,7 +18,9 @@
 #include <gmock/gmock.h>
 
 #include "AppDataSet.h"
+#include "CommonMessage.h"
 #include "VantroStandaloneSetting/SettingText.h"
+#include "ViewController/Main/RegistrationKeyViewController.h"
 #include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
 #include "emulation/TokenBed.h"
@@ -58,6 +60,22 @@ constexpr auto ample = 20s;
 /// A key press for the modal window in front, or else for the one that has the focus.
 void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
+/// An alert as it was shown; a warning with the button OK where nothing else is said.
+struct ShownAlert
+{
+    QString message{};
+    QString information{};
+    QStringList buttons{CommonMessage::ok()};
+    NSAlert::Style style = NSAlert::Style::Warning;
+    int defaultButton = NSAlert::firstButtonReturn;
+    QString accessory{};
+    std::optional<QString> suppression{};
+    QString windowTitle = QStringLiteral("Vantro Standalone (Version 1.0.0)");
+
+    friend bool operator==(const ShownAlert&, const ShownAlert&) = default;
+    friend std::ostream& operator<<(std::ostream& stream, const ShownAlert& alert);
+};
+
 /// The settings tool in this process, as far as its window: an installation and a bus of its own, a scripted service
 /// that answers true, alerts that are answered by the test, and tokens that come and go on a thread that stands for
 /// the monitor's.
@@ -94,6 +112,8 @@ class AppFixture : public testing::Test
         QTest::mouseClick(button, Qt::LeftButton);
         return page.findChild<Dialog*>();
     }
+    /// The dialog that registers a key in the list of a tab.
+    QPointer<RegistrationKeyViewController> openRegistration(const char* tab);
     /// Whether a dialog is gone by now or soon. The main window is in front again then, as a desktop does it.
     template <class Dialog>
     [[nodiscard]] bool isDismissed(const QPointer<Dialog>& dialog)
@@ -121,17 +141,8 @@ class AppFixture : public testing::Test
     /// Compares the log's records of a source file, one a line, with recorded/NAME.log.
     void expectRecorded(const std::string& name, const std::string& file) const;
 
-    struct ShownAlert
-    {
-        QString windowTitle;
-        NSAlert::Style style = NSAlert::Style::Warning;
-        QString message;
-        QString information;
-        QString accessory;
-        QStringList buttons;
-        int defaultButton = 0;
-        std::optional<QString> suppression;
-    };
+    /// Forgets the alerts that were shown, which must be these.
+    void expectAlerts(const std::vector<ShownAlert>& expected);
     std::vector<ShownAlert> alerts;
     /// The answers to the next alerts; the first button when there is none left.
     std::deque<int> answers;

@@ -48,6 +48,8 @@ int main(int argc, char** argv)
     vantro::lab::reexecuteUnderPreload(argv, {NSS_WRAPPER_LIBRARY});
     vantro::installStoryboards();
     testing::InitGoogleTest(&argc, argv);
+    // An exit is watched in a process that begins afresh: this one has threads.
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     const int result = RUN_ALL_TESTS();
     std::error_code ignored;
     std::filesystem::remove_all(std::filesystem::path(std::getenv(passwdVariable)).parent_path(), ignored);

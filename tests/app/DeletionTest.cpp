@@ -5,7 +5,6 @@
 #include <QCheckBox>
 #include <QLabel>
 
-#include "CommonMessage.h"
 #include "Model/PamUpdateStatus.h"
 #include "ViewController/Main/DeletionKeyViewController.h"
 #include "app/ScreenFixture.h"
@@ -15,7 +14,6 @@ namespace vantro::tests {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr int ok = NSAlert::firstButtonReturn;
 constexpr int cancel = NSAlert::secondButtonReturn;
@@ -66,17 +64,14 @@ class Deletion : public ScreenFixture
         EXPECT_TRUE(isDismissed(dialog));
     }
 
-    void expectWarning()
+    static ShownAlert warning()
     {
-        ASSERT_EQ(alerts.size(), 1U);
-        EXPECT_EQ(alerts[0].windowTitle, "Vantro Standalone (Version 1.0.0)");
-        EXPECT_EQ(alerts[0].style, NSAlert::Style::Warning);
-        EXPECT_EQ(alerts[0].message, CommonMessage::caution());
-        EXPECT_EQ(alerts[0].information, screen().name == "Admin" ? screen().message("no_registration_admin_yubiKey")
-                                                                  : CommonMessage::noRegistrationYubiKey());
-        EXPECT_EQ(alerts[0].buttons, (QStringList{CommonMessage::ok(), CommonMessage::cancel()}));
-        EXPECT_EQ(alerts[0].defaultButton, cancel) << "Enter never destroys";
-        alerts.clear();
+        return {.message = CommonMessage::caution(),
+                .information = screen().name == "Admin" ? screen().message("no_registration_admin_yubiKey")
+                                                        : CommonMessage::noRegistrationYubiKey(),
+                .buttons = {CommonMessage::ok(), CommonMessage::cancel()},
+                // Enter never destroys.
+                .defaultButton = cancel};
     }
 
     void check(const Case& deletion)
@@ -86,9 +81,7 @@ class Deletion : public ScreenFixture
         service->script("SavePamSetting", {{deletion.reset.value_or(false)}});
         answers = {deletion.answer.value_or(ok)};
         confirm(open(deletion.rows));
-        if (deletion.answer)
-            expectWarning();
-        EXPECT_THAT(alerts, IsEmpty());
+        expectAlerts(deletion.answer ? std::vector{warning()} : std::vector<ShownAlert>());
         EXPECT_EQ(takeWrites(), deletion.writes);
         EXPECT_EQ(stored(), deletion.after);
         if (deletion.reset) {
@@ -184,7 +177,7 @@ TEST_P(Deletion, WithoutItsListOrItsSelectionItOnlyCloses)
     confirm(dialog);
     confirm(presentElsewhere<DeletionKeyViewController>("Deletion"));
     EXPECT_EQ(stored(), two);
-    EXPECT_THAT(alerts, IsEmpty());
+    expectAlerts({});
     expectRecorded("deletion-of-nothing-" + screen().name, screen().file("Deletion"));
 }
 

@@ -18,7 +18,6 @@ struct Witness
 
 TEST(Application, EndedByTheToolkitDestroysNothingThatOtherThreadsMayUse)
 {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     const int count = 1;
     char name[] = "vantro-standalone";
     char* arguments[] = {name, nullptr};

@@ -10,14 +10,10 @@
 
 #include "Alerts.h"
 #include "ApplicationVersion.h"
-#include "CommonMessage.h"
 #include "DefaultsKeys.h"
 #include "ServiceRequests.h"
 #include "StartMessage.h"
 #include "ViewController/Alert/MultipleConnectionsAlertViewController.h"
-#include "ViewController/DialogViewController.h"
-#include "ViewController/Main/User/RegistrationUserKeyViewController.h"
-#include "ViewController/Main/User/UserViewController.h"
 #include "app/AppFixture.h"
 #include "appkit/NSStoryboard.h"
 #include "appkit/NSTabViewController.h"
@@ -28,7 +24,6 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr auto sourceFile = "ViewController/Main/TabViewController";
 
@@ -48,11 +43,13 @@ class MainWindow : public AppFixture
 TEST_F(MainWindow, CarriesTheVersionUntilTheFirstTabSwitch)
 {
     store({});
-    EXPECT_EQ(window().windowTitle(), windowTitleWithVersion());
-    EXPECT_EQ(window().windowTitle(),
-              QStringLiteral("Vantro Standalone (Version %1)").arg(QString::fromStdString(APP_VERSION())));
+    EXPECT_EQ(window().windowTitle(), "Vantro Standalone (Version 1.0.0)");
     EXPECT_EQ(window().size(), QSize(420, 340));
-    EXPECT_THAT(alerts, IsEmpty());
+    expectAlerts({});
+    std::vector<bool> loaded;
+    for (const auto& item : dynamic_cast<NSTabViewController&>(*window().contentViewController()).tabViewItems())
+        loaded.push_back(item->viewController()->isViewLoaded());
+    EXPECT_THAT(loaded, ElementsAre(false, true, false, false)) << "pages are made when they first appear";
 
     window().resize(600, 500);
     const QPoint topLeft = window().pos();
@@ -60,16 +57,6 @@ TEST_F(MainWindow, CarriesTheVersionUntilTheFirstTabSwitch)
     EXPECT_EQ(window().windowTitle(), localizedString("TabView", "tab_master_keys"));
     EXPECT_EQ(window().size(), QSize(420, 340));
     EXPECT_EQ(window().pos(), topLeft);
-}
-
-TEST_F(MainWindow, PagesAreMadeWhenTheyFirstAppear)
-{
-    store({});
-    const auto& items = dynamic_cast<NSTabViewController&>(*window().contentViewController()).tabViewItems();
-    std::vector<bool> loaded;
-    for (const auto& item : items)
-        loaded.push_back(item->viewController()->isViewLoaded());
-    EXPECT_THAT(loaded, ElementsAre(false, true, false, false));
 }
 
 TEST_F(MainWindow, AsksForAccessUntilToldNotTo)
@@ -80,17 +67,16 @@ TEST_F(MainWindow, AsksForAccessUntilToldNotTo)
     ticksSuppression = true;
     open().reset();
     open().reset();
-    ASSERT_EQ(alerts.size(), 2U);
-    EXPECT_EQ(alerts[0].message, CommonMessage::installAfterAlertMessage());
-    EXPECT_EQ(alerts[0].accessory, CommonMessage::installAfterAlertInfo());
-    EXPECT_EQ(alerts[0].suppression, CommonMessage::doNotDisplay());
-    EXPECT_THAT(alerts[0].buttons, ElementsAre(CommonMessage::close()));
+    const ShownAlert alert{.message = CommonMessage::installAfterAlertMessage(),
+                           .buttons = {CommonMessage::close()},
+                           .accessory = CommonMessage::installAfterAlertInfo(),
+                           .suppression = CommonMessage::doNotDisplay()};
+    expectAlerts({alert, alert});
     EXPECT_THAT(messages(sourceFile), Contains("Do not display alerts."));
 }
 
 TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
 {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     // One configuration for this process and the one that the exit is watched in.
     constexpr auto variable = "VANTRO_TEST_CONFIGURATION";
     ::setenv(variable, prefix.configHome().c_str(), 0);
@@ -106,7 +92,6 @@ TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
 
 TEST_F(MainWindow, SaysWhyEveryStartIsTheFirstOne)
 {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     ::setenv("XDG_CONFIG_HOME", "/proc/nowhere", 1);
     store({});
     whileAlert = [this] { std::cerr << alerts.back().message.toStdString() << '\n'; };
@@ -114,35 +99,20 @@ TEST_F(MainWindow, SaysWhyEveryStartIsTheFirstOne)
                 testing::HasSubstr(StartMessage::defaultsNotStoredHeading().toStdString()));
 }
 
-TEST_F(MainWindow, RecoversWithoutTheService)
-{
-    writeFile(prefix.settingsDocument(), "<Setting/>");
-    service.reset();
-    serviceReplyLimit = 100ms;
-    EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(alerts.size(), 1U);
-}
-
 TEST_F(MainWindow, KeepsABrokenDocumentAndStartsAfresh)
 {
     const std::string broken = "<VantroStandaloneSetting version=\"1\"><Users>";
-    const auto copy = prefix.settingsDocument().string() + ".invalid";
     writeFile(prefix.settingsDocument(), broken);
-    writeFile(copy, "from an earlier recovery");
     // The results of the requests are not looked at, and an error is waited for like silence.
     serviceReplyLimit = 100ms;
     service->script("SavePamSetting", {{false}, {ScriptedService::Refusal{}}, {true}});
 
     EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(contentOf(copy), broken);
-    EXPECT_EQ(contentOf(copy + "-old"), "from an earlier recovery");
+    EXPECT_EQ(contentOf(prefix.settingsDocument().string() + ".invalid"), broken);
     EXPECT_EQ(stored(), VantroStandaloneSetting());
     EXPECT_EQ(dataSet().vantroStandaloneSetting, VantroStandaloneSetting());
     EXPECT_THAT(service->pamCalls(), ElementsAre("authorization:3", "screensaver:3", "screensaver_new:3"));
-    ASSERT_EQ(alerts.size(), 1U);
-    EXPECT_EQ(alerts[0].message, CommonMessage::warning());
-    EXPECT_EQ(alerts[0].information, CommonMessage::unexpectedChangeSetting());
-    EXPECT_THAT(alerts[0].buttons, ElementsAre(CommonMessage::ok()));
+    expectAlerts({{CommonMessage::warning(), CommonMessage::unexpectedChangeSetting()}});
     EXPECT_THAT(messages(sourceFile), Contains("Setting file is invalid."));
 }
 
@@ -167,11 +137,6 @@ class SeveralTokens : public AppFixture
         while (dataSet().connectedYubiKeyCount() > 0)
             unplug();
         EXPECT_TRUE(spinUntil([this] { return alert().isNull(); }));
-    }
-    QPointer<RegistrationUserKeyViewController> openDialog()
-    {
-        auto& list = page<UserViewController>("UserKey");
-        return present<RegistrationUserKeyViewController>(list, list.registerButton);
     }
     static constexpr auto alertFile = "ViewController/Alert/MultipleConnectionsAlertViewController";
 };
@@ -199,7 +164,7 @@ TEST_F(SeveralTokens, BringOneAlertThatOnlyTheLastTokenCloses)
 TEST_F(SeveralTokens, LeaveTheDialogBehindTheAlertAsItWas)
 {
     store({});
-    const auto dialog = openDialog();
+    const auto dialog = openRegistration("UserKey");
     const auto shown = bringAlert();
     EXPECT_EQ(QApplication::activeModalWidget(), shown->window());
     EXPECT_EQ(shown->window()->parentWidget(), dialog->window());
@@ -212,7 +177,7 @@ TEST_F(SeveralTokens, OutliveTheDialogBehindTheAlert)
 {
     store({});
     for (int round = 0; round < 2; ++round) {
-        const auto dialog = openDialog();
+        const auto dialog = openRegistration("UserKey");
         const auto shown = bringAlert();
         // As assistive technology does, which reaches the dialog's button although another window is in front.
         dialog->onClickCancel(dialog);
@@ -229,8 +194,8 @@ TEST_F(SeveralTokens, OutliveTheDialogBehindTheAlert)
 TEST_F(SeveralTokens, ThatGoLeaveAnAlertOverTheirs)
 {
     store({});
-    window();
     NSAlert::setPresenter({});
+    // They are there before the window is.
     bringAlert();
     const auto box = [] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); };
     bool isAnswered = false;
@@ -249,13 +214,6 @@ TEST_F(SeveralTokens, ThatGoLeaveAnAlertOverTheirs)
     whileShown.start();
     createOKButtonOnlyAlert(NSAlert::Style::Warning, QStringLiteral("message"), QString()).runModal();
     isAnswered = true;
-    pullAllOut();
-}
-
-TEST_F(SeveralTokens, ThatWereThereBeforeTheWindowCount)
-{
-    store({});
-    bringAlert();
     pullAllOut();
 }
 

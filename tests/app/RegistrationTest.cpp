@@ -2,10 +2,8 @@
 
 #include <thread>
 
-#include <QCheckBox>
 #include <QLabel>
 
-#include "CommonMessage.h"
 #include "ServiceRequests.h"
 #include "ViewController/Main/RegistrationKeyViewController.h"
 #include "app/ScreenFixture.h"
@@ -27,10 +25,7 @@ const Answer accessDenied{ScriptedService::Refusal{"org.freedesktop.DBus.Error.A
 class Registration : public ScreenFixture
 {
   protected:
-    QPointer<RegistrationKeyViewController> open()
-    {
-        return present<RegistrationKeyViewController>(list(), list().registerButton);
-    }
+    QPointer<RegistrationKeyViewController> open() { return openRegistration(screen().tab); }
     static bool staysOpen() { return screen().afterRefusal == Screen::AfterRefusal::StayOpen; }
     static QString notConnected() { return screen().message("yubiKey_is_not_connected"); }
     static std::string file() { return screen().file("Registration"); }
@@ -82,7 +77,7 @@ TEST_P(Registration, FollowsTheTokensAndWritesTheFileThenTheDocumentThenTheList)
     EXPECT_EQ(takeWrites(), 1);
     EXPECT_THAT(rows().replaceInStrings("tester ", ""), ElementsAre("3", "5", "9"));
     EXPECT_FALSE(hasSelection());
-    EXPECT_THAT(alerts, IsEmpty());
+    expectAlerts({});
 }
 
 TEST_P(Registration, SaysWhyATokenThatIsPluggedInCannotBeRegistered)
@@ -202,12 +197,7 @@ TEST_P(Registration, OfATokenThatIsPulledOutMeanwhileStandsOrFallsWithItsFile)
         EXPECT_TRUE(spinUntil([&] { return dialog->serialLabelModel.text() == notConnected(); }));
     };
     const auto refused = openAndRegister({false, 300ms});
-    ASSERT_EQ(alerts.size(), 1U);
-    EXPECT_EQ(alerts[0].windowTitle, "Vantro Standalone (Version 1.0.0)");
-    EXPECT_EQ(alerts[0].style, NSAlert::Style::Warning);
-    EXPECT_EQ(alerts[0].message, CommonMessage::warning());
-    EXPECT_EQ(alerts[0].information, ServiceFailure("jump").below(CommonMessage::CRFailureAlert()));
-    EXPECT_EQ(alerts[0].buttons, QStringList{CommonMessage::ok()});
+    expectAlerts({{CommonMessage::warning(), ServiceFailure("jump").below(CommonMessage::CRFailureAlert())}});
     EXPECT_THAT(messages(file()), Contains("Failed to update the CR setting file."));
     EXPECT_EQ(stored(), screen().with({3}));
     EXPECT_EQ(takeWrites(), 0);
@@ -255,22 +245,6 @@ TEST_P(Registration, ATokenThatWasAddedMeanwhile)
     EXPECT_EQ(messages(file()).back() == "This YubiKey is already assigned. [Serial: 5]", looksAgain);
     EXPECT_EQ(takeWrites(), looksAgain ? 0 : 1);
     EXPECT_EQ(dialog->view()->isVisible(), looksAgain && staysOpen());
-}
-
-TEST_F(AppFixture, AnAdministratorKeyUnlocksItsSwitch)
-{
-    plugIn(300);
-    auto& list = page<KeyListViewController>("Admin");
-    auto* const box = list.view()->findChild<QCheckBox*>();
-    EXPECT_FALSE(box->isEnabled());
-    const auto dialog = present<RegistrationKeyViewController>(list, list.registerButton);
-    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    EXPECT_TRUE(isDismissed(dialog));
-    EXPECT_TRUE(box->isEnabled());
-    for (const bool isOn : {true, false}) {
-        QTest::mouseClick(box, Qt::LeftButton);
-        EXPECT_EQ(stored().adminSetting.toolLoginAuth, isOn);
-    }
 }
 
 } // namespace

@@ -73,18 +73,23 @@ TEST_F(SettingTab, StoredForcedLogonIsWrittenOnceAndASecondLookWritesNothing)
     EXPECT_EQ(takeWrites(), 1);
 }
 
-TEST_F(SettingTab, ScreenLockWritesTheDocumentAndNothingElse)
+TEST_F(SettingTab, EachOfTheOtherSwitchesWritesTheDocumentAndNothingElse)
 {
-    store({});
-    auto& screenLock = control<QCheckBox>("screenLockButton");
-    takeWrites();
-    for (const bool isOn : {true, false}) {
-        screenLock.click();
-        EXPECT_EQ(stored().switchSetting.screenLock, isOn);
-        EXPECT_EQ(takeWrites(), 1);
-    }
-    EXPECT_THAT(service->pamCalls(), IsEmpty());
+    store({.adminSetting = {.adminKeys = {7}}});
+    const auto expectWritten = [this](QCheckBox& box, const std::function<bool(const VantroStandaloneSetting&)>& isOn) {
+        takeWrites();
+        for (const bool wanted : {true, false}) {
+            box.click();
+            EXPECT_EQ(isOn(stored()), wanted);
+            EXPECT_EQ(takeWrites(), 1);
+        }
+    };
+    expectWritten(control<QCheckBox>("screenLockButton"),
+                  [](const auto& content) { return content.switchSetting.screenLock; });
     expectRecorded("screen-lock", sourceFile);
+    expectWritten(*switchTo("Admin").view()->findChild<QCheckBox*>(),
+                  [](const auto& content) { return content.adminSetting.toolLoginAuth; });
+    EXPECT_THAT(service->pamCalls(), IsEmpty());
 }
 
 struct Change

@@ -73,34 +73,20 @@ class SignInDialog : public AppFixture
                 QTest::mouseClick(button, Qt::LeftButton);
     }
     static bool isOpen() { return dialog() != nullptr && dialog()->isVisible(); }
-    /// On a thread of its own, since the main one is in the dialog's event loop.
-    static void meanwhile(const std::function<void()>& work) { std::thread(work).detach(); }
-    void plugInMeanwhile(std::uint64_t serial)
-    {
-        service->script("GetSerial", {{serial}});
-        meanwhile([] { postConnected(64); });
-    }
-    static void unplugMeanwhile()
-    {
-        meanwhile([] {
-            postDisconnected();
-            postDisconnected();
-        });
-    }
 };
 
 TEST_F(SignInDialog, SaysWhyItRefusesUntilAnAdministratorKeyIsConfirmed)
 {
     const auto isUnread = [] { return reason().startsWith(localizedString("TokenObstacle", "serial_not_read")); };
-    open({{isOpen, [&] { plugInMeanwhile(0); }},
+    open({{isOpen, [&] { plugIn(0); }},
           {isUnread,
            [&] {
                press("authenticate_button");
                EXPECT_EQ(text(), LoginAuthAlertMessage::authFailure());
                EXPECT_TRUE(isUnread());
-               unplugMeanwhile();
+               unplug();
            }},
-          {[] { return reason().isEmpty(); }, [&] { plugInMeanwhile(adminKey); }},
+          {[] { return reason().isEmpty(); }, [&] { plugIn(adminKey); }},
           {[&] { return dataSet().connectedYubiKeySerial() == adminKey; },
            [&] {
                service->script("Validate", {{false}, {true}});
@@ -146,7 +132,6 @@ TEST_F(SignInDialog, ADoubleClickAndClicksDuringTheWaitStartOneCheck)
 
 TEST_F(SignInDialog, ClosingItInAnyOtherWayQuits)
 {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     const std::pair<const char*, std::function<void()>> ways[] = {
         {"close button", [] { dialog()->close(); }},
         {"escape", [] { QTest::keyClick(dialog(), Qt::Key_Escape); }},

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include "AppDelegate.h"
-#include "CommonMessage.h"
 #include "CompositionRoot.h"
 #include "StartMessage.h"
 #include "app/AppFixture.h"
@@ -15,16 +14,15 @@
 namespace vantro::tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class OneTool : public AppFixture
 {
   protected:
     const std::filesystem::path lockFile = prefix.settingsFolder() / "VantroStandaloneSetting.lock";
 
-    void expectNothingTouched()
+    void expectRefused(const QString& message, const QString& information)
     {
+        EXPECT_FALSE(applicationStoryboard().mayLaunch());
+        expectAlerts({{message, information, {CommonMessage::close()}, NSAlert::Style::Critical}});
         EXPECT_FALSE(std::filesystem::exists(prefix.settingsDocument()));
         EXPECT_EQ(takeWrites(), 0);
     }
@@ -34,34 +32,23 @@ TEST_F(OneTool, ASecondStartByAnotherAccountSaysWhoseTheFirstIs)
 {
     if (::geteuid() != 0)
         GTEST_SKIP() << "only root can start a process of another account";
-    constexpr uid_t daemon = 1;
-    const LockHolder first(lockFile, daemon);
-    EXPECT_FALSE(applicationStoryboard().mayLaunch());
-    ASSERT_EQ(alerts.size(), 1U);
-    EXPECT_EQ(alerts[0].message, StartMessage::alreadyOpenHeading());
-    // The machine's accounts are the tests' own, and this one may not be among them.
-    EXPECT_TRUE(alerts[0].information == StartMessage::alreadyOpenBy().arg(QStringLiteral("daemon")) ||
-                alerts[0].information == StartMessage::alreadyOpen());
-    EXPECT_THAT(alerts[0].buttons, ElementsAre(CommonMessage::close()));
-    expectNothingTouched();
+    constexpr uid_t adam = 1802;
+    const LockHolder first(lockFile, adam);
+    expectRefused(StartMessage::alreadyOpenHeading(), StartMessage::alreadyOpenBy().arg(QStringLiteral("adam")));
 }
 
 TEST_F(OneTool, NoneOpensWhereNothingTellsWhetherAnotherIs)
 {
     std::filesystem::create_directory(lockFile);
-    EXPECT_FALSE(applicationStoryboard().mayLaunch());
-    ASSERT_EQ(alerts.size(), 1U);
-    EXPECT_EQ(alerts[0].message, StartMessage::lockUnusableHeading());
-    EXPECT_EQ(alerts[0].information, StartMessage::lockUnusable().arg(QString::fromStdString(lockFile.string()),
-                                                                      QStringLiteral("Is a directory")));
-    expectNothingTouched();
+    expectRefused(
+        StartMessage::lockUnusableHeading(),
+        StartMessage::lockUnusable().arg(QString::fromStdString(lockFile.string()), QStringLiteral("Is a directory")));
 }
 
 using DocumentAtStart = AppFixture;
 
 TEST_F(DocumentAtStart, ThatCantBeReadEndsTheTool)
 {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     const auto launch = [this] {
         whileAlert = [this] { std::cerr << alerts.back().information.toStdString() << '\n'; };
         AppDelegate().applicationDidFinishLaunching();
@@ -75,7 +62,6 @@ TEST_F(DocumentAtStart, ThatCantBeReadEndsTheTool)
 
 TEST_F(DocumentAtStart, ThatIsInvalidAndCantBeKeptEndsTheTool)
 {
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
     const auto open = [this] {
         writeFile(prefix.settingsDocument(), "<Setting/>");
         dataSet();
@@ -111,10 +97,9 @@ TEST_P(DocumentNotStored, IsToldOnce)
         DispatchQueue::main().async([&] { isQueueEmpty = true; });
         ASSERT_TRUE(spinUntil([&] { return isQueueEmpty; }));
     }
-    ASSERT_EQ(alerts.size(), 1U);
-    EXPECT_EQ(alerts[0].message, StartMessage::documentNotWrittenHeading());
-    EXPECT_EQ(alerts[0].information,
-              StartMessage::documentNotWritten().arg(QString::fromStdString(prefix.settingsDocument().string())));
+    expectAlerts(
+        {{StartMessage::documentNotWrittenHeading(),
+          StartMessage::documentNotWritten().arg(QString::fromStdString(prefix.settingsDocument().string()))}});
 }
 
 } // namespace

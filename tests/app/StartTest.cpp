@@ -37,12 +37,7 @@ class Start : public AppFixture
         std::erase_if(records, isUserList);
         return records;
     }
-    [[nodiscard]] mode_t mode() const
-    {
-        struct stat status = {};
-        ::stat(prefix.settingsDocument().c_str(), &status);
-        return status.st_mode & 07777U;
-    }
+    [[nodiscard]] mode_t mode() const { return modeOf(prefix.settingsDocument()); }
     void storeWithMode(mode_t mode)
     {
         store({.users = {{"adam", {1}}}});

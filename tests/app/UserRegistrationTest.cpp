@@ -22,8 +22,7 @@ class UserRegistration : public AppFixture
   protected:
     QPointer<RegistrationUserKeyViewController> open()
     {
-        auto& list = page<UserViewController>("UserKey");
-        return present<RegistrationUserKeyViewController>(list, list.registerButton);
+        return qobject_cast<RegistrationUserKeyViewController*>(openRegistration("UserKey"));
     }
     static QStringList titles(const QComboBox& popUp)
     {
