@@ -23,9 +23,9 @@ module that takes part in signing in is not part of it.")
 # What the programs link is found out; what they load (windows without X), and what the maintainer scripts call, is named.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "default-dbus-system-bus | dbus-system-bus, systemd | systemd-standalone-tmpfiles, qt6-wayland")
-# The toolkit's own texts in other languages than English.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
+    "default-dbus-system-bus | dbus-system-bus, libpam-runtime (>= 1.0.1-6), systemd | systemd-standalone-tmpfiles, qt6-wayland")
+# The toolkit's own texts in other languages than English; who locks screens.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n, default-logind | logind")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
     ${made}/debian/postinst

@@ -163,7 +163,7 @@ function names(path,    i, j) {
 }
 
 BEGIN {
-    root = ENVIRON["DPKG_ROOT"]
+    root = ENVIRON["root"]
     known_type = "^(auth|account|password|session)$"
     split("auth account password session", types)
     for (file = 1; file < ARGC; file++) {

@@ -1,20 +1,6 @@
-# What the maintainer scripts share.
-export LC_ALL=C
-root=${DPKG_ROOT:-}
-pam_folder=$root/etc/pam.d
-pam_services="authorization screensaver screensaver_new"
+# The service in the system whose top folder is $root, which is empty for the running system.
 service=/usr/libexec/vantro-standalone-service
 unit=com.vantro.Standalone1.service
-
-# pam_entries naming|removing NAME FILE...
-pam_entries() {
-    task=$1
-    name=$2
-    shift 2
-    awk -v task="$task" -v name="$name" -f - "$@" <<'END_OF_PROGRAM'
-@PAM_ENTRIES_PROGRAM@
-END_OF_PROGRAM
-}
 
 has_systemd() {
     [ -z "$root" ] && [ -d /run/systemd/system ]
