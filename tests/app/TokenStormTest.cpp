@@ -160,7 +160,9 @@ TEST_F(TokenStorm, LeavesCountAndAlertRight)
         QTest::qWait(1);
     storm.join();
     person.stop();
-    ASSERT_TRUE(spinUntil([&] { return dataSet().connectedYubiKeyCount() == 0 && alertsShown() == 0; }));
+    ASSERT_TRUE(spinUntil([&] { return dataSet().connectedYubiKeyCount() == 0 && alertsShown() == 0; }))
+        << dataSet().connectedYubiKeyCount() << " tokens, " << alertsShown() << " alerts after " << plugged_
+        << " plugged in";
     EXPECT_EQ(dataSet().connectedYubiKeySerial(), std::nullopt);
 
     // Nothing hangs: the dialog that is left can be closed, and the next tokens bring the next alert.

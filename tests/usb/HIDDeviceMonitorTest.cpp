@@ -1,6 +1,9 @@
 #include "usb/HIDDeviceMonitor.h"
 
+#include <algorithm>
 #include <any>
+#include <atomic>
+#include <cstddef>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -32,9 +35,12 @@ class HIDDeviceMonitorTest : public testing::Test
         for (const auto& name : {HIDDeviceConnected, HIDDeviceDisconnected})
             observations_.push_back(
                 NotificationCenter::defaultCenter().addObserver(name, [this](const Notification& notification) {
-                    const std::lock_guard lock(mutex_);
-                    posts_.push_back(
-                        {notification.name, std::any_cast<HIDDevice>(notification.object), std::this_thread::get_id()});
+                    {
+                        const std::lock_guard lock(mutex_);
+                        posts_.push_back({notification.name, std::any_cast<HIDDevice>(notification.object),
+                                          std::this_thread::get_id()});
+                    }
+                    isHeldUp_.wait(true);
                 }));
     }
 
@@ -61,6 +67,8 @@ class HIDDeviceMonitorTest : public testing::Test
     HIDDeviceMonitor monitor_{{{0x1050, 0x0407}, {0x1050, 0x0116}}, 64};
     std::thread thread_;
     std::error_code ended_;
+    /// While true, the monitor's thread stays in the observer.
+    std::atomic<bool> isHeldUp_ = false;
 
   private:
     std::mutex mutex_;
@@ -89,6 +97,31 @@ TEST_F(HIDDeviceMonitorTest, PostsOnItsThreadForEveryInterface)
             gone.insert(post.device.id);
     }
     EXPECT_EQ(gone, (std::set<std::string>{all[0].device.id, all[1].device.id}));
+}
+
+TEST_F(HIDDeviceMonitorTest, TheFirstTokenIsWholeAlsoWhenItIsPulledOutWhileItIsLookedAt)
+{
+    for (const auto first : {lab::TokenInterface::keyboard, lab::TokenInterface::fido}) {
+        isHeldUp_ = true;
+        lab::VirtualToken token(bed_, {});
+        HIDDeviceMonitor monitor({{0x1050, 0x0407}}, 64);
+        std::thread thread([&monitor] { EXPECT_FALSE(monitor.start()); });
+        const auto before = posts().size();
+        token.plugIn(first);
+        ASSERT_TRUE(waitUntil([&] { return posts().size() == before + 1; }));
+        token.plugIn();
+        token.unplug();
+        isHeldUp_ = false;
+        isHeldUp_.notify_all();
+        ASSERT_TRUE(waitUntil([&] { return posts().size() == before + 4; }));
+        const auto all = posts();
+        EXPECT_EQ(std::count_if(
+                      all.begin() + static_cast<std::ptrdiff_t>(before), all.end(),
+                      [](const Post& post) { return post.name == HIDDeviceConnected && post.device.reportSize == 64; }),
+                  1);
+        monitor.stop();
+        thread.join();
+    }
 }
 
 TEST_F(HIDDeviceMonitorTest, ForeignDevicesAreNotPosted)

@@ -3,36 +3,43 @@
 #include <algorithm>
 #include <cerrno>
 #include <poll.h>
+#include <set>
+#include <string>
 #include <utility>
 
 #include "foundation/LastError.h"
 #include "usb/HidInterfaces.h"
 
 namespace vantro {
-namespace {
-
-HIDDevice deviceOf(const HidInterface& interface)
-{
-    return {interface.sysPath, interface.vendorId, interface.productId, interface.maximumInputReportSize};
-}
-
-} // namespace
-
-HIDDeviceMonitor::HIDDeviceMonitor(std::vector<HIDMonitorData> filter, std::size_t /*reportSize*/)
-    : filter_(std::move(filter))
+HIDDeviceMonitor::HIDDeviceMonitor(std::vector<HIDMonitorData> filter, std::size_t reportSize)
+    : filter_(std::move(filter)), reportSize_(reportSize)
 {
 }
 
 std::error_code HIDDeviceMonitor::start()
 {
     try {
-        const auto poster = [this](const NotificationName& name) {
-            return [this, name](const HidInterface& interface) {
-                if (isMatching(interface.vendorId, interface.productId) && !stop_.isAwake())
-                    NotificationCenter::defaultCenter().post(name, deviceOf(interface));
-            };
+        const auto post = [this](const NotificationName& name, const HidInterface& interface, std::size_t size) {
+            if (isMatching(interface.vendorId, interface.productId) && !stop_.isAwake())
+                NotificationCenter::defaultCenter().post(
+                    name, HIDDevice{interface.sysPath, interface.vendorId, interface.productId, size});
         };
-        HidInterfaceWatcher watcher(poster(HIDDeviceConnected), poster(HIDDeviceDisconnected));
+        // The devices of which an interface with the size has come. One that goes with two interfaces but came without
+        // it would be counted out and never in.
+        std::set<std::string> complete;
+        HidInterfaceWatcher watcher(
+            [&](const HidInterface& interface) {
+                const bool isUnknown = interface.deviceNode.empty() && interface.maximumInputReportSize == 0;
+                const bool isGuessed = isUnknown && !complete.contains(interface.usbDevicePath);
+                const std::size_t size = isGuessed ? reportSize_ : interface.maximumInputReportSize;
+                if (size == reportSize_)
+                    complete.insert(interface.usbDevicePath);
+                post(HIDDeviceConnected, interface, size);
+            },
+            [&](const HidInterface& interface) {
+                complete.erase(interface.usbDevicePath);
+                post(HIDDeviceDisconnected, interface, interface.maximumInputReportSize);
+            });
         watcher.enumerate();
         while (!stop_.isAwake()) {
             watcher.processEvents();

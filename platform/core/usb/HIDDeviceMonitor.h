@@ -39,8 +39,9 @@ inline const NotificationName HIDDeviceDisconnected = "HIDDeviceDisconnected";
 class HIDDeviceMonitor
 {
   public:
-    /// `reportSize` in bytes is what the observers are interested in; it filters nothing. Throws std::system_error when
-    /// the process has no file descriptors left.
+    /// `reportSize` in bytes is what the observers tell a device by; it filters nothing, but stands for the unknown
+    /// size of an interface that was pulled out before it could be described, once for each device. Throws
+    /// std::system_error when the process has no file descriptors left.
     HIDDeviceMonitor(std::vector<HIDMonitorData> filter, std::size_t reportSize);
 
     /// Runs the monitoring loop on the calling thread, where it posts from, until stop(). Answers no error then, and
@@ -53,7 +54,8 @@ class HIDDeviceMonitor
   private:
     [[nodiscard]] bool isMatching(std::uint16_t vendorId, std::uint16_t productId) const;
 
-    std::vector<HIDMonitorData> filter_;
+    const std::vector<HIDMonitorData> filter_;
+    const std::size_t reportSize_;
     WakeEvent stop_;
 };
 
