@@ -1,4 +1,4 @@
-"""A Debian tree of its own to install packages into: made once by debootstrap, unpacked anew for each use."""
+"""A Debian tree of its own to install packages into: made once by mmdebstrap, unpacked anew for each use."""
 
 import hashlib
 import shutil
@@ -34,24 +34,17 @@ class DebianTree:
         release = self._release()
         key = hashlib.sha256(" ".join([release, *packages]).encode()).hexdigest()[:16]
         packed = folder / f"base-{key}.tar"
+        if not packed.exists():
+            print(f"Making a Debian tree ({release}); the next time it is there.", flush=True)
+            for old in folder.glob("base-*.tar"):
+                old.unlink()
+            making = folder / "base-unfinished.tar"
+            run("mmdebstrap", "--variant=minbase", f"--include={','.join(packages)}", release, making, *self._mirror())
+            making.rename(packed)
         if self.root.exists():
             shutil.rmtree(self.root)
-        if packed.exists():
-            self.root.mkdir()
-            run("tar", "-xpf", packed, "--numeric-owner", "-C", self.root)
-            return
-        print(f"Making a Debian tree ({release}); the next time it is there.", flush=True)
-        run("debootstrap", "--variant=minbase", release, self.root, *self._mirror())
-        self._take_over_apt()
-        self._mount()
-        self.apt("update")
-        self.apt("install", *packages)
-        self._unmount()
-        for old in folder.glob("base-*.tar*"):
-            old.unlink()
-        making = packed.with_suffix(".tar.new")
-        run("tar", "-cpf", making, "--numeric-owner", "-C", self.root, ".")
-        making.rename(packed)
+        self.root.mkdir()
+        run("tar", "-xpf", packed, "--numeric-owner", "-C", self.root)
 
     @staticmethod
     def _release():
@@ -60,34 +53,17 @@ class DebianTree:
 
     @staticmethod
     def _mirror():
-        """Where this machine's apt has its own packages from; nothing where that is not known, and debootstrap chooses."""
+        """Where this machine's apt has its own packages from; nothing where that is not known, and mmdebstrap chooses."""
         sites = run("apt-get", "indextargets", "--format", "$(SITE) $(CODENAME)", "Created-By: Packages").splitlines()
         return [site.split()[0] for site in sites if site.endswith(" " + DebianTree._release())][:1]
 
-    def _take_over_apt(self):
-        """So that the tree reaches packages in the way that this machine does."""
-        for name in ("sources.list", "sources.list.d", "apt.conf.d", "trusted.gpg.d", "auth.conf.d"):
-            source, target = Path("/etc/apt") / name, self.root / "etc/apt" / name
-            if source.is_dir():
-                shutil.copytree(source, target, dirs_exist_ok=True)
-            elif source.exists():
-                shutil.copy(source, target)
-        for name in ("resolv.conf", "hosts"):
-            shutil.copy(Path("/etc") / name, self.root / "etc" / name)
-
-    def _mount(self):
+    def start_bus(self):
+        """Starts the system's bus and nothing else; the bus itself starts services."""
         run("mount", "--bind", self.root, self.root)
         run("mount", "-t", "proc", "proc", self.root / "proc")
         run("mount", "-t", "tmpfs", "tmpfs", self.root / "run")
         for name in ("dev", "sys"):
             run("mount", "--rbind", f"/{name}", self.root / name)
-
-    def _unmount(self):
-        run("umount", "--recursive", self.root)
-
-    def start_bus(self):
-        """Starts the system's bus and nothing else; the bus itself starts services."""
-        self._mount()
         self.path("/run/dbus").mkdir(exist_ok=True)
         self.must("dbus-daemon", "--system", "--fork")
 
