@@ -1,6 +1,7 @@
 """A Debian tree of its own to install packages into: made once by mmdebstrap, unpacked anew for each use."""
 
 import hashlib
+import platform
 import shutil
 import subprocess
 import sys
@@ -31,7 +32,7 @@ class DebianTree:
         self._log = folder / "boot.log"
         self._enter = ["chroot", self.root]
         self._container = None
-        release = self._release()
+        release = platform.freedesktop_os_release()["VERSION_CODENAME"]
         key = hashlib.sha256(" ".join([release, *packages]).encode()).hexdigest()[:16]
         packed = folder / f"base-{key}.tar"
         if not packed.exists():
@@ -39,7 +40,7 @@ class DebianTree:
             for old in folder.glob("base-*.tar"):
                 old.unlink()
             making = folder / "base-unfinished.tar"
-            run("mmdebstrap", "--variant=minbase", f"--include={','.join(packages)}", release, making, *self._mirror())
+            run("mmdebstrap", "--variant=minbase", f"--include={','.join(packages)}", release, making, *self._mirror(release))
             making.rename(packed)
         if self.root.exists():
             shutil.rmtree(self.root)
@@ -47,15 +48,10 @@ class DebianTree:
         run("tar", "-xpf", packed, "--numeric-owner", "-C", self.root)
 
     @staticmethod
-    def _release():
-        pairs = (line.partition("=") for line in Path("/etc/os-release").read_text(encoding="utf-8").splitlines())
-        return next(value for name, _, value in pairs if name == "VERSION_CODENAME").strip('"')
-
-    @staticmethod
-    def _mirror():
+    def _mirror(release):
         """Where this machine's apt has its own packages from; nothing where that is not known, and mmdebstrap chooses."""
         sites = run("apt-get", "indextargets", "--format", "$(SITE) $(CODENAME)", "Created-By: Packages").splitlines()
-        return [site.split()[0] for site in sites if site.endswith(" " + DebianTree._release())][:1]
+        return [site.split()[0] for site in sites if site.endswith(" " + release)][:1]
 
     def start_bus(self):
         """Starts the system's bus and nothing else; the bus itself starts services."""
