@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstring>
 #include <filesystem>
-#include <sstream>
+#include <regex>
 #include <sys/inotify.h>
 #include <thread>
 #include <utility>
@@ -180,19 +180,11 @@ std::string AppFixture::wholeLog() const
 std::vector<std::string> AppFixture::log(const std::string& file) const
 {
     std::vector<std::string> records;
-    std::istringstream lines(wholeLog().substr(forgottenLog_));
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream words(line);
-        std::string time;
-        std::string level;
-        std::string place;
-        words >> time >> level >> place;
-        words.get();
-        std::string rest;
-        std::getline(words, rest);
-        if (place.substr(0, place.rfind(':')) == file)
-            records.push_back(level == "info" ? rest : level + " " + rest);
-    }
+    const std::string text = wholeLog().substr(forgottenLog_);
+    const std::regex record(R"(\S+ (\S+) (\S+):\d+ (.*)\n)");
+    for (std::sregex_iterator found(text.begin(), text.end(), record), end; found != end; ++found)
+        if (found->str(2) == file)
+            records.push_back((found->str(1) == "info" ? "" : found->str(1) + " ") + found->str(3));
     return records;
 }
 

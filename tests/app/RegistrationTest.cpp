@@ -4,6 +4,7 @@
 
 #include <QLabel>
 
+#include "CommonMessage.h"
 #include "ServiceRequests.h"
 #include "ViewController/Main/RegistrationKeyViewController.h"
 #include "app/ScreenFixture.h"

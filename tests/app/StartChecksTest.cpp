@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "AppDelegate.h"
+#include "CommonMessage.h"
 #include "CompositionRoot.h"
 #include "StartMessage.h"
 #include "app/AppFixture.h"

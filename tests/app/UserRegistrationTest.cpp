@@ -1,4 +1,4 @@
-// What the user key registration has beside the other two: the account pop-up and the order of accounts.
+// What the user key registration has beside the other two: the account pop-up.
 
 #include <cstdlib>
 #include <filesystem>
@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include "ViewController/Main/User/RegistrationUserKeyViewController.h"
-#include "ViewController/Main/User/UserViewController.h"
 #include "app/AppFixture.h"
 
 namespace vantro::tests {
@@ -87,23 +86,6 @@ TEST_F(UserRegistration, ATokenMayBelongToSeveralAccounts)
                                                  .masterKeySetting = {.masterKeys = {12345}},
                                                  .adminSetting = {.adminKeys = {12345}}}));
     EXPECT_TRUE(isDismissed(dialog));
-}
-
-TEST_F(UserRegistration, SortsTheListByAccountAndSerial)
-{
-    // Code points decide, not the letters, and "é" is sorted as one however it is written.
-    const std::string decomposed = "e\u0301";
-    store({.users = {{"tester", {9}}, {decomposed, {1000, 999}}, {"tester", {5}}, {"f"}, {"Zed", {7}}}});
-    plugIn(5);
-    const auto dialog = open();
-    EXPECT_TRUE(dialog->OKButton->isEnabled()) << "only the first entry of an account counts";
-    QTest::mouseClick(dialog->OKButton, Qt::LeftButton);
-    const auto& rows = page<UserViewController>("UserKey").userKeyModels.get();
-    std::vector<std::string> texts;
-    for (const UserKeyModel& row : rows)
-        texts.push_back(row.account() + " " + row.serial());
-    EXPECT_THAT(texts,
-                ElementsAre("Zed 7", "tester 5", "tester 5", "tester 9", decomposed + " 999", decomposed + " 1000"));
 }
 
 } // namespace
