@@ -137,13 +137,17 @@ struct User
     const char* scroll;
 };
 
-class LanguageOfUser : public AppFixture, public testing::WithParamInterface<User>
+class LanguageOfUser : public testing::TestWithParam<User>
 {
 };
 
 TEST_P(LanguageOfUser, IsThatOfTheToolAndOfTheToolkitsOwnTexts)
 {
+    int count = 1;
+    char name[] = "vantro-standalone";
+    char* arguments[] = {name, nullptr};
     QLocale::setDefault(QLocale(QLatin1String(GetParam().locale)));
+    const QApplication application(count, arguments);
     installStringTables(QStringLiteral(":/strings"));
     EXPECT_EQ(localizedString("LoginAuthAlertView", "quit_button"), QString::fromUtf8(GetParam().quit));
 
