@@ -16,9 +16,10 @@ An administrator decides with it which tokens open which local accounts, which
 are master keys that open every account, which guard the tool itself, and
 whether a token is mandatory.
 .
-The package holds the desktop tool and its privileged service, which the system
-bus starts on demand for administrators (members of the group sudo). The PAM
-module that takes part in signing in is not part of it.")
+The package holds the desktop tool, its privileged service, which the system
+bus starts on demand, and the PAM module. Installing it changes nothing about
+signing in: the module takes part once an administrator has enabled its profile
+with pam-auth-update and has switched the demand on.")
 
 # What the programs link is found out; what they load (windows without X), and what the maintainer scripts call, is named.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -38,4 +39,4 @@ add_custom_target(debian_package
     COMMAND ${CMAKE_CPACK_COMMAND} --config ${CMAKE_BINARY_DIR}/CPackConfig.cmake
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR}
     USES_TERMINAL VERBATIM)
-add_dependencies(debian_package vantro-standalone vantro-standalone-service compressed_documents)
+add_dependencies(debian_package vantro-standalone vantro-standalone-service pam_vantro_standalone pam_texts compressed_documents)

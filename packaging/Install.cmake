@@ -24,8 +24,9 @@ foreach(script IN ITEMS debian/postinst debian/prerm debian/postrm vantro-standa
     configure_file(${script}.in ${made}/${script} @ONLY)
 endforeach()
 
-set(manual_pages man/vantro-standalone.1 man/vantro-standalone-service.8 man/vantro-standalone-rescue.8)
-foreach(text IN ITEMS ${manual_pages} debian/changelog)
+set(manual_pages vantro-standalone.1 vantro-standalone-service.8 vantro-standalone-rescue.8 pam_vantro_standalone.8)
+list(TRANSFORM manual_pages PREPEND man/)
+foreach(text IN LISTS manual_pages ITEMS debian/changelog)
     get_filename_component(packed ${made}/${text}.gz NAME)
     # Without name and time, so that the same text is packed in the same way each time.
     add_custom_command(OUTPUT ${made}/${packed}
@@ -38,6 +39,9 @@ add_custom_target(compressed_documents ALL DEPENDS ${compressed})
 install(TARGETS vantro-standalone RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS vantro-standalone-service RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR})
 install(FILES ${made}/Info.plist pam-service DESTINATION ${CMAKE_INSTALL_DATADIR}/vantro-standalone)
+# The folder by the name under which Debian's own modules lie there, since dpkg counts by name who still has a folder.
+install(TARGETS pam_vantro_standalone LIBRARY DESTINATION /lib/${CMAKE_LIBRARY_ARCHITECTURE}/security)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/share/locale DESTINATION ${CMAKE_INSTALL_DATADIR})
 install(PROGRAMS ${made}/vantro-standalone-rescue DESTINATION ${CMAKE_INSTALL_SBINDIR})
 install(FILES pam-auth-update-profile DESTINATION ${CMAKE_INSTALL_DATADIR}/pam-configs RENAME vantro-standalone)
 install(FILES ${name}.conf DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/system.d)
@@ -55,6 +59,6 @@ foreach(size IN ITEMS 16 48 128)
 endforeach()
 install(FILES ${made}/vantro-standalone.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${made}/vantro-standalone-service.8.gz ${made}/vantro-standalone-rescue.8.gz
-    DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+    ${made}/pam_vantro_standalone.8.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
 install(FILES debian/copyright ${made}/changelog.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vantro-standalone)
 install(FILES debian/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME vantro-standalone)
