@@ -1,13 +1,18 @@
 // Every language says all that English says, in its own way of writing.
 
 #include <algorithm>
+#include <map>
 #include <set>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <QApplication>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 #include <QFont>
 #include <QLocale>
 #include <QRegularExpression>
@@ -15,9 +20,9 @@
 #include <QScrollBar>
 #include <QTranslator>
 #include <gtest/gtest.h>
+#include <pugixml.hpp>
 
 #include "app/AppFixture.h"
-#include "app/StringTableFile.h"
 #include "appkit/StringTable.h"
 
 namespace vantro::tests {
@@ -35,6 +40,43 @@ const QString english = QStringLiteral("en");
 std::vector<Language> languages()
 {
     return {{english, 2}, {QStringLiteral("de"), 2}, {QStringLiteral("ja"), 1}};
+}
+
+/// A text as its string table's source has it.
+struct TableText
+{
+    /// One, or one for each plural form where the text counts things.
+    QStringList forms;
+    bool counts = false;
+    bool isFinished = true;
+};
+
+/// Table and key of each text.
+using TableTexts = std::map<std::pair<QString, QString>, TableText>;
+
+/// The texts of all string tables of a language.
+TableTexts tableTexts(const QString& language)
+{
+    TableTexts texts;
+    pugi::xml_document file;
+    const std::string path = APP_RESOURCES "/strings/vantro_" + language.toStdString() + ".ts";
+    EXPECT_TRUE(file.load_file(path.c_str(), pugi::parse_default | pugi::parse_ws_pcdata)) << path;
+    for (const auto& context : file.child("TS").children("context")) {
+        for (const auto& message : context.children("message")) {
+            const auto translation = message.child("translation");
+            TableText text{{},
+                           message.attribute("numerus").value() == std::string_view("yes"),
+                           translation.attribute("type").empty()};
+            if (text.counts)
+                for (const auto& form : translation.children("numerusform"))
+                    text.forms += form.child_value();
+            else
+                text.forms += translation.child_value();
+            const std::pair place(context.child_value("name"), message.child_value("source"));
+            EXPECT_TRUE(texts.emplace(place, text).second) << "twice: " << place.first << ' ' << place.second;
+        }
+    }
+    return texts;
 }
 
 std::set<QString> matches(const QString& text, const char* pattern)
@@ -127,6 +169,21 @@ TEST(Languages, AreAllKnownHere)
     std::sort(known.begin(), known.end());
     std::sort(there.begin(), there.end());
     EXPECT_EQ(there, known);
+}
+
+TEST(StringTables, HaveEveryKeyOfEveryFormOfOneScreen)
+{
+    const TableTexts texts = tableTexts(QStringLiteral("en"));
+    int forms = 0;
+    for (QDirIterator form(QStringLiteral(APP_RESOURCES), {QStringLiteral("*.ui")}); form.hasNext(); ++forms) {
+        const QFileInfo information(form.next());
+        pugi::xml_document file;
+        ASSERT_TRUE(file.load_file(information.filePath().toUtf8().constData()));
+        for (const auto& node : file.select_nodes("//string[not(@notr)]/text()"))
+            EXPECT_TRUE(texts.contains({information.baseName(), node.node().value()}))
+                << information.baseName().toStdString() << " lacks " << node.node().value();
+    }
+    EXPECT_GE(forms, 8);
 }
 
 struct User

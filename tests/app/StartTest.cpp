@@ -28,13 +28,11 @@ class Start : public AppFixture
     std::vector<std::string> startRecords()
     {
         dataSet();
-        const auto isUserList = [](const std::string& record) { return record.ends_with("the user list."); };
+        std::vector<std::string> records;
         EXPECT_TRUE(spinUntil([&] {
-            const auto all = log("AppDataSet");
-            return std::count_if(all.begin(), all.end(), isUserList) == 2;
+            records = log("AppDataSet");
+            return std::erase_if(records, [](const auto& record) { return record.ends_with("the user list."); }) == 2;
         }));
-        auto records = log("AppDataSet");
-        std::erase_if(records, isUserList);
         return records;
     }
     [[nodiscard]] mode_t mode() const { return modeOf(prefix.settingsDocument()); }
