@@ -34,13 +34,6 @@ class RealTokens : public ServiceFixture
         EXPECT_EQ(dataSet().connectedYubiKeySerial(), serial);
         return isReached;
     }
-    /// Has the service write the record of a token that is gone again afterwards.
-    void writeRecord(std::uint32_t serial)
-    {
-        VirtualToken token(bed, tokenOf(serial));
-        token.plugIn();
-        ASSERT_TRUE(client.createCRSettingFile(serial));
-    }
     static std::string toolLog() { return contentOf(LoggerManager::logFile("VantroStandalone")); }
 };
 
@@ -119,7 +112,11 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_P(Authentication, EndsAsTheTokenAnswers)
 {
     const SignIn& signIn = GetParam();
-    writeRecord(adminKey);
+    {
+        VirtualToken registered(bed, tokenOf(adminKey));
+        registered.plugIn();
+        ASSERT_TRUE(client.createCRSettingFile(adminKey));
+    }
     dataSet().vantroStandaloneSetting.adminSetting.adminKeys = {5, adminKey};
     VirtualToken token(bed, signIn.token);
     token.plugIn();

@@ -27,16 +27,14 @@ PamUpdateResults results(const std::array<bool, 3>& files)
 
 TEST(PamUpdateResults, CountTheThirdFromAVersionOn)
 {
-    const auto successes = [](OperatingSystemVersion system) {
-        ProcessInfo::setOperatingSystemVersion(system);
-        std::vector<std::string> found;
-        for (const char* const files : {"000", "001", "010", "011", "100", "101", "110", "111"})
-            if (results({files[0] == '1', files[1] == '1', files[2] == '1'}).isSuccess())
-                found.emplace_back(files);
-        return found;
-    };
-    EXPECT_THAT(successes({14, 0, 0}), ElementsAre("111"));
-    EXPECT_THAT(successes({13, 6, 9}), ElementsAre("110", "111"));
+    for (const auto& [version, counts] :
+         {std::pair(OperatingSystemVersion{13, 6, 9}, false), {OperatingSystemVersion{14, 0, 0}, true}}) {
+        ProcessInfo::setOperatingSystemVersion(version);
+        EXPECT_TRUE(results({true, true, true}).isSuccess());
+        EXPECT_EQ(results({true, true, false}).isSuccess(), !counts);
+        EXPECT_FALSE(results({true, false, true}).isSuccess());
+        EXPECT_FALSE(results({false, true, true}).isSuccess());
+    }
 }
 
 class SettingTab : public AppFixture
