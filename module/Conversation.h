@@ -22,7 +22,7 @@ class Conversation
 {
   public:
     /// `flags` are those that libpam gives the module's entry points.
-    Conversation(pam_handle_t* pam, int flags) : pam_(pam), isSilent_((flags & PAM_SILENT) != 0) {}
+    Conversation(pam_handle_t* pam, unsigned int flags) : pam_(pam), isSilent_((flags & PAM_SILENT) != 0) {}
 
     /// What somebody is to do now; false when the program ended the conversation.
     [[nodiscard]] bool inform(Text text) const;

@@ -81,7 +81,7 @@ int authenticate(pam_handle_t* pam, int flags, const Arguments& arguments)
         return result == PAM_CONV_AGAIN ? PAM_INCOMPLETE : result;
     if (account == nullptr || *account == '\0')
         return PAM_USER_UNKNOWN;
-    const Conversation conversation(pam, flags);
+    const Conversation conversation(pam, static_cast<unsigned int>(flags));
     if (isRemote(pam)) {
         pam_syslog(pam, LOG_NOTICE, "%s signs in from another machine, where no token can be checked.", account);
         if (arguments.remote == Arguments::Remote::Ignore)

@@ -18,9 +18,12 @@ using testing::IsEmpty;
 
 constexpr std::uint64_t adminKey = 11;
 
-TEST_F(AppFixture, ASilentServiceEndsTheCheckAtItsLimitAndAnErrorAtOnce)
+TEST_F(AppFixture, ACheckIsOfAnAdministratorKeyAndEndsAtItsLimitOrWithAnErrorAtOnce)
 {
     store({.adminSetting = {.adminKeys = {adminKey}}});
+    plugIn(22);
+    EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::NotAdminYubiKey) << "though the service confirms it";
+    unplug();
     plugIn(adminKey);
     LoginAuthentication::validationLimit = 100ms;
     service->script("Validate", {{ScriptedService::Silence{}}});
