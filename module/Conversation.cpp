@@ -1,6 +1,6 @@
 #include "Conversation.h"
 
-#include <cstddef>
+#include <cstddef> // IWYU pragma: keep (the NULL of a macro of libintl.h)
 #include <libintl.h>
 #include <security/pam_ext.h>
 

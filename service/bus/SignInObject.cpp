@@ -5,10 +5,7 @@
 #include <exception>
 #include <utility>
 
-#include <unistd.h>
-
 #include "VantroStandaloneNames.h"
-#include "foundation/Identity.h"
 
 namespace vantro::service {
 namespace {

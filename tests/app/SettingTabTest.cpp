@@ -12,7 +12,6 @@
 namespace vantro::tests {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr auto sourceFile = "ViewController/Main/Setting/SettingViewController";

@@ -4,7 +4,6 @@
 #include <future>
 #include <libintl.h>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -65,7 +64,7 @@ class ModuleTest : public ServiceFixture
     }
 
     /// Registers keys for root as the tool does, with their records, and demands a token.
-    void demand(std::vector<VirtualToken*> tokens)
+    void demand(const std::vector<VirtualToken*>& tokens)
     {
         VantroStandaloneSetting setting;
         setting.switchSetting.secureMode = true;

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <iostream>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -59,8 +60,9 @@ PrivateBus::~PrivateBus()
 {
     try {
         endService(SIGTERM);
-    } catch (const std::exception&) {
+    } catch (const std::exception& exception) {
         // It loses its bus then, and ends by that.
+        std::cerr << "The service could not be ended: " << exception.what() << '\n';
     }
 }
 
