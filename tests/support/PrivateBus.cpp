@@ -31,7 +31,10 @@ std::string rulesFor(PrivateBus::Policy policy)
     const std::string user = std::to_string(::geteuid());
     const std::string own = "<allow own=\"" + std::string(label) + "\"/>";
     const std::string send = "<allow send_destination=\"" + std::string(label) + "\"/>";
-    std::string further = "<policy user=\"" + user + "\">" + own + send + "</policy>";
+    // For a stand-in.
+    const std::string logind = "<allow own=\"org.freedesktop.login1\"/>"
+                               "<allow send_destination=\"org.freedesktop.login1\"/>";
+    std::string further = "<policy user=\"" + user + "\">" + own + send + logind + "</policy>";
     if (policy == PrivateBus::Policy::Open)
         further += "<policy context=\"mandatory\">" + send + "</policy>";
     return "<type>system</type><servicedir>{}/services</servicedir>"
