@@ -28,8 +28,9 @@ struct NamedFolder
     std::string_view name;
 };
 
-constexpr std::array<NamedFolder, 4> namedFolders{{{bundle_key::settingsFolder, "settings"},
+constexpr std::array<NamedFolder, 5> namedFolders{{{bundle_key::settingsFolder, "settings"},
                                                    {bundle_key::challengeResponseFolder, "challenge-response"},
+                                                   {bundle_key::signedInFolder, "signed-in"},
                                                    {bundle_key::pamServicesFolder, "pam.d"},
                                                    {bundle_key::pamModulesFolder, "security"}}};
 

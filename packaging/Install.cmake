@@ -5,6 +5,7 @@ set(made ${CMAKE_CURRENT_BINARY_DIR}/installed)
 
 set(VANTRO_SETTINGS_FOLDER /var/lib/vantro-standalone/settings)
 set(VANTRO_RECORDS_FOLDER /var/lib/vantro-standalone/challenge-response)
+set(VANTRO_SIGNED_IN_FOLDER /run/vantro-standalone)
 set(VANTRO_PAM_SERVICES_FOLDER /etc/pam.d)
 set(VANTRO_PAM_MODULES_FOLDER ${VANTRO_LIBPAM_MODULES_FOLDER})
 configure_file(Info.plist.in ${made}/Info.plist @ONLY)

@@ -12,12 +12,15 @@
 #include "LoggerManager/LoggerManager.h"
 #include "VantroStandaloneSetting/SettingFile.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+#include "bus/Sessions.h"
 #include "bus/SignInObject.h"
 #include "bus/StandaloneObject.h"
 #include "foundation/Bundle.h"
 #include "foundation/FileDescriptor.h"
 #include "foundation/WakeEvent.h"
 #include "pam/PamStore.h"
+#include "signin/AcceptedTokens.h"
+#include "signin/ScreenLock.h"
 #include "tokens/ChallengeResponse.h"
 #include "tokens/RecordStore.h"
 #include "tokens/RegisteredKeys.h"
@@ -70,10 +73,12 @@ int run(const Logger& logger)
     const Bundle& bundle = Bundle::main();
     const std::filesystem::path records = bundle.string(bundle_key::challengeResponseFolder);
     const std::filesystem::path settings = bundle.string(bundle_key::settingsFolder);
+    const std::filesystem::path signedIn = bundle.string(bundle_key::signedInFolder);
     const PamStore::Folders pamFolders = {bundle.string(bundle_key::pamServicesFolder),
                                           bundle.string(bundle_key::pamModulesFolder),
                                           records.parent_path() / pamBackupFolder};
-    if (records.empty() || settings.empty() || pamFolders.services.empty() || pamFolders.modules.empty()) {
+    if (records.empty() || settings.empty() || signedIn.empty() || pamFolders.services.empty() ||
+        pamFolders.modules.empty()) {
         logger.error("The information dictionary below " + bundle.resourceFolder().string() +
                          " can't be read or does not name the folders.",
                      function);
@@ -89,7 +94,11 @@ int run(const Logger& logger)
         PamStore pamStore(pamFolders, registeredKeys, logger);
         recordStore.removeUnfinished();
         pamStore.removeUnfinished();
-        SignIn signIn(registry, challengeResponse, registeredKeys, logger);
+        Sessions sessions(logger);
+        ScreenLock screenLock(
+            registry, registeredKeys, AcceptedTokens(signedIn, logger),
+            [&sessions](uid_t user) { sessions.lock(user); }, logger);
+        SignIn signIn(registry, challengeResponse, registeredKeys, screenLock, logger);
         const StandaloneObject object(*connection, challengeResponse, pamStore, logger);
         const SignInObject signInObject(*connection, signIn, logger);
         connection->requestName(label);

@@ -21,3 +21,9 @@ stop_service() {
     # Where the bus has started it by itself.
     start-stop-daemon --stop --quiet --oknodo --retry 10 --exec $service || true
 }
+
+# Where somebody is signed in with a token, the service watches it.
+start_watching_service() {
+    has_systemd && [ -n "$(ls -A /run/vantro-standalone 2>/dev/null)" ] || return 0
+    deb-systemd-invoke start $unit || true
+}

@@ -31,9 +31,9 @@ bool isUnreadable(const RequestFailure& failure)
 } // namespace
 
 SignIn::SignIn(TokenRegistry& registry, ChallengeResponse& challengeResponse, const RegisteredKeys& keys,
-               const Logger& logger)
+               ScreenLock& screenLock, const Logger& logger)
     : registry_(registry), tokens_(registry), challengeResponse_(challengeResponse), keys_(keys),
-      logger_(logger.inFile("SignIn"))
+      screenLock_(screenLock), logger_(logger.inFile("SignIn"))
 {
 }
 
@@ -44,7 +44,8 @@ void SignIn::authenticate(const std::string& account, Limit::Clock::duration wai
         logger_.info(account + ": " + std::string(wordOf(outcome)) + ".", function);
         reply(outcome);
     };
-    if (!userId(account))
+    const auto user = userId(account);
+    if (!user)
         return end(Outcome::UnknownAccount);
     const auto openers = keys_.openersOf(account);
     if (!openers) {
@@ -60,8 +61,11 @@ void SignIn::authenticate(const std::string& account, Limit::Clock::duration wai
     const Limit waiting = limit.within(wait);
     bool isAsked = false;
     while (true) {
-        const auto seen = registry_.lastNumber();
-        const auto look = askTokens(**openers, limit, ask, end);
+        const auto seen = registry_.changes();
+        const auto look = askTokens(**openers, limit, ask, [&](std::uint64_t serial, TokenNumber token) {
+            screenLock_.remember(*user, serial, token);
+            end(Outcome::Accepted);
+        });
         if (look.hasAccepted)
             return;
         if (look.hasRefused || look.hasUnreadable)
@@ -70,12 +74,12 @@ void SignIn::authenticate(const std::string& account, Limit::Clock::duration wai
             return end(Outcome::NoToken);
         if (!std::exchange(isAsked, true))
             ask(Wanted::PlugIn);
-        registry_.waitForAnother(seen, look.hasSilent ? waiting.within(silentPause) : waiting);
+        registry_.waitForChange(seen, look.hasSilent ? waiting.within(silentPause) : waiting);
     }
 }
 
 SignIn::Look SignIn::askTokens(const std::vector<std::uint64_t>& openers, const Limit& limit, const Ask& ask,
-                               const Reply& reply)
+                               const Accept& accept)
 {
     Look look;
     for (const auto number : registry_.newestFirst()) {
@@ -89,10 +93,10 @@ SignIn::Look SignIn::askTokens(const std::vector<std::uint64_t>& openers, const 
         std::optional<RequestFailure> failure;
         challengeResponse_.validate(
             *serial, limit, [&ask] { ask(Wanted::Touch); },
-            [&failure, &reply](const std::optional<RequestFailure>& result) {
+            [&](const std::optional<RequestFailure>& result) {
                 failure = result;
                 if (!result)
-                    reply(Outcome::Accepted);
+                    accept(*serial, number);
             });
         if (!failure) {
             look.hasAccepted = true;

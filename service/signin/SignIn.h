@@ -1,11 +1,14 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Limit.h"
 #include "LoggerManager/Logger.h"
+#include "signin/ScreenLock.h"
 #include "tokens/ChallengeResponse.h"
 #include "tokens/RegisteredKeys.h"
 #include "tokens/TokenAccess.h"
@@ -41,7 +44,7 @@ class SignIn
 
     /// What it is given must outlive this.
     SignIn(TokenRegistry& registry, ChallengeResponse& challengeResponse, const RegisteredKeys& keys,
-           const Logger& logger);
+           ScreenLock& screenLock, const Logger& logger);
 
     /// Asks the tokens of the account and the master keys, the newest first, until one passes its record; where none is
     /// plugged in, waits for one for `wait`, and all in all no longer than the limit.
@@ -49,6 +52,9 @@ class SignIn
                       const Reply& reply);
 
   private:
+    using TokenNumber = TokenRegistry::TokenNumber;
+    using Accept = std::function<void(std::uint64_t serial, TokenNumber token)>;
+
     /// What came of the tokens that are plugged in.
     struct Look
     {
@@ -59,12 +65,13 @@ class SignIn
         bool hasSilent = false;
     };
     [[nodiscard]] Look askTokens(const std::vector<std::uint64_t>& openers, const Limit& limit, const Ask& ask,
-                                 const Reply& reply);
+                                 const Accept& accept);
 
     TokenRegistry& registry_;
     TokenAccess tokens_;
     ChallengeResponse& challengeResponse_;
     const RegisteredKeys& keys_;
+    ScreenLock& screenLock_;
     const Logger logger_;
 };
 

@@ -60,6 +60,14 @@ RegisteredKeys::openersOf(const std::string& account) const
     return std::optional(std::move(serials));
 }
 
+Outcome<bool, FileFailure> RegisteredKeys::locksScreens() const
+{
+    const auto setting = read();
+    if (!setting)
+        return setting.failure();
+    return setting->switchSetting.screenLock;
+}
+
 Outcome<bool, FileFailure> RegisteredKeys::opensAnAccount() const
 {
     const auto setting = read();

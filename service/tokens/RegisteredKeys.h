@@ -35,6 +35,9 @@ class RegisteredKeys
     [[nodiscard]] Outcome<std::optional<std::vector<std::uint64_t>>, FileFailure>
     openersOf(const std::string& account) const;
 
+    /// Whether pulling out the token that opened an account locks its screen. Fails like isNamed().
+    [[nodiscard]] Outcome<bool, FileFailure> locksScreens() const;
+
     /// Whether some user or master key has a record, so that there is a token that opens an account. Fails like
     /// isNamed().
     [[nodiscard]] Outcome<bool, FileFailure> opensAnAccount() const;

@@ -71,16 +71,16 @@ std::vector<TokenRegistry::TokenNumber> TokenRegistry::newestFirst()
     return numbers;
 }
 
-TokenRegistry::TokenNumber TokenRegistry::lastNumber() const
+std::uint64_t TokenRegistry::changes() const
 {
     const std::lock_guard lock(mutex_);
-    return lastNumber_;
+    return changes_;
 }
 
-void TokenRegistry::waitForAnother(TokenNumber last, const Limit& limit)
+void TokenRegistry::waitForChange(std::uint64_t seen, const Limit& limit)
 {
     std::unique_lock lock(mutex_);
-    changed_.wait_until(lock, limit.stop, limit.deadline, [this, last] { return lastNumber_ > last; });
+    changed_.wait_until(lock, limit.stop, limit.deadline, [this, seen] { return changes_ != seen; });
 }
 
 Outcome<TokenLease, TokenFailure> TokenRegistry::acquire(TokenNumber number, const Limit& limit)
@@ -157,6 +157,7 @@ void TokenRegistry::came(const HidInterface& interface)
     if (known == tokens_.end()) {
         const auto token = std::make_shared<Token>();
         token->number = ++lastNumber_;
+        ++changes_;
         token->usbDevicePath = interface.usbDevicePath;
         known = tokens_.insert(tokens_.end(), token);
     }
@@ -178,6 +179,7 @@ void TokenRegistry::went(const HidInterface& interface)
             token.keyboard.reset();
         if (token.interfaces.empty()) {
             token.isGone = true;
+            ++changes_;
             tokens_.erase(known);
         }
         changed_.notify_all();

@@ -36,11 +36,11 @@ class TokenRegistry
     /// account: somebody who has seen a token come may ask for it.
     [[nodiscard]] std::vector<TokenNumber> newestFirst();
 
-    /// The number of the token that came last, whether it is still there or not; 0 before the first.
-    [[nodiscard]] TokenNumber lastNumber() const;
+    /// Grows whenever a token comes or goes.
+    [[nodiscard]] std::uint64_t changes() const;
 
-    /// Waits until a token has come after the one with the number `last`, no longer than the limit.
-    void waitForAnother(TokenNumber last, const Limit& limit);
+    /// Waits until a token has come or gone since changes() answered `seen`, no longer than the limit.
+    void waitForChange(std::uint64_t seen, const Limit& limit);
 
     /// Takes a token for one or more exchanges: waits until its keyboard interface is there and nobody else has it.
     [[nodiscard]] Outcome<TokenLease, TokenFailure> acquire(TokenNumber number, const Limit& limit);
@@ -75,6 +75,7 @@ class TokenRegistry
     std::condition_variable_any changed_;
     std::vector<std::shared_ptr<Token>> tokens_;
     TokenNumber lastNumber_ = 0;
+    std::uint64_t changes_ = 0;
     std::jthread thread_;
 };
 

@@ -11,7 +11,7 @@ TEST(Bundle, ReadsTheDictionaryOfTheBuildTree)
 {
     const Bundle bundle(VANTRO_BUILD_PREFIX);
     EXPECT_EQ(bundle.string(bundle_key::shortVersion), VANTRO_VERSION);
-    for (const auto key : {bundle_key::settingsFolder, bundle_key::challengeResponseFolder,
+    for (const auto key : {bundle_key::settingsFolder, bundle_key::challengeResponseFolder, bundle_key::signedInFolder,
                            bundle_key::pamServicesFolder, bundle_key::pamModulesFolder})
         EXPECT_TRUE(std::filesystem::path(bundle.string(key)).is_absolute()) << key;
     EXPECT_EQ(bundle.string("NoSuchKey"), "");

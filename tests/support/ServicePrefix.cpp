@@ -30,6 +30,7 @@ ServicePrefix::ServicePrefix()
                                             entry("CFBundleShortVersionString", "1.2.3") +
                                             entry("VantroSettingsFolder", settings().string()) +
                                             entry("VantroChallengeResponseFolder", records().string()) +
+                                            entry("VantroSignedInFolder", signedIn().string()) +
                                             entry("VantroPAMServicesFolder", pamServices().string()) +
                                             entry("VantroPAMModulesFolder", pamModules().string()) + "</dict></plist>");
 }

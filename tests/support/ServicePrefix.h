@@ -18,6 +18,8 @@ class ServicePrefix
     [[nodiscard]] std::filesystem::path program() const { return path() / "libexec" / "vantro-standalone-service"; }
     [[nodiscard]] std::filesystem::path settings() const { return path() / "state" / "settings"; }
     [[nodiscard]] std::filesystem::path records() const { return path() / "state" / "challenge-response"; }
+    /// Made by the service.
+    [[nodiscard]] std::filesystem::path signedIn() const { return path() / "state" / "signed-in"; }
     [[nodiscard]] std::filesystem::path pamServices() const { return path() / "pam.d"; }
     [[nodiscard]] std::filesystem::path pamModules() const { return path() / "security"; }
 

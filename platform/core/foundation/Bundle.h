@@ -36,11 +36,12 @@ class Bundle
     std::map<std::string, std::string, std::less<>> entries_;
 };
 
-/// The keys of the information dictionary: the program's version, and the absolute paths of four folders.
+/// The keys of the information dictionary: the program's version, and the absolute paths of five folders.
 namespace bundle_key {
 inline constexpr std::string_view shortVersion = "CFBundleShortVersionString";
 inline constexpr std::string_view settingsFolder = "VantroSettingsFolder";
 inline constexpr std::string_view challengeResponseFolder = "VantroChallengeResponseFolder";
+inline constexpr std::string_view signedInFolder = "VantroSignedInFolder";
 inline constexpr std::string_view pamServicesFolder = "VantroPAMServicesFolder";
 inline constexpr std::string_view pamModulesFolder = "VantroPAMModulesFolder";
 } // namespace bundle_key
