@@ -112,18 +112,23 @@ void ChallengeResponse::validate(std::uint64_t serial, const Limit& limit, const
     const auto token = tokens_.acquireWithSerial(serial, limit);
     if (!token)
         return fail(failureOf(token.failure()));
-    // Whoever had the token before may have renewed it.
-    const auto record = records_.read(serial);
-    if (!record)
-        return fail(recordFailure(record.failure()));
-    const auto answer = prove(
-        *record, *token, limit, onTouchWanted,
-        {failure_reason::wrongResponse, "Its response is not the one of the record; the slot was programmed anew."});
-    if (!answer)
-        return fail(answer.failure());
-    logger_.info("Token validated." + forSerial(serial), "validate(_:)");
-    reply({});
-    renewAfter(*answer, *record, *token, limit);
+    // The record may be renewed meanwhile, when the token was pulled out and in again behind an earlier validation.
+    for (const bool isLast : {false, true}) {
+        // Whoever had the token before may have renewed it as well.
+        const auto record = records_.read(serial);
+        if (!record)
+            return fail(recordFailure(record.failure()));
+        const auto answer = prove(*record, *token, limit, onTouchWanted,
+                                  {failure_reason::wrongResponse,
+                                   "Its response is not the one of the record; the slot was programmed anew."});
+        if (!answer && answer.failure().reason == failure_reason::noRecord && !isLast)
+            continue;
+        if (!answer)
+            return fail(answer.failure());
+        logger_.info("Token validated." + forSerial(serial), "validate(_:)");
+        reply({});
+        return renewAfter(*answer, *record, *token, limit);
+    }
 }
 
 bool ChallengeResponse::isRegistered(std::uint64_t serial) const

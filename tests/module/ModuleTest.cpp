@@ -63,10 +63,14 @@ TEST_F(ModuleTest, AsksForATouch)
     profile.otp.slots[1].needsTouch = true;
     VirtualToken token(bed, profile);
     token.plugIn();
-    auto record = std::async(std::launch::async, [&] { return client.createCRSettingFile(11); });
-    ASSERT_TRUE(waitUntil([&] { return token.isWaitingForTouch(); }));
-    token.touch();
-    ASSERT_TRUE(record.get());
+    std::string records[2];
+    for (auto& record : records) {
+        auto creation = std::async(std::launch::async, [&] { return client.createCRSettingFile(11); });
+        ASSERT_TRUE(waitUntil([&] { return token.isWaitingForTouch(); }));
+        token.touch();
+        ASSERT_TRUE(creation.get());
+        record = contentOf(recordOf(11));
+    }
     VantroStandaloneSetting setting;
     setting.switchSetting.secureMode = true;
     setting.masterKeySetting.masterKeys.emplace_back(11);
@@ -75,6 +79,13 @@ TEST_F(ModuleTest, AsksForATouch)
     const auto touched = signIn("wait=0", "root", [&](const std::string&) { token.touch(); });
     EXPECT_EQ(touched.code, PAM_SUCCESS);
     EXPECT_THAT(touched.said, ElementsAre(touch));
+
+    const auto changed = signIn("wait=0", "root", [&](const std::string&) {
+        writeFile(recordOf(11), records[0], 0600);
+        token.touch();
+    });
+    EXPECT_EQ(changed.code, PAM_SUCCESS);
+    EXPECT_THAT(changed.said, ElementsAre(touch, touch)) << "what answers a record of before does not count";
 }
 
 TEST_F(ModuleTest, WhatCanNotBeCheckedIsNotLetIn)
