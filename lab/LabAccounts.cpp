@@ -1,7 +1,9 @@
 #include "LabAccounts.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <fstream>
+#include <memory>
 #include <set>
 #include <stdexcept>
 
@@ -66,6 +68,21 @@ void writeAccountList(const std::filesystem::path& folder)
     if (!users.flush() || !groups.flush()) {
         throw std::runtime_error("the account list in " + folder.string() + " can't be written");
     }
+}
+
+std::optional<uid_t> userIdIn(const std::filesystem::path& folder, const std::string& account)
+{
+    const std::unique_ptr<FILE, int (*)(FILE*)> users(std::fopen((folder / "passwd").c_str(), "re"), &std::fclose);
+    while (users) {
+        const passwd* const entry = ::fgetpwent(users.get());
+        if (entry == nullptr) {
+            break;
+        }
+        if (account == entry->pw_name) {
+            return entry->pw_uid;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace vantro::lab

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include <sys/types.h>
 
 namespace vantro::lab {
 
@@ -19,5 +22,8 @@ struct LabAccount
 /// the lab's own people with user ids of the range for people and home folders below `folder`. The machine's own
 /// accounts are never touched. Throws std::runtime_error when there is no place for them.
 void writeAccountList(const std::filesystem::path& folder);
+
+/// The user id that the list in `folder` has for the account; nothing for one that it does not have.
+[[nodiscard]] std::optional<uid_t> userIdIn(const std::filesystem::path& folder, const std::string& account);
 
 } // namespace vantro::lab

@@ -14,6 +14,7 @@ namespace vantro::lab {
 namespace {
 
 constexpr int busPatienceMilliseconds = 10000;
+constexpr const char* busVariable = "DBUS_SYSTEM_BUS_ADDRESS";
 
 QString text(const std::filesystem::path& path)
 {
@@ -64,7 +65,7 @@ QProcessEnvironment LabPrograms::environment() const
     for (const auto& [name, value] : state_.environment()) {
         environment.insert(QString::fromStdString(name), QString::fromStdString(value));
     }
-    environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), busAddress());
+    environment.insert(QLatin1String(busVariable), busAddress());
     return environment;
 }
 
@@ -104,6 +105,8 @@ void LabPrograms::writeBusConfiguration() const
         << "  <policy user=\"" << ::getuid() << "\">\n"
         << "    <allow own=\"com.vantro.Standalone1\"/>\n"
            "    <allow send_destination=\"com.vantro.Standalone1\"/>\n"
+           "    <allow own=\"org.freedesktop.login1\"/>\n"
+           "    <allow send_destination=\"org.freedesktop.login1\"/>\n"
            "  </policy>\n"
            "</busconfig>\n";
 }
@@ -119,7 +122,10 @@ void LabPrograms::startBus()
     // It prints its address once it listens.
     if (!bus_.waitForReadyRead(busPatienceMilliseconds)) {
         busFailure_ = bus_.errorString();
+        return;
     }
+    qputenv(busVariable, busAddress().toLocal8Bit());
+    Q_EMIT busStarted();
 }
 
 void LabPrograms::startTool()

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QTemporaryDir>
 
@@ -34,14 +35,18 @@ class LabPrograms : public QObject
     /// The folder of the bus's socket.
     [[nodiscard]] QString socketFolder() const { return socketFolder_.path(); }
 
+    /// What programs of the lab find in their environment.
+    [[nodiscard]] QProcessEnvironment environment() const;
+
   Q_SIGNALS:
     void changed();
+    /// The bus runs, and is the system bus of this process as well.
+    void busStarted();
 
   private:
     void startBus();
     void writeBusConfiguration() const;
     [[nodiscard]] QString busAddress() const;
-    [[nodiscard]] QProcessEnvironment environment() const;
     void onToolEnded();
 
     const LabState& state_;

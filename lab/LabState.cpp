@@ -143,20 +143,23 @@ void LabState::makeFolders() const
         fs::create_directories(folderOf(bundle_, named.key));
     }
     fs::permissions(folderOf(bundle_, bundle_key::challengeResponseFolder), fs::perms::owner_all);
+    fs::permissions(signedIn(), fs::perms::owner_all);
     fs::create_directories(toolLog().parent_path());
     fs::create_directories(folder_ / "services");
 }
 
 void LabState::makePamFolders() const
 {
-    const fs::path services = folderOf(bundle_, bundle_key::pamServicesFolder);
     for (const std::string_view service : names::pamServices) {
-        writeIfAbsent(services / service, "# Included by the services that authenticate with a token:\n#   @include " +
-                                              std::string(service) + "\n");
+        writeIfAbsent(pamServices() / service,
+                      "# Included by the services that authenticate with a token:\n#   @include " +
+                          std::string(service) + "\n");
     }
-    // The service writes a mandatory entry only for a module that libpam could load. One of libpam's own stands in.
-    fs::copy_file(LAB_STAND_IN_MODULE, folderOf(bundle_, bundle_key::pamModulesFolder) / names::pamModule,
-                  fs::copy_options::overwrite_existing);
+    // What a program has that asks for a password, once the add-on's profile is enabled. libpam looks for a name
+    // without a folder in its own alone.
+    write(pamServices() / "sign-in",
+          "auth\trequired\tpam_permit.so\nauth\tinclude\t" + (pamServices() / "authorization").string() + "\n");
+    fs::copy_file(LAB_LOGIN_MODULE, pamModules() / names::pamModule, fs::copy_options::overwrite_existing);
 }
 
 void LabState::makeDefaults() const
@@ -194,6 +197,21 @@ void LabState::removeTemporaryFolders() const
 fs::path LabState::document() const
 {
     return folderOf(bundle_, bundle_key::settingsFolder) / "VantroStandaloneSetting.xml";
+}
+
+fs::path LabState::pamServices() const
+{
+    return folderOf(bundle_, bundle_key::pamServicesFolder);
+}
+
+fs::path LabState::pamModules() const
+{
+    return folderOf(bundle_, bundle_key::pamModulesFolder);
+}
+
+fs::path LabState::signedIn() const
+{
+    return folderOf(bundle_, bundle_key::signedInFolder);
 }
 
 std::map<std::string, std::string> LabState::environment() const

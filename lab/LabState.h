@@ -37,6 +37,10 @@ class LabState
     }
 
     [[nodiscard]] std::filesystem::path document() const;
+    [[nodiscard]] std::filesystem::path pamServices() const;
+    [[nodiscard]] std::filesystem::path pamModules() const;
+    /// Where the service notes who was accepted with which token.
+    [[nodiscard]] std::filesystem::path signedIn() const;
     [[nodiscard]] std::filesystem::path toolLog() const
     {
         return folder_ / "log" / "vantro-standalone" / "VantroStandalone.log";

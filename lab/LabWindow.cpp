@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "LabAccounts.h"
+#include "SignInRow.h"
 
 namespace vantro::lab {
 
@@ -26,7 +27,8 @@ QLabel* makeText()
 
 } // namespace
 
-LabWindow::LabWindow(const LabState& state, LabPrograms& programs, std::vector<LabToken>& tokens)
+LabWindow::LabWindow(const LabState& state, LabPrograms& programs, SignInAttempt& attempt, LabScreens& screens,
+                     std::vector<LabToken>& tokens)
     : programs_(programs), status_(makeText()), startAgain_(new QPushButton(tr("&Start the tool again")))
 {
     setWindowTitle(tr("Token Lab"));
@@ -41,6 +43,7 @@ LabWindow::LabWindow(const LabState& state, LabPrograms& programs, std::vector<L
         rows_.push_back(new TokenRow(token, ++number, *grid, this));
     }
     layout->addWidget(table);
+    layout->addWidget(new SignInRow(programs, attempt, screens));
 
     QStringList people;
     for (const LabAccount& account : labAccounts()) {

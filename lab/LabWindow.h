@@ -8,20 +8,24 @@
 #include <QTimer>
 
 #include "LabPrograms.h"
+#include "LabScreens.h"
 #include "LabState.h"
 #include "LabTokens.h"
+#include "SignInAttempt.h"
 #include "TokenRow.h"
 
 namespace vantro::lab {
 
-/// The lab's window: the tokens on the table, and what the programs are doing. Closing it ends the lab.
+/// The lab's window: the tokens on the table, somebody who signs in, and what the programs are doing. Closing it ends
+/// the lab.
 class LabWindow : public QMainWindow
 {
     Q_OBJECT
 
   public:
-    /// All three must outlive the window.
-    LabWindow(const LabState& state, LabPrograms& programs, std::vector<LabToken>& tokens);
+    /// All must outlive the window.
+    LabWindow(const LabState& state, LabPrograms& programs, SignInAttempt& attempt, LabScreens& screens,
+              std::vector<LabToken>& tokens);
 
   private:
     void showPrograms();

@@ -13,9 +13,11 @@
 #include <QSocketNotifier>
 
 #include "LabPrograms.h"
+#include "LabScreens.h"
 #include "LabState.h"
 #include "LabTokens.h"
 #include "LabWindow.h"
+#include "SignInAttempt.h"
 #include "emulation/Preload.h"
 #include "emulation/TokenBed.h"
 
@@ -59,7 +61,10 @@ int run(const QString& stateFolder)
         std::vector<LabToken> tokens = makeLabTokens(bed);
         LabPrograms programs(state);
         state.noteTemporaryFolders({bed.rootFolder(), programs.socketFolder().toStdString()});
-        LabWindow window(state, programs, tokens);
+        LabScreens screens(state);
+        QObject::connect(&programs, &LabPrograms::busStarted, &screens, &LabScreens::start);
+        SignInAttempt attempt(state);
+        LabWindow window(state, programs, attempt, screens, tokens);
         window.show();
         programs.start();
         status = QApplication::exec();

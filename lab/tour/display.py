@@ -29,7 +29,7 @@ def windows(process, title=None, is_hidden_too=False):
 
 def bring_to_front(window):
     """Brings a window to the front, wherever it lies."""
-    subprocess.run(["xdotool", "windowactivate", window], check=True)
+    subprocess.run(["xdotool", "windowactivate", "--sync", window], check=True)
 
 
 def press(window, *keys):

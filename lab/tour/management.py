@@ -124,4 +124,5 @@ def without_keys(tour):
 
 
 REGISTRATIONS = [register_master, register_administrator]
-ALL = [*REGISTRATIONS, forced_logon, refused_forced_logon, delete_one, delete_master, delete_last, without_keys]
+FORCED_LOGON = [forced_logon, refused_forced_logon]
+DELETIONS = [delete_one, delete_master, delete_last, without_keys]

@@ -87,6 +87,30 @@ class RunningLab:
     def touch(self, token):
         self.lab.wait("push button", f"Touch token {token}").press()
 
+    # Somebody who signs in
+
+    def try_sign_in(self, account):
+        chosen = self.lab.wait("combo box")
+        if chosen.name != account:
+            display.press(self._lab_window(), "alt+i", account[0])
+            accessibility.wait_for(f"{account} is chosen", lambda: chosen.name == account)
+        self.lab.wait("push button", "Try").press()
+
+    def sign_in_says(self, text):
+        return text in self._lab_label("What came of it")
+
+    def screens_say(self, text):
+        return text in self._lab_label("Screens")
+
+    def bring_lab_to_front(self):
+        display.bring_to_front(self._lab_window())
+
+    def _lab_window(self):
+        return display.windows(self.lab.process)[-1]
+
+    def _lab_label(self, description):
+        return self.lab.wait("label", description=description).name
+
     # The files
 
     def log(self):

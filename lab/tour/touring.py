@@ -1,6 +1,7 @@
 """What the guided tour is made with."""
 
 import contextlib
+import gettext
 import os
 import re
 import subprocess
@@ -8,6 +9,7 @@ import xml.etree.ElementTree
 from pathlib import Path
 
 import accessibility
+import display
 from running_lab import RunningLab
 from scenes import SERIALS
 from waiting import NotSo
@@ -33,6 +35,8 @@ class Tour(RunningLab):
         self._desktop = desktop
         self._output = output
         self._words = Words(language)
+        self._module_texts = gettext.translation("pam_vantro_standalone", build / "share" / "locale", [language],
+                                                 fallback=True)
         self._shots = 0
         self.failures = 0
 
@@ -51,6 +55,13 @@ class Tour(RunningLab):
     def screenshot(self, name):
         self._shots += 1
         self._desktop.screenshot(str(self._output / f"{self._shots:02d}-{name}.png"))
+
+    def screenshot_of_lab(self, name):
+        """The same, with the lab's window before the tool's."""
+        front = self.front_window()
+        self.bring_lab_to_front()
+        self.screenshot(name)
+        display.bring_to_front(front)
 
     def run(self, scene):
         print(f"\n{scene.__doc__}", flush=True)
@@ -77,6 +88,10 @@ class Tour(RunningLab):
 
     def text(self, table, key, count=None):
         return self._words.text(table, key, count)
+
+    def module_text(self, text):
+        """What the login module says, in the language of the desktop."""
+        return self._module_texts.gettext(text)
 
     def says(self, window, table, key, count=None):
         return window.says(self.text(table, key, count))
