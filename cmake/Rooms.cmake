@@ -17,7 +17,7 @@ set(VANTRO_ROOMS_WITH_QT platform-desktop app lab tests bench)
 
 # Puts TARGET into ROOM, with the project's warnings and sanitizers. A room's headers are found from its own folder
 # (platform/core and platform/desktop each from theirs), so that an include names what owns the header:
-# "foundation/Bundle.h", "Model/LabelModel.h", "pam/PamFile.h".
+# "foundation/Bundle.h", "Model/LabelModel.h", "pam/PamStore.h".
 function(vantro_room target room)
     if(NOT DEFINED VANTRO_MAY_USE_${room})
         message(FATAL_ERROR "${target}: there is no room '${room}'")

@@ -4,14 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "pam/PamFile.h"
-#include "pam/PamStack.h"
+#include "VantroStandalonePam/PamFile.h"
+#include "VantroStandalonePam/PamStack.h"
 
 /// The input is three services, cut at record separators, that can include one another as a, b and c. A service that is
 /// nothing but an include of another is read as that one.
 void vantro::fuzz::look(std::string_view bytes)
 {
-    using namespace service;
     std::vector<PamFile> files;
     for (int count = 0; count < 3; ++count) {
         const auto end = bytes.find('\x1e');

@@ -22,8 +22,8 @@
 
 #include <security/pam_appl.h>
 
-#include "pam/PamServices.h"
-#include "pam/PamStack.h"
+#include "VantroStandalonePam/PamServices.h"
+#include "VantroStandalonePam/PamStack.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -57,7 +57,6 @@ namespace vantro::fuzz {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace service;
 using Words = std::vector<std::string>;
 using Step = PamStack::Step;
 

@@ -2,14 +2,13 @@
 
 #include <string>
 
-#include "pam/PamFile.h"
-#include "pam/PamStack.h"
+#include "VantroStandalonePam/PamFile.h"
+#include "VantroStandalonePam/PamStack.h"
 
 /// An entry that was put into a text is there once and can be taken out again. A new one stands first, out of the reach
 /// of jumps; one that takes another's place may not, which the store looks at.
 void vantro::fuzz::look(std::string_view bytes)
 {
-    using namespace service;
     const PamSetting setting{"authorization", ModuleInterface::Auth, ControlFlag::Required, "pam_vantro_standalone.so"};
     const PamFile file{std::string(bytes)};
     for (const auto& entry : file.entries())

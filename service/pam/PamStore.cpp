@@ -8,13 +8,12 @@
 
 #include "LoggerManager/DurabilityWarning.h"
 #include "VantroStandaloneNames.h"
+#include "VantroStandalonePam/PamFile.h"
+#include "VantroStandalonePam/PamStack.h"
 #include "foundation/DurableFile.h"
 #include "foundation/LastError.h"
 #include "foundation/TrustedFile.h"
-#include "pam/PamFile.h"
 #include "pam/PamModule.h"
-#include "pam/PamServices.h"
-#include "pam/PamStack.h"
 
 namespace vantro::service {
 namespace {

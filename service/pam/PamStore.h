@@ -8,6 +8,7 @@
 
 #include "LoggerManager/Logger.h"
 #include "RequestFailure.h"
+#include "VantroStandalonePam/PamServices.h"
 #include "VantroStandaloneSetting/PamSetting.h"
 #include "foundation/Outcome.h"
 #include "foundation/TrustedFile.h"
@@ -26,8 +27,7 @@ class PamStore
         std::filesystem::path modules;
         /// Where the text that was there before a change is kept, under the service's name; made when missing.
         std::filesystem::path backup;
-        /// Where libpam looks for a program's service that `services` does not have.
-        std::filesystem::path vendorServices = "/usr/lib/pam.d";
+        std::filesystem::path vendorServices = pamVendorServicesFolder;
     };
 
     /// `registeredKeys` must outlive this.

@@ -1,4 +1,4 @@
-#include "pam/PamControl.h"
+#include "VantroStandalonePam/PamControl.h"
 
 #include <algorithm>
 #include <optional>
@@ -7,7 +7,7 @@
 
 #include <security/pam_appl.h>
 
-namespace vantro::service {
+namespace vantro {
 namespace {
 
 /// The answers' names in the order of their numbers.
@@ -162,4 +162,4 @@ PamActions pamActionsOf(std::string_view control)
     return ControlReader(control).read().value_or(uniformPamActions(pam_action::bad));
 }
 
-} // namespace vantro::service
+} // namespace vantro

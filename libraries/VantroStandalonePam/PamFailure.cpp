@@ -1,6 +1,6 @@
-#include "pam/PamFailure.h"
+#include "VantroStandalonePam/PamFailure.h"
 
-namespace vantro::service {
+namespace vantro {
 
 std::string_view textOf(PamFailure failure)
 {
@@ -28,4 +28,4 @@ std::string_view textOf(PamFailure failure)
     return "Unknown failure.";
 }
 
-} // namespace vantro::service
+} // namespace vantro

@@ -5,12 +5,15 @@
 #include <map>
 #include <string>
 
-#include "pam/PamFile.h"
+#include "VantroStandalonePam/PamFile.h"
 
-namespace vantro::service {
+namespace vantro {
 
 /// Far beyond any service; libpam has no such limit.
 inline constexpr std::size_t pamServiceSizeLimit = std::size_t{1024} * 1024;
+
+/// Where libpam looks for a program's service that the PAM services' folder does not have.
+inline constexpr const char* pamVendorServicesFolder = "/usr/lib/pam.d";
 
 /// The PAM services of the machine as libpam finds them. Reads each file once, when it is asked for. One thread.
 class PamServices
@@ -49,4 +52,4 @@ class PamServices
     const PamFile unreadable_ = PamFile::unreadable();
 };
 
-} // namespace vantro::service
+} // namespace vantro

@@ -1,10 +1,10 @@
-#include "pam/PamFile.h"
+#include "VantroStandalonePam/PamFile.h"
 
 #include <string>
 
 #include <gtest/gtest.h>
 
-namespace vantro::service {
+namespace vantro {
 namespace {
 
 const PamSetting required{"authorization", ModuleInterface::Auth, ControlFlag::Required, "pam_vantro_standalone.so"};
@@ -114,4 +114,4 @@ TEST(PamFileRefusalTest, OptionalEntryTakesThePlaceOfEveryEntry)
 }
 
 } // namespace
-} // namespace vantro::service
+} // namespace vantro

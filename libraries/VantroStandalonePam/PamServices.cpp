@@ -1,11 +1,11 @@
-#include "pam/PamServices.h"
+#include "VantroStandalonePam/PamServices.h"
 
 #include <system_error>
 #include <utility>
 
 #include "foundation/DurableFile.h"
 
-namespace vantro::service {
+namespace vantro {
 namespace {
 
 namespace fs = std::filesystem;
@@ -70,4 +70,4 @@ void PamServices::addServicesOf(const fs::path& folder, ServicesByName& services
         services.insert_or_assign(folder, Service{folder, &unreadable_});
 }
 
-} // namespace vantro::service
+} // namespace vantro

@@ -1,4 +1,4 @@
-#include "pam/PamFile.h"
+#include "VantroStandalonePam/PamFile.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 
 #include <security/pam_appl.h>
 
-namespace vantro::service {
+namespace vantro {
 namespace {
 
 using Entry = PamFile::Entry;
@@ -195,4 +195,4 @@ Outcome<std::string, PamFailure> PamFile::withoutEntry(const PamSetting& setting
     return text.erase(known.front().begin, known.front().end - known.front().begin);
 }
 
-} // namespace vantro::service
+} // namespace vantro

@@ -5,9 +5,9 @@
 #include <functional>
 #include <vector>
 
-#include "pam/PamFile.h"
+#include "VantroStandalonePam/PamFile.h"
 
-namespace vantro::service {
+namespace vantro {
 
 /// What libpam 1.5.2 makes of one PAM service for authenticating: the steps of the service with those of the files that
 /// it includes. The files must outlive it.
@@ -77,4 +77,4 @@ class PamStack
     PamReading reading_ = PamReading::Whole;
 };
 
-} // namespace vantro::service
+} // namespace vantro

@@ -1,9 +1,9 @@
-#include "pam/PamStack.h"
+#include "VantroStandalonePam/PamStack.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace vantro::service {
+namespace vantro {
 namespace {
 
 using Kind = PamFile::Entry::Kind;
@@ -107,4 +107,4 @@ bool PamStack::isJumpedOver(const IsPlace& isPlace) const
     return false;
 }
 
-} // namespace vantro::service
+} // namespace vantro

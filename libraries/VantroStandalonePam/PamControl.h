@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace vantro::service {
+namespace vantro {
 
 /// What libpam does after a module has answered; a positive value is the number of steps that are jumped over.
 namespace pam_action {
@@ -29,4 +29,4 @@ using PamActions = std::array<int, pamAnswerCount>;
 /// and actions, with or without brackets. A list that it does not understand is bad for every answer.
 [[nodiscard]] PamActions pamActionsOf(std::string_view control);
 
-} // namespace vantro::service
+} // namespace vantro

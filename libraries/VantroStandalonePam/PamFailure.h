@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace vantro::service {
+namespace vantro {
 
 /// Why a PAM service's text is not changed.
 enum class PamFailure
@@ -22,4 +22,4 @@ enum class PamFailure
 /// For the log: what is wrong and what to do.
 [[nodiscard]] std::string_view textOf(PamFailure failure);
 
-} // namespace vantro::service
+} // namespace vantro

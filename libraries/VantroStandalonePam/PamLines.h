@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "pam/PamFailure.h"
+#include "VantroStandalonePam/PamFailure.h"
 
-namespace vantro::service {
+namespace vantro {
 
 /// How far libpam gets with a service; each value is worse than the one before.
 enum class PamReading
@@ -47,4 +47,4 @@ struct PamLines
 /// The first words of a logical line, as libpam splits it: what stands in square brackets is one word, without them.
 [[nodiscard]] std::vector<std::string> pamWordsOf(std::string_view line, std::size_t limit);
 
-} // namespace vantro::service
+} // namespace vantro

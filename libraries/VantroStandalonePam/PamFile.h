@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "VantroStandalonePam/PamControl.h"
+#include "VantroStandalonePam/PamFailure.h"
+#include "VantroStandalonePam/PamLines.h"
 #include "VantroStandaloneSetting/PamSetting.h"
 #include "foundation/Outcome.h"
-#include "pam/PamControl.h"
-#include "pam/PamFailure.h"
-#include "pam/PamLines.h"
 
-namespace vantro::service {
+namespace vantro {
 
 /// The text of one PAM service (a file of /etc/pam.d), cut into entries the way libpam reads it. Knows nothing of
 /// other files. Immutable.
@@ -81,4 +81,4 @@ class PamFile
     std::optional<PamFailure> oddity_;
 };
 
-} // namespace vantro::service
+} // namespace vantro

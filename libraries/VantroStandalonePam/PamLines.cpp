@@ -1,8 +1,8 @@
-#include "pam/PamLines.h"
+#include "VantroStandalonePam/PamLines.h"
 
 #include <algorithm>
 
-namespace vantro::service {
+namespace vantro {
 namespace {
 
 /// libpam's buffer for a logical line, without the zero at its end.
@@ -128,4 +128,4 @@ std::vector<std::string> pamWordsOf(std::string_view line, std::size_t limit)
     return words;
 }
 
-} // namespace vantro::service
+} // namespace vantro
