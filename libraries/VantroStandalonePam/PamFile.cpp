@@ -140,6 +140,15 @@ bool PamFile::hasEntryOf(const PamSetting& setting) const
     return !entriesOf(setting).empty();
 }
 
+bool PamFile::isDemandedBy(const PamSetting& setting) const
+{
+    const auto known = entriesOf(setting);
+    return std::any_of(known.begin(), known.end(), [](const Entry& entry) {
+        const int action = entry.actions[PAM_AUTH_ERR];
+        return action == pam_action::bad || action == pam_action::die;
+    });
+}
+
 std::vector<Entry> PamFile::entriesOf(const PamSetting& setting) const
 {
     std::vector<Entry> found;

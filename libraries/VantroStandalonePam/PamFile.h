@@ -60,6 +60,8 @@ class PamFile
     /// Whether the entry is the one of the setting's module, wherever the module's folder.
     [[nodiscard]] static bool isEntryOf(const PamSetting& setting, const Entry& entry);
     [[nodiscard]] bool hasEntryOf(const PamSetting& setting) const;
+    /// Whether authenticating fails when the setting's module denies it, whatever other modules answer.
+    [[nodiscard]] bool isDemandedBy(const PamSetting& setting) const;
 
     /// The text with exactly one entry for the setting, in the place of the one that is there. A new one comes before
     /// everything that the file has for auth: no line can end the stack before it, and no jump of this file leads over

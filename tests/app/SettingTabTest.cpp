@@ -5,6 +5,7 @@
 
 #include "Model/PamUpdateStatus.h"
 #include "ServiceRequests.h"
+#include "VantroStandaloneNames.h"
 #include "app/AppFixture.h"
 #include "appkit/StringTable.h"
 #include "foundation/OperatingSystem.h"
@@ -12,6 +13,7 @@
 namespace vantro::tests {
 namespace {
 
+namespace fs = std::filesystem;
 using testing::IsEmpty;
 
 constexpr auto sourceFile = "ViewController/Main/Setting/SettingViewController";
@@ -177,6 +179,67 @@ TEST_F(SettingTab, SaysWhatTheLastKeysDeletionLeftUndoneUntilAKeyIsThereAgain)
             setting.masterKeySetting.masterKeys.emplace_back(8U);
         }
     }
+}
+
+TEST_F(SettingTab, SaysWhatStandsBetweenTheSwitchAndItsEffect)
+{
+    const auto text = [](const QStringList& keys, const fs::path& path = {}) {
+        QStringList lines;
+        for (const QString& key : keys)
+            lines += localizedString("SettingView", key.toLatin1().constData()).replace("%1", path.c_str());
+        return lines.join('\n');
+    };
+    const auto services = prefix.pamServicesFolder();
+    const auto module = prefix.pamModulesFolder() / names::pamModule;
+    const auto outside = prefix.path() / "stack";
+    const QString nobodyAsks = text({"nobody_asks"});
+    const QString demandsNothing = text({"entry_not_demanding"});
+    const QString demanded = text({"demanded"});
+    // A file after the other is written; what the page says then while the switch is off, and on.
+    const struct
+    {
+        fs::path file;
+        std::string content;
+        QString off;
+        QString on;
+    } steps[] = {
+        {services / "sudo", "@include common-auth\n", text({"module_missing", "reinstall"}, module),
+         text({"module_missing", "reinstall", "switch_off_until_then"}, module)},
+        {module, "a library", text({"service_missing", "reinstall"}, services / "authorization"),
+         text({"service_missing", "reinstall", "switch_off_until_then"}, services / "authorization")},
+        {services / "authorization", "# @include NAME\n",
+         text({"service_missing", "reinstall"}, services / "screensaver"),
+         text({"service_missing", "reinstall", "switch_off_until_then"}, services / "screensaver")},
+        {services / "screensaver_new", "", text({"service_missing", "reinstall"}, services / "screensaver"),
+         text({"service_missing", "reinstall", "switch_off_until_then"}, services / "screensaver")},
+        {services / "screensaver", "@include authorization\n", nobodyAsks, nobodyAsks},
+        {services / "common-auth", "account include authorization\n#@include authorization\n", nobodyAsks, nobodyAsks},
+        {services / "common-auth", "auth include authorization\n", "", demandsNothing},
+        {services / "authorization", "auth optional pam_vantro_standalone.so\n", "", demandsNothing},
+        {services / "authorization", "auth [default=die] /lib/pam_vantro_standalone.so\n", "", demanded},
+        {services / "common-auth", "", nobodyAsks, nobodyAsks},
+        {outside, "@include authorization\n", nobodyAsks, nobodyAsks},
+        {services / "su", "auth substack " + outside.string() + "\n", "", demanded},
+    };
+    auto& setting = dataSet().vantroStandaloneSetting;
+    setting.masterKeySetting.masterKeys.emplace_back(7U);
+    const auto demandLabel = [this]() -> QLabel& { return control<QLabel>("demandLabel"); };
+    for (const auto& [file, content, off, on] : steps) {
+        SCOPED_TRACE(file.string() + ": " + content);
+        writeFile(file, content);
+        for (const bool isOn : {false, true}) {
+            switchTo("MasterKey");
+            setting.switchSetting.secureMode = isOn;
+            EXPECT_EQ(demandLabel().text(), isOn ? on : off);
+            EXPECT_EQ(demandLabel().isHidden(), demandLabel().text().isEmpty());
+        }
+    }
+    forcedLogon().click();
+    EXPECT_EQ(demandLabel().text(), "");
+    forcedLogon().click();
+    EXPECT_EQ(demandLabel().text(), demanded);
+    fs::remove(services / "su");
+    EXPECT_TRUE(spinUntil([&] { return demandLabel().text() == nobodyAsks; }));
 }
 
 } // namespace

@@ -271,7 +271,7 @@ Sorgen Sie dafür, dass Sie in diesen Ordner schreiben dürfen und der Datenträ
     </message>
     <message>
         <source>module-missing</source>
-        <translation>Das Anmeldemodul „pam_vantro_standalone.so“ ist nicht installiert. Eine Token-Pflicht ohne das Modul würde alle aussperren. Installieren Sie es als root, und versuchen Sie es erneut.</translation>
+        <translation>Das Anmeldemodul „pam_vantro_standalone.so“ ist nicht installiert. Eine Token-Pflicht ohne das Modul würde alle aussperren. Installieren Sie als root das Paket „vantro-standalone“ neu, und versuchen Sie es erneut.</translation>
     </message>
     <message>
         <source>module-unusable</source>
@@ -656,7 +656,7 @@ Sorgen Sie dafür, dass Sie in diesen Ordner schreiben dürfen und der Datenträ
     </message>
     <message>
         <source>forced_yubikey_logon_hint</source>
-        <translation>Solange diese Option eingeschaltet ist, braucht man zum Anmelden an diesem Computer und zum Entsperren ein registriertes Token.</translation>
+        <translation>Solange diese Option eingeschaltet ist, braucht man zum Anmelden an diesem Computer und zum Entsperren neben dem Passwort ein registriertes Token.</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_warning</source>
@@ -668,7 +668,37 @@ Sorgen Sie dafür, dass Sie in diesen Ordner schreiben dürfen und der Datenträ
     </message>
     <message>
         <source>screen_lock_hint</source>
-        <translation>Die Anmelde-Erweiterung wirkt beim Sperren und Entsperren des Bildschirms mit.</translation>
+        <translation>Sperrt den Bildschirm, wenn das Token abgezogen wird, mit dem sich jemand angemeldet hat.</translation>
+    </message>
+    <message>
+        <source>module_missing</source>
+        <translation>Das Anmeldemodul fehlt: %1</translation>
+    </message>
+    <message>
+        <source>service_missing</source>
+        <translation>Ein PAM-Dienst der Anmelde-Erweiterung fehlt: %1</translation>
+    </message>
+    <message>
+        <source>reinstall</source>
+        <translation>Installieren Sie das Paket neu; im Terminal:
+sudo apt-get install --reinstall vantro-standalone</translation>
+    </message>
+    <message>
+        <source>switch_off_until_then</source>
+        <translation>Schalten Sie die Token-Pflicht bis dahin aus: Sonst kann sich vielleicht niemand mehr anmelden.</translation>
+    </message>
+    <message>
+        <source>nobody_asks</source>
+        <translation>Noch schließt kein PAM-Dienst „authorization“ ein; deshalb wird bei keiner Anmeldung nach einem Token gefragt. Damit jedes Programm, das ein Passwort verlangt, auch ein Token verlangt, geben Sie im Terminal ein:
+sudo pam-auth-update --enable vantro-standalone</translation>
+    </message>
+    <message>
+        <source>demanded</source>
+        <translation>Die Token-Pflicht gilt für jedes Programm, dessen PAM-Dienst „authorization“ einschließt.</translation>
+    </message>
+    <message>
+        <source>entry_not_demanding</source>
+        <translation>Der PAM-Dienst „authorization“ verlangt kein Token. Schalten Sie die Token-Pflicht aus und wieder ein.</translation>
     </message>
     <message>
         <source>status_description</source>

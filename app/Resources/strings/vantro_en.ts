@@ -271,7 +271,7 @@ See to it that you may write to that folder and that the disk is not full, then 
     </message>
     <message>
         <source>module-missing</source>
-        <translation>The login module "pam_vantro_standalone.so" is not installed. To demand a token without it would lock everybody out. Have root install it, then try again.</translation>
+        <translation>The login module "pam_vantro_standalone.so" is not installed. To demand a token without it would lock everybody out. Have root reinstall the package "vantro-standalone", then try again.</translation>
     </message>
     <message>
         <source>module-unusable</source>
@@ -656,7 +656,7 @@ See to it that you may write to that folder and that the disk is not full, then 
     </message>
     <message>
         <source>forced_yubikey_logon_hint</source>
-        <translation>Nobody signs in to this computer without a registered token while this is on.</translation>
+        <translation>While this is on, signing in to this computer and unlocking it take a registered token as well as the password.</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_warning</source>
@@ -668,7 +668,37 @@ See to it that you may write to that folder and that the disk is not full, then 
     </message>
     <message>
         <source>screen_lock_hint</source>
-        <translation>The login add-on takes part in locking and unlocking the screen.</translation>
+        <translation>Locks the screen when the token with which somebody signed in is pulled out.</translation>
+    </message>
+    <message>
+        <source>module_missing</source>
+        <translation>The login module is missing: %1</translation>
+    </message>
+    <message>
+        <source>service_missing</source>
+        <translation>A PAM service of the login add-on is missing: %1</translation>
+    </message>
+    <message>
+        <source>reinstall</source>
+        <translation>Reinstall the package; in a terminal:
+sudo apt-get install --reinstall vantro-standalone</translation>
+    </message>
+    <message>
+        <source>switch_off_until_then</source>
+        <translation>Until then, switch "Demand a token" off: otherwise nobody may be able to sign in.</translation>
+    </message>
+    <message>
+        <source>nobody_asks</source>
+        <translation>No PAM service includes "authorization" yet, so that no sign-in asks for a token. To have every program that asks for a password ask for a token too, run in a terminal:
+sudo pam-auth-update --enable vantro-standalone</translation>
+    </message>
+    <message>
+        <source>demanded</source>
+        <translation>A token is demanded by every program whose PAM service includes "authorization".</translation>
+    </message>
+    <message>
+        <source>entry_not_demanding</source>
+        <translation>The PAM service "authorization" does not demand a token. Switch "Demand a token" off and on again.</translation>
     </message>
     <message>
         <source>status_description</source>

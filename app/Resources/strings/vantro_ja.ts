@@ -271,7 +271,7 @@
     </message>
     <message>
         <source>module-missing</source>
-        <translation>サインイン用モジュール「pam_vantro_standalone.so」がインストールされていません。このままトークンを必須にすると、誰もサインインできなくなります。root権限でインストールしてから、もう一度お試しください。</translation>
+        <translation>サインイン用モジュール「pam_vantro_standalone.so」がインストールされていません。このままトークンを必須にすると、誰もサインインできなくなります。root権限で「vantro-standalone」パッケージを再インストールしてから、もう一度お試しください。</translation>
     </message>
     <message>
         <source>module-unusable</source>
@@ -653,7 +653,7 @@
     </message>
     <message>
         <source>forced_yubikey_logon_hint</source>
-        <translation>オンの間は、登録済みのトークンがないと、誰もこのコンピューターへのサインインやロック解除ができません。</translation>
+        <translation>オンの間は、このコンピューターへのサインインとロック解除に、パスワードに加えて登録済みのトークンが必要になります。</translation>
     </message>
     <message>
         <source>forced_yubikey_logon_warning</source>
@@ -665,7 +665,37 @@
     </message>
     <message>
         <source>screen_lock_hint</source>
-        <translation>画面のロックと解除の際に、サインイン用のアドオンが動作します。</translation>
+        <translation>サインインに使ったトークンが抜かれると、画面をロックします。</translation>
+    </message>
+    <message>
+        <source>module_missing</source>
+        <translation>サインイン用モジュールがありません: %1</translation>
+    </message>
+    <message>
+        <source>service_missing</source>
+        <translation>アドオンのPAMサービスがありません: %1</translation>
+    </message>
+    <message>
+        <source>reinstall</source>
+        <translation>パッケージを再インストールしてください。端末での操作:
+sudo apt-get install --reinstall vantro-standalone</translation>
+    </message>
+    <message>
+        <source>switch_off_until_then</source>
+        <translation>それまでは「トークンを必須にする」をオフにしてください。オンのままだと、誰もサインインできなくなるおそれがあります。</translation>
+    </message>
+    <message>
+        <source>nobody_asks</source>
+        <translation>「authorization」を読み込むPAMサービスがまだないため、サインインの際にトークンは求められません。パスワードを求めるすべてのプログラムがトークンも求めるようにするには、端末で次のコマンドを実行してください:
+sudo pam-auth-update --enable vantro-standalone</translation>
+    </message>
+    <message>
+        <source>demanded</source>
+        <translation>「authorization」を読み込むPAMサービスを使うプログラムでは、トークンが必須です。</translation>
+    </message>
+    <message>
+        <source>entry_not_demanding</source>
+        <translation>PAMサービス「authorization」がトークンを求めていません。「トークンを必須にする」をいったんオフにしてから、もう一度オンにしてください。</translation>
     </message>
     <message>
         <source>status_description</source>

@@ -33,6 +33,7 @@ std::unique_ptr<QWidget> SettingViewController::loadView()
     outlets.setupUi(view.get());
     forcedYubiKeyLogonWarning = outlets.forcedYubiKeyLogonWarning;
     statusLabel_ = outlets.statusLabel;
+    demandLabel_ = outlets.demandLabel;
     screenLockModel.bindTo(outlets.screenLockButton);
     forcedYubiKeyLogonModel.bindTo(outlets.forcedYubiKeyLogonButton);
     return view;
@@ -45,6 +46,9 @@ void SettingViewController::viewDidLoad()
     // The models are this page's own and change on the main thread, where the handlers then run.
     observe(screenLockStateChanged, [this](const Notification&) { updateScreenLockModel(); });
     observe(forcedYubiKeyLogonChanged, [this](const Notification&) { updateForcedYubiKeyModel(); });
+    const auto& [services, modules] = TokenDemand::installedFolders();
+    pamFolders_.addPaths({QString::fromStdString(services.string()), QString::fromStdString(modules.string())});
+    connect(&pamFolders_, &QFileSystemWatcher::directoryChanged, this, &SettingViewController::showDemand);
     logger.info("Finished viewDidLoad.", function);
 }
 
@@ -102,6 +106,13 @@ void SettingViewController::showStatus()
 {
     statusLabel_->setText(PamUpdateStatus::shared().text());
     statusLabel_->setHidden(statusLabel_->text().isEmpty());
+    showDemand();
+}
+
+void SettingViewController::showDemand()
+{
+    demandLabel_->setText(demand_.text(forcedYubiKeyLogonModel.state()));
+    demandLabel_->setHidden(demandLabel_->text().isEmpty());
 }
 
 } // namespace vantro

@@ -2,11 +2,13 @@
 
 #include <memory>
 
+#include <QFileSystemWatcher>
 #include <QLabel>
 #include <QPointer>
 
 #include "LoggerManager/Logger.h"
 #include "Model/SettingCheckButtonModel.h"
+#include "Model/TokenDemand.h"
 #include "appkit/NSViewController.h"
 
 namespace vantro {
@@ -35,9 +37,14 @@ class SettingViewController : public NSViewController
     void updateForcedYubiKeyModel();
     void restoreForcedYubiKeyModel();
     void showStatus();
+    void showDemand();
 
     const Logger logger;
     QPointer<QLabel> statusLabel_;
+    QPointer<QLabel> demandLabel_;
+    const TokenDemand demand_{TokenDemand::installedFolders()};
+    /// Tells when somebody else changes what the demand comes to, such as pam-auth-update.
+    QFileSystemWatcher pamFolders_;
 };
 
 } // namespace vantro
