@@ -55,6 +55,7 @@ def refused_forced_logon(tour):
         switch.press()
         tour.wait_for("a text says that the change was not made",
                       lambda: tour.says(tour.main_window(), "SettingView", "update_failed"))
+        tour.see(tour.says(tour.main_window(), "SettingView", "reinstall"), "and how the module comes back")
         tour.see("checked" not in switch.states, "the switch has sprung back")
         tour.see(tour.pam_flags() == ["optional"] * 3, "the PAM services are as they were")
         tour.see(tour.setting("SwitchSetting/SecureMode") == "false", "and so is the document")

@@ -1,5 +1,10 @@
 // The settings page: its two switches, what they write, and what they say when it fails.
 
+#include <filesystem>
+#include <string>
+#include <tuple>
+#include <utility>
+
 #include <QCheckBox>
 #include <QLabel>
 
@@ -183,63 +188,56 @@ TEST_F(SettingTab, SaysWhatTheLastKeysDeletionLeftUndoneUntilAKeyIsThereAgain)
 
 TEST_F(SettingTab, SaysWhatStandsBetweenTheSwitchAndItsEffect)
 {
-    const auto text = [](const QStringList& keys, const fs::path& path = {}) {
-        QStringList lines;
-        for (const QString& key : keys)
-            lines += localizedString("SettingView", key.toLatin1().constData()).replace("%1", path.c_str());
-        return lines.join('\n');
+    const auto text = [](const char* key) { return localizedString("SettingView", key); };
+    /// What the page says while the switch is off, and on.
+    using Texts = std::pair<QString, QString>;
+    const auto missing = [&](const char* key, const fs::path& path) {
+        const QString off = text(key).arg(path.c_str()) + '\n' + text("reinstall");
+        return Texts{off, off + '\n' + text("switch_off_until_then")};
     };
+    const Texts nobodyAsks{text("nobody_asks"), text("nobody_asks")};
+    const Texts asksForNothing{"", text("entry_not_demanding")};
+    const Texts demanded{"", text("demanded")};
     const auto services = prefix.pamServicesFolder();
     const auto module = prefix.pamModulesFolder() / names::pamModule;
     const auto outside = prefix.path() / "stack";
-    const QString nobodyAsks = text({"nobody_asks"});
-    const QString demandsNothing = text({"entry_not_demanding"});
-    const QString demanded = text({"demanded"});
-    // A file after the other is written; what the page says then while the switch is off, and on.
-    const struct
-    {
-        fs::path file;
-        std::string content;
-        QString off;
-        QString on;
-    } steps[] = {
-        {services / "sudo", "@include common-auth\n", text({"module_missing", "reinstall"}, module),
-         text({"module_missing", "reinstall", "switch_off_until_then"}, module)},
-        {module, "a library", text({"service_missing", "reinstall"}, services / "authorization"),
-         text({"service_missing", "reinstall", "switch_off_until_then"}, services / "authorization")},
-        {services / "authorization", "# @include NAME\n",
-         text({"service_missing", "reinstall"}, services / "screensaver"),
-         text({"service_missing", "reinstall", "switch_off_until_then"}, services / "screensaver")},
-        {services / "screensaver_new", "", text({"service_missing", "reinstall"}, services / "screensaver"),
-         text({"service_missing", "reinstall", "switch_off_until_then"}, services / "screensaver")},
-        {services / "screensaver", "@include authorization\n", nobodyAsks, nobodyAsks},
-        {services / "common-auth", "account include authorization\n#@include authorization\n", nobodyAsks, nobodyAsks},
-        {services / "common-auth", "auth include authorization\n", "", demandsNothing},
-        {services / "authorization", "auth optional pam_vantro_standalone.so\n", "", demandsNothing},
-        {services / "authorization", "auth [default=die] /lib/pam_vantro_standalone.so\n", "", demanded},
-        {services / "common-auth", "", nobodyAsks, nobodyAsks},
-        {outside, "@include authorization\n", nobodyAsks, nobodyAsks},
-        {services / "su", "auth substack " + outside.string() + "\n", "", demanded},
+    // Each is written on top of those before it.
+    const std::tuple<fs::path, std::string, Texts> steps[] = {
+        {services / "sudo", "@include common-auth\n", missing("module_missing", module)},
+        {module, "a library", missing("service_missing", services / "authorization")},
+        {services / "authorization", "# comment\n", missing("service_missing", services / "screensaver")},
+        {services / "screensaver", "@include authorization\n",
+         missing("service_missing", services / "screensaver_new")},
+        {services / "screensaver_new", "", nobodyAsks},
+        {services / "common-auth", "account include authorization\n#@include authorization\n", nobodyAsks},
+        {services / "common-auth", "auth include authorization\n", asksForNothing},
+        {services / "authorization", "auth optional pam_vantro_standalone.so\n", asksForNothing},
+        {services / "authorization", "auth [default=die] /lib/pam_vantro_standalone.so\n", demanded},
+        {services / "common-auth", "", nobodyAsks},
+        {outside, "@include authorization\n", nobodyAsks},
+        {services / "su", "auth substack " + outside.string() + "\n", demanded},
     };
     auto& setting = dataSet().vantroStandaloneSetting;
     setting.masterKeySetting.masterKeys.emplace_back(7U);
-    const auto demandLabel = [this]() -> QLabel& { return control<QLabel>("demandLabel"); };
-    for (const auto& [file, content, off, on] : steps) {
+    const auto expectText = [this](const QString& expected) {
+        const auto& label = control<QLabel>("demandLabel");
+        EXPECT_EQ(label.text(), expected);
+        EXPECT_EQ(label.isHidden(), expected.isEmpty());
+    };
+    for (const auto& [file, content, texts] : steps) {
         SCOPED_TRACE(file.string() + ": " + content);
         writeFile(file, content);
         for (const bool isOn : {false, true}) {
             switchTo("MasterKey");
             setting.switchSetting.secureMode = isOn;
-            EXPECT_EQ(demandLabel().text(), isOn ? on : off);
-            EXPECT_EQ(demandLabel().isHidden(), demandLabel().text().isEmpty());
+            expectText(isOn ? texts.second : texts.first);
         }
     }
     forcedLogon().click();
-    EXPECT_EQ(demandLabel().text(), "");
-    forcedLogon().click();
-    EXPECT_EQ(demandLabel().text(), demanded);
+    expectText(demanded.first);
     fs::remove(services / "su");
-    EXPECT_TRUE(spinUntil([&] { return demandLabel().text() == nobodyAsks; }));
+    EXPECT_TRUE(spinUntil([this] { return control<QLabel>("demandLabel").text() != ""; }));
+    expectText(nobodyAsks.first);
 }
 
 } // namespace

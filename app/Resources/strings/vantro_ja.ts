@@ -677,7 +677,7 @@
     </message>
     <message>
         <source>reinstall</source>
-        <translation>パッケージを再インストールしてください。端末での操作:
+        <translation>ターミナルで次のコマンドを実行して、パッケージを再インストールしてください:
 sudo apt-get install --reinstall vantro-standalone</translation>
     </message>
     <message>
@@ -686,7 +686,7 @@ sudo apt-get install --reinstall vantro-standalone</translation>
     </message>
     <message>
         <source>nobody_asks</source>
-        <translation>「authorization」を読み込むPAMサービスがまだないため、サインインの際にトークンは求められません。パスワードを求めるすべてのプログラムがトークンも求めるようにするには、端末で次のコマンドを実行してください:
+        <translation>「authorization」を読み込むPAMサービスがまだないため、サインインの際にトークンは求められません。パスワードを求めるすべてのプログラムがトークンも求めるようにするには、ターミナルで次のコマンドを実行してください:
 sudo pam-auth-update --enable vantro-standalone</translation>
     </message>
     <message>
