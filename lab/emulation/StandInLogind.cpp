@@ -55,7 +55,7 @@ void StandInLogind::addSession(const Session& session)
     const std::pair<const char*, std::string> texts[] = {
         {"Name", session.user}, {"Type", session.type}, {"Class", session.sessionClass}, {"State", session.state}};
     for (const auto& [name, text] : texts) {
-        object->registerProperty(name).onInterface(sessionInterface).withGetter([text = text] { return text; });
+        object->registerProperty(name).onInterface(sessionInterface).withGetter([value = text] { return value; });
     }
     object->registerProperty("LockedHint").onInterface(sessionInterface).withGetter([this, id = session.id] {
         return isLocked(id);
