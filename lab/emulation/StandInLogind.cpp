@@ -29,7 +29,13 @@ StandInLogind::StandInLogind(const std::vector<Session>& sessions, std::function
         addSession(session);
     }
     connection_->requestName(busName);
-    connection_->enterEventLoopAsync();
+    thread_ = std::jthread([this] {
+        try {
+            connection_->enterEventLoop();
+        } catch (const sdbus::Error&) {
+            // The bus has gone, and with it whoever might ask.
+        }
+    });
 }
 
 StandInLogind::~StandInLogind()

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <sdbus-c++/sdbus-c++.h>
@@ -50,6 +51,7 @@ class StandInLogind
     std::map<std::string, bool> isLocked_;
     std::unique_ptr<sdbus::IConnection> connection_;
     std::vector<std::unique_ptr<sdbus::IObject>> objects_;
+    std::jthread thread_;
 };
 
 } // namespace vantro::lab

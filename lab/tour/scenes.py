@@ -113,7 +113,7 @@ def register_with_touch(tour):
     tour.wait_for("the dialog closes", lambda: tour.dialog() is None)
     tour.wait_for("the list has three rows",
                   lambda: tour.user_keys() == [("alice", TOUCHED), ("alice", FIRST), ("bob", SECOND)])
-    tour.see(not tour.is_blinking(TOUCH_TOKEN), "the token blinks no more")
+    tour.wait_for("the token blinks no more", lambda: not tour.is_blinking(TOUCH_TOKEN))
     tour.pull_out(TOUCH_TOKEN)
 
 
