@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <umockdev.h>
 
 #include "emulation/TokenBed.h"
 #include "emulation/VirtualToken.h"
@@ -116,6 +117,19 @@ TEST_F(HidInterfacesTest, DescribesAnInterface)
     EXPECT_NE(keyboard.sysPath, fido.sysPath);
     EXPECT_GT(keyboard.usbDeviceNumber, 0U);
     EXPECT_FALSE(keyboard.name.empty());
+}
+
+TEST_F(HidInterfacesTest, InterfaceThatWentAndCanStillBeSeenHasGone)
+{
+    first.plugIn();
+    watcher.enumerate();
+    umockdev_testbed_uevent(bed.handle(), interfaces.front().sysPath.c_str(), "remove");
+    watcher.processEvents();
+    watcher.enumerate();
+    EXPECT_THAT(take(), ElementsAre("+0407/8", "+0407/64", "-0407/8"));
+    umockdev_testbed_uevent(bed.handle(), interfaces.front().sysPath.c_str(), "add");
+    watcher.processEvents();
+    EXPECT_THAT(take(), ElementsAre("+0407/8"));
 }
 
 TEST_F(HidInterfacesTest, LostEventsAreMadeUpForByEnumerating)

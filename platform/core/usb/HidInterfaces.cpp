@@ -199,6 +199,7 @@ class HidInterfaceWatcher::Udev
         auto present = findPresent(look);
         if (!present)
             return;
+        dropThoseThatLeave(*present);
         for (auto known = known_.begin(); known != known_.end();) {
             const auto same = present->find(known->first);
             const bool isThere =
@@ -275,6 +276,18 @@ class HidInterfaceWatcher::Udev
         return present;
     }
 
+    /// Takes out what has been reported gone and can still be seen: its path goes a moment after its event.
+    void dropThoseThatLeave(Present& present)
+    {
+        std::erase_if(leaving_, [&present](const auto& leaving) {
+            const auto same = present.find(leaving.first);
+            if (same == present.end() || (same->second && isAnotherPlug(leaving.second, *same->second)))
+                return true;
+            present.erase(same);
+            return false;
+        });
+    }
+
     void queueEvent(udev_device* device)
     {
         const auto action = textOrEmpty(udev_device_get_action(device));
@@ -285,8 +298,12 @@ class HidInterfaceWatcher::Udev
             else if (auto gone = goneInterfaceOf(device))
                 queueGone(std::move(*gone));
         } else if (action == "remove" && known != known_.end()) {
-            queue_.push_back({onWent_, std::move(known->second)});
-            known_.erase(known);
+            queue_.push_back({onWent_, known->second});
+            std::error_code ignored;
+            if (std::filesystem::exists(known->first, ignored))
+                leaving_.insert(known_.extract(known));
+            else
+                known_.erase(known);
         } else if (action == "remove") {
             missed_.erase(std::string(textOrEmpty(udev_device_get_syspath(device))));
         }
@@ -324,6 +341,7 @@ class HidInterfaceWatcher::Udev
 
     void queueCame(HidInterface interface)
     {
+        leaving_.erase(interface.sysPath);
         if (!interface.deviceNode.empty())
             models_[kindOf(interface)] = interface;
         queue_.push_back({onCame_, interface});
@@ -335,6 +353,8 @@ class HidInterfaceWatcher::Udev
     UdevPointer udev_;
     MonitorPointer monitor_;
     std::map<std::string, HidInterface, std::less<>> known_;
+    /// Were there when their remove events were read.
+    std::map<std::string, HidInterface, std::less<>> leaving_;
     /// Had gone before they could be described, and nobody has heard of their devices.
     std::map<std::string, HidInterface, std::less<>> missed_;
     /// The last interface of each kind that could be described.
