@@ -31,10 +31,18 @@ class ModuleFixture : public ServiceFixture
     {
         writeFile(services_ / "try", "auth [success=done ignore=ignore default=die] " VANTRO_PAM_MODULE " " +
                                          arguments + "\nauth [default=die] pam_debug.so auth=module_unknown\n");
+        return signInThrough("try", account, onText, prepare, flags);
+    }
+
+    /// Signs in through a PAM service that lies in services_. Any thread.
+    SignedIn signInThrough(const char* service, const std::string& account = "root",
+                           const std::function<void(const std::string&)>& onText = {},
+                           const std::function<void(pam_handle_t*)>& prepare = {}, int flags = 0) const
+    {
         Heard heard{{}, onText};
         const pam_conv conversation{&ModuleFixture::hear, &heard};
         pam_handle_t* pam = nullptr;
-        EXPECT_EQ(::pam_start_confdir("try", account.c_str(), &conversation, services_.path().c_str(), &pam),
+        EXPECT_EQ(::pam_start_confdir(service, account.c_str(), &conversation, services_.path().c_str(), &pam),
                   PAM_SUCCESS);
         if (prepare)
             prepare(pam);
@@ -60,6 +68,9 @@ class ModuleFixture : public ServiceFixture
         prefix.store(setting);
     }
 
+    /// PAM services for libpam to read; includes in them name their files by absolute path.
+    TemporaryFolder services_;
+
   private:
     struct Heard
     {
@@ -78,8 +89,6 @@ class ModuleFixture : public ServiceFixture
         }
         return PAM_SUCCESS;
     }
-
-    TemporaryFolder services_;
 };
 
 } // namespace vantro::tests

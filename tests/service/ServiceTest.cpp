@@ -1,7 +1,6 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <functional>
 #include <future>
 #include <limits>
@@ -12,6 +11,7 @@
 #include "VantroStandaloneSetting/SettingFile.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "service/ServiceFixture.h"
+#include "support/Privileges.h"
 
 namespace vantro::tests {
 namespace {
@@ -22,20 +22,12 @@ using lab::TokenInterface;
 using lab::VirtualToken;
 using Clock = std::chrono::steady_clock;
 
-/// Calls the service as another user and answers what dbus-send printed.
+/// Asks the service for a serial as another user and answers what dbus-send printed.
 std::string callAs(const std::string& groups, const PrivateBus& bus)
 {
-    const std::string command = "setpriv --reuid=65534 --regid=65534 " + groups +
-                                " env -u LD_PRELOAD dbus-send --bus=" + bus.address() +
-                                " --print-reply --dest=" + label + " " + serviceObjectPath + " " + label + "." +
-                                service_method::getSerial + " 2>&1";
-    FILE* const pipe = ::popen(command.c_str(), "r");
-    std::string output;
-    char buffer[256];
-    while (std::fgets(buffer, sizeof buffer, pipe) != nullptr)
-        output += buffer;
-    ::pclose(pipe);
-    return output;
+    return saidByNobody("dbus-send --bus=" + bus.address() + " --print-reply --dest=" + label + " " +
+                            serviceObjectPath + " " + label + "." + service_method::getSerial,
+                        groups);
 }
 
 class SerialTest : public ServiceFixture

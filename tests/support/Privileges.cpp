@@ -1,6 +1,7 @@
 #include "support/Privileges.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <exception>
 #include <sched.h>
 #include <string>
@@ -20,6 +21,20 @@ WithoutPrivileges::~WithoutPrivileges()
 {
     if (::geteuid() != user_ && ::seteuid(user_) != 0)
         std::terminate();
+}
+
+std::string saidByNobody(const std::string& command, const std::string& groups)
+{
+    const std::string whole =
+        "setpriv --reuid=65534 --regid=65534 " + groups + " env -u LD_PRELOAD " + command + " 2>&1";
+    FILE* const pipe = ::popen(whole.c_str(), "r");
+    std::string said;
+    char buffer[256];
+    while (pipe != nullptr && std::fgets(buffer, sizeof buffer, pipe) != nullptr)
+        said += buffer;
+    if (pipe != nullptr)
+        ::pclose(pipe);
+    return said;
 }
 
 SmallFileSystem::SmallFileSystem(const std::filesystem::path& folder) : folder_(folder)
