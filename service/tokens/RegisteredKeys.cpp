@@ -6,7 +6,6 @@
 
 #include "VantroStandaloneSetting/SettingText.h"
 #include "foundation/DurableFile.h"
-#include "foundation/Text.h"
 #include "foundation/XML.h"
 
 namespace vantro::service {
@@ -52,9 +51,9 @@ RegisteredKeys::openersOf(const std::string& account) const
         for (const YubiKey& key : keys)
             serials.push_back(key.serial);
     };
-    for (const UserSetting& user : setting->users)
-        if (isCanonicallyEqual(user.account, account))
-            add(user.keys);
+    // What the tool takes out of the account's entry opens nothing any more, even if a second entry names it.
+    if (const UserSetting* const user = setting->user(account))
+        add(user->keys);
     add(setting->masterKeySetting.masterKeys);
     std::sort(serials.begin(), serials.end());
     return std::optional(std::move(serials));

@@ -29,6 +29,7 @@ TEST(RegisteredKeysTest, AnAccountIsOpenedByItsKeysAndTheMasterKeysHoweverItsNam
     auto& other = setting.users.emplace_back("rene");
     for (std::uint64_t serial = 1; serial <= manyKeys; ++serial)
         other.keys.emplace_back(serial);
+    setting.users.emplace_back(decomposed).keys.emplace_back(manyKeys + 4);
     setting.masterKeySetting.masterKeys.emplace_back(manyKeys + 2);
 
     const tests::ServicePrefix prefix;
