@@ -1,12 +1,11 @@
 #include "app/AppFixture.h"
 
 #include <array>
-#include <atomic>
 #include <cstring>
 #include <filesystem>
+#include <future>
 #include <regex>
 #include <sys/inotify.h>
-#include <thread>
 #include <utility>
 
 #include <unistd.h>
@@ -53,8 +52,7 @@ std::ostream& operator<<(std::ostream& stream, const ShownAlert& alert)
 
 AppFixture::AppFixture() : replacements_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK))
 {
-    // Replacements that follow each other at once are told apart by the new file's creation between them.
-    ::inotify_add_watch(replacements_.get(), prefix.settingsFolder().c_str(), IN_MOVED_TO | IN_CREATE);
+    ::inotify_add_watch(replacements_.get(), prefix.settings().c_str(), IN_MOVED_TO);
     serviceReplyLimit = ample;
     LoginAuthentication::validationLimit = ample;
     QApplication::setQuitOnLastWindowClosed(false);
@@ -67,11 +65,6 @@ AppFixture::~AppFixture()
 {
     NSAlert::setPresenter({});
     window_.reset();
-}
-
-void AppFixture::store(const VantroStandaloneSetting& setting) const
-{
-    writeFile(prefix.settingsDocument(), serialised(setting));
 }
 
 VantroStandaloneSetting AppFixture::stored() const
@@ -91,7 +84,7 @@ int AppFixture::takeWrites()
             inotify_event event = {};
             std::memcpy(&event, buffer.data() + position, sizeof event);
             const char* const name = buffer.data() + position + sizeof event;
-            if ((event.mask & IN_MOVED_TO) != 0 && prefix.settingsDocument().filename() == name)
+            if (prefix.settingsDocument().filename() == name)
                 ++writes;
             position += static_cast<ssize_t>(sizeof event + event.len);
         }
@@ -134,13 +127,8 @@ void AppFixture::expectAlerts(const std::vector<ShownAlert>& expected)
 
 void AppFixture::onMonitorThread(const std::function<void()>& work)
 {
-    std::atomic<bool> isDone = false;
-    std::thread thread([&] {
-        work();
-        isDone = true;
-    });
-    EXPECT_TRUE(spinUntil([&] { return isDone.load(); }));
-    thread.join();
+    const auto done = std::async(std::launch::async, work);
+    EXPECT_TRUE(spinUntil([&done] { return done.wait_for(0s) == std::future_status::ready; }));
 }
 
 void AppFixture::postConnected(std::size_t reportSize)

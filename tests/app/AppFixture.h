@@ -86,8 +86,6 @@ class AppFixture : public testing::Test
     ~AppFixture() override;
 
   protected:
-    /// Writes the settings document's file; before the first dataSet().
-    void store(const VantroStandaloneSetting& setting) const;
     /// What the settings document's file holds.
     [[nodiscard]] VantroStandaloneSetting stored() const;
     /// How often the document's file was replaced since the last call.

@@ -17,7 +17,7 @@ INSTANTIATE_TEST_SUITE_P(Of, KeyList, allScreens(), nameOf);
 TEST_P(KeyList, ShowsTheDocumentInItsOwnOrderAndNothingSelected)
 {
     const std::vector<YubiKey> keys = {9, 18446744073709551615U, 3};
-    store(screen().with(keys));
+    prefix.store(screen().with(keys));
     QStringList expected;
     for (const YubiKey& key : keys)
         expected += (screen().name == "User" ? "tester " : "") + QString::number(key.serial);
@@ -53,7 +53,7 @@ TEST_P(KeyList, ManyRowsAreArrangedOnce)
 {
     std::vector<YubiKey> keys(10000, 0);
     std::iota(keys.begin(), keys.end(), 1U);
-    store(screen().with(keys));
+    prefix.store(screen().with(keys));
     EXPECT_EQ(rows().size(), 10000);
     auto* const model = table().model();
     switchTo("Setting");

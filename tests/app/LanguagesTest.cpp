@@ -149,7 +149,7 @@ TEST_P(LanguageOf, HasPagesAsWideAsItsWindowEvenWithALargeFont)
 {
     QLocale::setDefault(QLocale(GetParam().code));
     installStringTables(QStringLiteral(":/strings"));
-    store({});
+    prefix.store({});
     QApplication::setFont(QFont(QStringLiteral("Sans"), 14));
     for (const char* const identifier : {"Setting", "UserKey", "MasterKey", "Admin"}) {
         const auto* const page = switchTo(identifier).view()->parentWidget()->parentWidget();

@@ -43,7 +43,7 @@ class MainWindow : public AppFixture
 
 TEST_F(MainWindow, CarriesTheVersionUntilTheFirstTabSwitch)
 {
-    store({});
+    prefix.store({});
     EXPECT_EQ(window().windowTitle(), "Vantro Standalone (Version 1.0.0)");
     EXPECT_EQ(window().size(), QSize(420, 340));
     expectAlerts({});
@@ -62,7 +62,7 @@ TEST_F(MainWindow, CarriesTheVersionUntilTheFirstTabSwitch)
 
 TEST_F(MainWindow, AsksForAccessUntilToldNotTo)
 {
-    store({});
+    prefix.store({});
     UserDefaults::standard().set(defaults_key::isFirstStart, false);
     open().reset();
     ticksSuppression = true;
@@ -82,7 +82,7 @@ TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
     constexpr auto variable = "VANTRO_TEST_CONFIGURATION";
     ::setenv(variable, prefix.configHome().c_str(), 0);
     ::setenv("XDG_CONFIG_HOME", ::getenv(variable), 1);
-    store({});
+    prefix.store({});
     EXPECT_EXIT(open(), testing::ExitedWithCode(EXIT_SUCCESS),
                 "Display Alert(.|\n)*Close the application for the first time");
     // The window would end this process, too, and with success.
@@ -94,7 +94,7 @@ TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
 TEST_F(MainWindow, SaysWhyEveryStartIsTheFirstOne)
 {
     ::setenv("XDG_CONFIG_HOME", "/proc/nowhere", 1);
-    store({});
+    prefix.store({});
     whileAlert = [this] { std::cerr << alerts.back().message.toStdString() << '\n'; };
     EXPECT_EXIT(open(), testing::ExitedWithCode(EXIT_SUCCESS),
                 testing::HasSubstr(StartMessage::defaultsNotStoredHeading().toStdString()));
@@ -144,7 +144,7 @@ class SeveralTokens : public AppFixture
 
 TEST_F(SeveralTokens, BringOneAlertThatOnlyTheLastTokenCloses)
 {
-    store({});
+    prefix.store({});
     window();
     for (int round = 0; round < 2; ++round) {
         plugIn(1);
@@ -164,7 +164,7 @@ TEST_F(SeveralTokens, BringOneAlertThatOnlyTheLastTokenCloses)
 
 TEST_F(SeveralTokens, LeaveTheDialogBehindTheAlertAsItWasOrOutliveIt)
 {
-    store({});
+    prefix.store({});
     for (const bool isCancelled : {true, true, false}) {
         const auto dialog = openRegistration("UserKey");
         const auto shown = bringAlert();
@@ -191,7 +191,7 @@ TEST_F(SeveralTokens, LeaveTheDialogBehindTheAlertAsItWasOrOutliveIt)
 
 TEST_F(SeveralTokens, ThatGoLeaveAnAlertOverTheirs)
 {
-    store({});
+    prefix.store({});
     NSAlert::setPresenter({});
     // They are there before the window is.
     bringAlert();
@@ -217,7 +217,7 @@ TEST_F(SeveralTokens, ThatGoLeaveAnAlertOverTheirs)
 
 TEST_F(SeveralTokens, ThatHaveGoneBeforeTheAlertAppearsLeaveNone)
 {
-    store({});
+    prefix.store({});
     window();
     service->script("GetSerial", {{std::uint64_t{1}}, {std::uint64_t{2}}});
     // The main thread is busy meanwhile, as with a request to the service.

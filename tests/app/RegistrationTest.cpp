@@ -36,7 +36,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Registration, allScreens(), nameOf);
 
 TEST_P(Registration, FollowsTheTokensAndWritesTheFileThenTheDocumentThenTheList)
 {
-    store(screen().with({3, 9}));
+    prefix.store(screen().with({3, 9}));
     dataSet();
     takeWrites();
     table().selectAll();
@@ -174,7 +174,7 @@ TEST_F(AppFixture, ARequestThatFailsSaysWhyWithinItsLimit)
 
 TEST_P(Registration, OfATokenThatIsPulledOutMeanwhileStandsOrFallsWithItsFile)
 {
-    store(screen().with({3}));
+    prefix.store(screen().with({3}));
     dataSet();
     const auto openAndRegister = [&](const Answer& answer) {
         plugIn(5);

@@ -67,7 +67,7 @@ class SettingTab : public AppFixture
 
 TEST_F(SettingTab, StoredForcedLogonIsWrittenOnceAndASecondLookWritesNothing)
 {
-    store({.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {7}}});
+    prefix.store({.switchSetting = {.secureMode = true}, .masterKeySetting = {.masterKeys = {7}}});
     dataSet();
     takeWrites();
     EXPECT_TRUE(forcedLogon().isChecked());
@@ -79,7 +79,7 @@ TEST_F(SettingTab, StoredForcedLogonIsWrittenOnceAndASecondLookWritesNothing)
 
 TEST_F(SettingTab, EachOfTheOtherSwitchesWritesTheDocumentAndNothingElse)
 {
-    store({.adminSetting = {.adminKeys = {7}}});
+    prefix.store({.adminSetting = {.adminKeys = {7}}});
     const auto expectWritten = [this](QCheckBox& box, const std::function<bool(const VantroStandaloneSetting&)>& isOn) {
         takeWrites();
         for (const bool wanted : {true, false}) {
@@ -123,7 +123,7 @@ TEST_P(ForcedLogon, StandsOrFallsWithTheService)
 {
     const auto& [name, wasOn, files, demanding] = GetParam();
     const bool isDone = results(files).isSuccess();
-    store({.switchSetting = {.secureMode = wasOn}, .masterKeySetting = {.masterKeys = {7}}});
+    prefix.store({.switchSetting = {.secureMode = wasOn}, .masterKeySetting = {.masterKeys = {7}}});
     QCheckBox& checkBox = forcedLogon();
     service->forgetCalls();
     takeWrites();
@@ -198,8 +198,8 @@ TEST_F(SettingTab, SaysWhatStandsBetweenTheSwitchAndItsEffect)
     const Texts nobodyAsks{text("nobody_asks"), text("nobody_asks")};
     const Texts asksForNothing{"", text("entry_not_demanding")};
     const Texts demanded{"", text("demanded")};
-    const auto services = prefix.pamServicesFolder();
-    const auto module = prefix.pamModulesFolder() / names::pamModule;
+    const auto services = prefix.pamServices();
+    const auto module = prefix.pamModules() / names::pamModule;
     const auto outside = prefix.path() / "stack";
     // Each is written on top of those before it.
     const std::tuple<fs::path, std::string, Texts> steps[] = {

@@ -20,7 +20,7 @@ constexpr std::uint64_t adminKey = 11;
 
 TEST_F(AppFixture, ACheckIsOfAnAdministratorKeyAndEndsAtItsLimitOrWithAnErrorAtOnce)
 {
-    store({.adminSetting = {.adminKeys = {adminKey}}});
+    prefix.store({.adminSetting = {.adminKeys = {adminKey}}});
     plugIn(22);
     EXPECT_EQ(LoginAuthentication::authenticate(), AuthResult::NotAdminYubiKey) << "though the service confirms it";
     unplug();
@@ -41,7 +41,7 @@ TEST_F(AppFixture, ACheckIsOfAnAdministratorKeyAndEndsAtItsLimitOrWithAnErrorAtO
 class SignInDialog : public AppFixture
 {
   protected:
-    SignInDialog() { store({.adminSetting = {.toolLoginAuth = true, .adminKeys = {adminKey}}}); }
+    SignInDialog() { prefix.store({.adminSetting = {.toolLoginAuth = true, .adminKeys = {adminKey}}}); }
 
     /// Opens the main window, which blocks until the sign-in is over; meanwhile runs the steps, each once its condition
     /// holds.

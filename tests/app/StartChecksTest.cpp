@@ -18,7 +18,7 @@ namespace {
 class OneTool : public AppFixture
 {
   protected:
-    const std::filesystem::path lockFile = prefix.settingsFolder() / "VantroStandaloneSetting.lock";
+    const std::filesystem::path lockFile = prefix.settings() / "VantroStandaloneSetting.lock";
 
     void expectRefused(const QString& message, const QString& information)
     {
@@ -54,7 +54,7 @@ TEST_F(DocumentAtStart, ThatCantBeReadEndsTheTool)
         whileAlert = [this] { std::cerr << alerts.back().information.toStdString() << '\n'; };
         AppDelegate().applicationDidFinishLaunching();
     };
-    std::filesystem::remove_all(prefix.settingsFolder());
+    std::filesystem::remove_all(prefix.settings());
     // Each launch has an installation of its own, so that the paths differ.
     const QString behindPath = StartMessage::documentUnreadable().section(QStringLiteral("%2"), 1);
     EXPECT_EXIT(launch(), testing::ExitedWithCode(EXIT_SUCCESS),
@@ -66,7 +66,7 @@ TEST_F(DocumentAtStart, ThatIsInvalidAndCantBeKeptEndsTheTool)
     const auto open = [this] {
         writeFile(prefix.settingsDocument(), "<Setting/>");
         dataSet();
-        std::filesystem::remove_all(prefix.settingsFolder());
+        std::filesystem::remove_all(prefix.settings());
         whileAlert = [this] {
             std::cerr << alerts.back().message.toStdString() << "; services asked: " << service->pamCalls().size();
         };
@@ -86,12 +86,12 @@ INSTANTIATE_TEST_SUITE_P(At, DocumentNotStored, testing::Bool(),
 TEST_P(DocumentNotStored, IsToldOnce)
 {
     const bool isSoAtStart = GetParam();
-    store({.users = {{"adam", {1}}}});
+    prefix.store({.users = {{"adam", {1}}}});
     dataSet();
     if (isSoAtStart)
-        std::filesystem::remove_all(prefix.settingsFolder());
+        std::filesystem::remove_all(prefix.settings());
     EXPECT_TRUE(window().isVisible());
-    std::filesystem::remove_all(prefix.settingsFolder());
+    std::filesystem::remove_all(prefix.settings());
     for (int change = 0; change < 2; ++change) {
         dataSet().vantroStandaloneSetting.write();
         bool isQueueEmpty = false;

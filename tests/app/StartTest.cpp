@@ -38,7 +38,7 @@ class Start : public AppFixture
     [[nodiscard]] mode_t mode() const { return modeOf(prefix.settingsDocument()); }
     void storeWithMode(mode_t mode)
     {
-        store({.users = {{"adam", {1}}}});
+        prefix.store({.users = {{"adam", {1}}}});
         ::chmod(prefix.settingsDocument().c_str(), mode);
     }
     static constexpr auto connection = "connectionService() Connection serivce.";
@@ -90,7 +90,7 @@ TEST_P(StartWithADocumentOf, LeavesItAsItIs)
 
 TEST_F(Start, GoesOnWithoutAFolder)
 {
-    std::filesystem::remove(prefix.settingsFolder());
+    std::filesystem::remove(prefix.settings());
     auto records = startRecords();
     ASSERT_EQ(records.size(), 4U);
     EXPECT_EQ(records[0], "init() Create setting file.");

@@ -17,7 +17,7 @@ namespace {
 
 TEST_F(AppFixture, EveryScreenLoadsAndShowsTextsInsteadOfKeys)
 {
-    store({});
+    prefix.store({});
     const QRegularExpression key(QStringLiteral("^[a-z]+(_[a-z]+)*$"));
     for (const NSStoryboard* const storyboard : {&NSStoryboard::named("Main"), &NSStoryboard::named("Alert")}) {
         for (const auto& [identifier, factory] : storyboard->factories()) {

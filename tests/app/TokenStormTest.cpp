@@ -28,15 +28,13 @@ class TokenStorm : public AppFixture
   protected:
     TokenStorm()
     {
-        store({.users = {{"adam", {1}}}, .adminSetting = {.toolLoginAuth = true, .adminKeys = {11, 22}}});
+        prefix.store({.users = {{"adam", {1}}}, .adminSetting = {.toolLoginAuth = true, .adminKeys = {11, 22}}});
         // Now and then a serial can't be read, or the service refuses to say it.
         std::deque<ScriptedService::Answer> serials;
         for (std::uint64_t request = 0; request < cycles; ++request) {
-            auto& answer = serials.emplace_back().content;
+            serials.push_back({request % 20 == 19 ? 0 : 11 * (request % 3 + 1)});
             if (request % 50 == 49)
-                answer = ScriptedService::Refusal{};
-            else
-                answer = request % 20 == 19 ? 0 : 11 * (request % 3 + 1);
+                serials.back().content = ScriptedService::Refusal{};
         }
         service->script("GetSerial", serials);
         service->script("Validate", {{false}});
@@ -157,15 +155,12 @@ TEST_F(TokenStorm, LeavesCountAndAlertRight)
         QTest::keyClick(front, Qt::Key_Escape);
     ASSERT_TRUE(spinUntil([] { return dialogs().empty(); }));
     service->script("GetSerial", {{std::uint64_t{11}}});
-    for (const int count : {1, 2, 3}) {
-        tokens_.at(static_cast<std::size_t>(count) - 1).plugIn();
-        EXPECT_TRUE(spinUntil([&] { return dataSet().connectedYubiKeyCount() == count; }));
-    }
-    EXPECT_TRUE(spinUntil([] { return alertsShown() == 1; }));
+    for (auto& token : tokens_)
+        token.plugIn();
+    EXPECT_TRUE(spinUntil([this] { return dataSet().connectedYubiKeyCount() == 3 && alertsShown() == 1; }));
     for (auto& token : tokens_)
         token.unplug();
-    EXPECT_TRUE(spinUntil([] { return dialogs().empty(); }));
-    EXPECT_EQ(dataSet().connectedYubiKeyCount(), 0);
+    EXPECT_TRUE(spinUntil([this] { return dataSet().connectedYubiKeyCount() == 0 && dialogs().empty(); }));
 }
 
 } // namespace

@@ -68,9 +68,9 @@ TEST_F(UserRegistration, AnAccountThatTheDirectoryListsStaysInItsPlace)
 
 TEST_F(UserRegistration, ATokenMayBelongToSeveralAccounts)
 {
-    store({.users = {{"tester", {12345}}},
-           .masterKeySetting = {.masterKeys = {12345}},
-           .adminSetting = {.adminKeys = {12345}}});
+    prefix.store({.users = {{"tester", {12345}}},
+                  .masterKeySetting = {.masterKeys = {12345}},
+                  .adminSetting = {.adminKeys = {12345}}});
     plugIn(12345);
     const auto dialog = open();
     EXPECT_FALSE(dialog->OKButton->isEnabled());

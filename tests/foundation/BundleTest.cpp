@@ -48,12 +48,5 @@ TEST(Bundle, MainIsFoundFromTheExecutable)
     EXPECT_EQ(Bundle::main().prefix(), executable.parent_path().parent_path());
 }
 
-TEST(Bundle, MainPrefixCanBeSetBeforeTheFirstUse)
-{
-    EXPECT_TRUE(Bundle::setMainPrefix("/first"));
-    EXPECT_TRUE(Bundle::setMainPrefix("/second"));
-    EXPECT_EQ(Bundle::main().prefix(), "/second");
-}
-
 } // namespace
 } // namespace vantro::tests

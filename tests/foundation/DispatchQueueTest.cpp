@@ -1,5 +1,6 @@
 #include "foundation/DispatchQueue.h"
 
+#include <semaphore.h>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,32 +14,16 @@ namespace {
 class DispatchQueueTest : public testing::Test
 {
   protected:
+    DispatchQueueTest() { ::sem_init(&wakes, 0, 0); }
+
     void attach()
     {
-        queue.attach([this] { wake(); });
-    }
-
-    /// Waits for the next wake-up that has not been waited for.
-    void waitForWake()
-    {
-        std::unique_lock lock(mutex);
-        woken.wait(lock, [this] { return wakes > 0; });
-        --wakes;
+        queue.attach([this] { ::sem_post(&wakes); });
     }
 
     DispatchQueue queue;
-    int wakes = 0;
-
-  private:
-    void wake()
-    {
-        const std::lock_guard lock(mutex);
-        ++wakes;
-        woken.notify_all();
-    }
-
-    std::mutex mutex;
-    std::condition_variable woken;
+    /// The wake-ups that have not been waited for.
+    sem_t wakes = {};
 };
 
 TEST_F(DispatchQueueTest, SyncOnTheMainThreadRunsAtOnce)
@@ -47,7 +32,7 @@ TEST_F(DispatchQueueTest, SyncOnTheMainThreadRunsAtOnce)
     bool hasRun = false;
     queue.sync([&] { queue.sync([&] { hasRun = true; }); });
     EXPECT_TRUE(hasRun);
-    EXPECT_EQ(wakes, 0);
+    EXPECT_NE(::sem_trywait(&wakes), 0);
 }
 
 TEST_F(DispatchQueueTest, SyncFromAThreadReturnsWhenTheMainThreadHasFinished)
@@ -63,7 +48,7 @@ TEST_F(DispatchQueueTest, SyncFromAThreadReturnsWhenTheMainThreadHasFinished)
         });
         order.emplace_back("returned");
     });
-    waitForWake();
+    ::sem_wait(&wakes);
     queue.runPending();
     other.join();
     EXPECT_EQ(ranOn, std::this_thread::get_id());
@@ -91,7 +76,7 @@ TEST_F(DispatchQueueTest, AttachingWakesForWhatWasQueuedBefore)
     bool hasRun = false;
     queue.async([&] { hasRun = true; });
     attach();
-    EXPECT_EQ(wakes, 1);
+    EXPECT_EQ(::sem_trywait(&wakes), 0);
     queue.runPending();
     EXPECT_TRUE(hasRun);
 }
@@ -101,7 +86,7 @@ TEST_F(DispatchQueueTest, ClosingReleasesASyncThatWaits)
     attach();
     bool hasRun = false;
     std::thread other([&] { queue.sync([&] { hasRun = true; }); });
-    waitForWake();
+    ::sem_wait(&wakes);
     queue.close();
     other.join();
     std::thread late([&] { queue.sync([&] { hasRun = true; }); });
@@ -123,7 +108,7 @@ TEST_F(DispatchQueueTest, ClosingLetsASyncThatRunsFinish)
         });
         EXPECT_TRUE(hasFinished);
     });
-    waitForWake();
+    ::sem_wait(&wakes);
     queue.runPending();
     other.join();
 }
@@ -146,7 +131,7 @@ TEST_F(DispatchQueueTest, OrdersManyThreads)
         });
     }
     while (finished < threadCount) {
-        waitForWake();
+        ::sem_wait(&wakes);
         queue.runPending();
     }
     for (auto& thread : threads)

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/OperatingSystem.h"
 #include "foundation/XML.h"
 #include "support/TemporaryFolder.h"
 
@@ -74,17 +73,6 @@ TEST(Text, ParsesUnsignedNumbers)
         {"\u0665", {}}};
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(parseUInt64(text), expected) << testing::PrintToString(text);
-}
-
-TEST(OperatingSystem, IsNewerThanAnyVersionUnlessTold)
-{
-    EXPECT_TRUE(ProcessInfo::isOperatingSystemAtLeast({14, 0, 0}));
-    EXPECT_TRUE(ProcessInfo::isOperatingSystemAtLeast({10000, 99, 99}));
-    ProcessInfo::setOperatingSystemVersion({13, 6, 1});
-    EXPECT_FALSE(ProcessInfo::isOperatingSystemAtLeast({14, 0, 0}));
-    EXPECT_FALSE(ProcessInfo::isOperatingSystemAtLeast({13, 6, 2}));
-    EXPECT_TRUE(ProcessInfo::isOperatingSystemAtLeast({13, 6, 1}));
-    EXPECT_TRUE(ProcessInfo::isOperatingSystemAtLeast({12, 99, 99}));
 }
 
 TEST(XML, JudgesWhetherTheBytesAreOneDocument)

@@ -26,7 +26,7 @@ class SettingFileTest : public testing::Test
         // The log is opened before any test gives up its privileges.
         static_cast<void>(LoggerManager::logger("VantroStandalone"));
         fs::permissions(prefix.path(), fs::perms(0755));
-        fs::permissions(prefix.settingsFolder(), fs::perms(0777));
+        fs::permissions(prefix.settings(), fs::perms(0777));
         setting.users.emplace_back("adam").keys.emplace_back(5);
     }
 
@@ -71,7 +71,7 @@ TEST_F(SettingFileTest, AFailureLeavesTheOldOneAndIsInTheLog)
 {
     writeFile(file, "old");
     fs::permissions(file, fs::perms(0666));
-    fs::permissions(prefix.settingsFolder(), fs::perms(0555));
+    fs::permissions(prefix.settings(), fs::perms(0555));
     {
         const WithoutPrivileges nobody;
         document.write(setting);
@@ -85,7 +85,7 @@ TEST_F(SettingFileTest, AFailureLeavesTheOldOneAndIsInTheLog)
         const WithoutPrivileges nobody;
         document.write(setting);
     }
-    fs::permissions(prefix.settingsFolder(), fs::perms(0755));
+    fs::permissions(prefix.settings(), fs::perms(0755));
     fs::permissions(file, fs::perms(0644));
     EXPECT_EQ(contentOf(file), "old");
 }
@@ -230,7 +230,7 @@ TEST_F(SettingFileTest, AnInvalidOneIsKeptWithAllThatWereKeptBefore)
     EXPECT_EQ(contentOf(invalid("")), "third");
     EXPECT_TRUE(fs::exists(fs::path(invalid("-old-2")) / "inside"));
 
-    fs::permissions(prefix.settingsFolder(), fs::perms(0555));
+    fs::permissions(prefix.settings(), fs::perms(0555));
     const WithoutPrivileges nobody;
     EXPECT_TRUE(document.keepInvalid()) << "nothing may take its place";
     EXPECT_EQ(contentOf(file), "third");

@@ -4,7 +4,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <poll.h>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -16,20 +15,13 @@
 namespace vantro::tests {
 namespace {
 
-constexpr int startLimitMilliseconds = 30000;
-
-std::string firstLine(int descriptor)
+/// Nothing more comes from a bus that ends instead of coming up.
+std::string firstLine(const FileDescriptor& file)
 {
     std::string line;
-    pollfd wait = {descriptor, POLLIN, 0};
-    while (::poll(&wait, 1, startLimitMilliseconds) > 0) {
-        char character = 0;
-        if (::read(descriptor, &character, 1) != 1)
-            break;
+    for (char character = 0; ::read(file.get(), &character, 1) == 1; line += character)
         if (character == '\n')
             return line;
-        line += character;
-    }
     throw std::runtime_error("the bus does not come up");
 }
 
@@ -67,7 +59,7 @@ BusDaemon::BusDaemon(std::string rules)
         ::_exit(127);
     }
     writeEnd.close();
-    address_ = firstLine(readEnd.get());
+    address_ = firstLine(readEnd);
     ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address_.c_str(), 1);
 }
 

@@ -28,24 +28,24 @@ int waitForEnd(pid_t process)
 
 std::string rulesFor(PrivateBus::Policy policy)
 {
-    const std::string user = std::to_string(::geteuid());
-    const std::string own = "<allow own=\"" + std::string(label) + "\"/>";
+    // Who runs the tests may stand in for logind as well.
+    std::string rules = R"(
+        <type>system</type>
+        <servicedir>{}/services</servicedir>
+        <policy context="default">
+          <allow user="*"/><deny own="*"/><deny send_type="method_call"/><allow send_type="signal"/>
+          <allow send_requested_reply="true" send_type="method_return"/>
+          <allow send_requested_reply="true" send_type="error"/>
+          <allow receive_type="method_call"/><allow receive_type="method_return"/>
+          <allow receive_type="error"/><allow receive_type="signal"/><allow send_destination="org.freedesktop.DBus"/>
+        </policy>
+        <include>)" VANTRO_BUS_POLICY R"(</include>)";
     const std::string send = "<allow send_destination=\"" + std::string(label) + "\"/>";
-    // For a stand-in.
-    const std::string logind = "<allow own=\"org.freedesktop.login1\"/>"
-                               "<allow send_destination=\"org.freedesktop.login1\"/>";
-    std::string further = "<policy user=\"" + user + "\">" + own + send + logind + "</policy>";
+    rules += "<policy user=\"" + std::to_string(::geteuid()) + "\"><allow own=\"" + std::string(label) + "\"/>" + send +
+             R"(<allow own="org.freedesktop.login1"/><allow send_destination="org.freedesktop.login1"/></policy>)";
     if (policy == PrivateBus::Policy::Open)
-        further += "<policy context=\"mandatory\">" + send + "</policy>";
-    return "<type>system</type><servicedir>{}/services</servicedir>"
-           "<policy context=\"default\"><allow user=\"*\"/><deny own=\"*\"/>"
-           "<deny send_type=\"method_call\"/><allow send_type=\"signal\"/>"
-           "<allow send_requested_reply=\"true\" send_type=\"method_return\"/>"
-           "<allow send_requested_reply=\"true\" send_type=\"error\"/><allow receive_type=\"method_call\"/>"
-           "<allow receive_type=\"method_return\"/><allow receive_type=\"error\"/>"
-           "<allow receive_type=\"signal\"/><allow send_destination=\"org.freedesktop.DBus\"/></policy>"
-           "<include>" VANTRO_BUS_POLICY "</include>" +
-           further;
+        rules += "<policy context=\"mandatory\">" + send + "</policy>";
+    return rules;
 }
 
 } // namespace

@@ -64,8 +64,7 @@ ScriptedService::ScriptedService()
     answers_[service_method::getSerial] = {{std::uint64_t{1}}};
     answers_[service_method::lastFailure] = {{std::string()}};
     thread_ = std::thread([this] { run(); });
-    std::unique_lock lock(mutex_);
-    started_.wait(lock, [this] { return isStarted_; });
+    started_.get_future().wait();
 }
 
 ScriptedService::~ScriptedService()
@@ -74,7 +73,7 @@ ScriptedService::~ScriptedService()
         const std::lock_guard lock(mutex_);
         isStopping_ = true;
     }
-    wake();
+    wakeEvent_.wake();
     thread_.join();
 }
 
@@ -87,11 +86,7 @@ void ScriptedService::run()
                                [this, name = method.name](const sdbus::MethodCall& call) { take(name, call); });
     object->finishRegistration();
     connection->requestName(label);
-    {
-        const std::lock_guard lock(mutex_);
-        isStarted_ = true;
-    }
-    started_.notify_all();
+    started_.set_value();
 
     try {
         for (;;) {
@@ -146,11 +141,6 @@ void ScriptedService::sendDue()
                                            [now](const Pending& pending) { return pending.due > now; });
     std::for_each(due, pending_.end(), [](const Pending& pending) { pending.send(); });
     pending_.erase(due, pending_.end());
-}
-
-void ScriptedService::wake() const
-{
-    wakeEvent_.wake();
 }
 
 void ScriptedService::script(const std::string& method, std::deque<Answer> answers)

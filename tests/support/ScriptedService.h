@@ -1,9 +1,9 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <future>
 #include <map>
 #include <mutex>
 #include <string>
@@ -75,14 +75,12 @@ class ScriptedService
     void run();
     void take(const std::string& method, const sdbus::MethodCall& received);
     void sendDue();
-    void wake() const;
 
     mutable std::mutex mutex_;
     std::map<std::string, std::deque<Answer>> answers_;
     std::vector<Call> calls_;
-    bool isStarted_ = false;
     bool isStopping_ = false;
-    std::condition_variable started_;
+    std::promise<void> started_;
 
     WakeEvent wakeEvent_;
     /// The thread's alone.

@@ -7,6 +7,8 @@
 
 #include <sdbus-c++/sdbus-c++.h>
 
+#include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
+
 namespace vantro::tests {
 
 /// Calls the service over a connection of its own and waits for the answer. An error reply is thrown as sdbus::Error.
@@ -14,8 +16,6 @@ namespace vantro::tests {
 class ServiceClient
 {
   public:
-    ServiceClient();
-
     std::uint64_t getSerial() { return call<std::uint64_t>("GetSerial"); }
     bool createCRSettingFile(std::uint64_t serial) { return call<bool>("CreateCRSettingFile", serial); }
     bool removeCRSettingFile(std::uint64_t serial) { return call<bool>("RemoveCRSettingFile", serial); }
@@ -23,13 +23,13 @@ class ServiceClient
     bool savePamSetting(const std::vector<std::uint8_t>& setting) { return call<bool>("SavePamSetting", setting); }
     bool removePamSetting(const std::vector<std::uint8_t>& setting) { return call<bool>("RemovePamSetting", setting); }
 
-    std::string lastFailure() { return callOn<std::string>(diagnosis, "LastFailure"); }
+    std::string lastFailure() { return callOn<std::string>(diagnosisInterface, "LastFailure"); }
 
   private:
     template <class Value, class... Arguments>
     Value call(const std::string& method, const Arguments&... arguments)
     {
-        return callOn<Value>(interface, method, arguments...);
+        return callOn<Value>(label, method, arguments...);
     }
 
     template <class Value, class... Arguments>
@@ -44,10 +44,8 @@ class ServiceClient
         return value;
     }
 
-    static const char* const interface;
-    static const char* const diagnosis;
-    std::unique_ptr<sdbus::IConnection> connection_;
-    std::unique_ptr<sdbus::IProxy> proxy_;
+    std::unique_ptr<sdbus::IConnection> connection_ = sdbus::createSystemBusConnection();
+    std::unique_ptr<sdbus::IProxy> proxy_ = sdbus::createProxy(*connection_, label, serviceObjectPath);
 };
 
 } // namespace vantro::tests

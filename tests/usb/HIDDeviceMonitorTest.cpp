@@ -4,7 +4,6 @@
 #include <any>
 #include <atomic>
 #include <cstddef>
-#include <mutex>
 #include <set>
 #include <thread>
 #include <vector>
@@ -13,12 +12,10 @@
 
 #include "emulation/TokenBed.h"
 #include "emulation/VirtualToken.h"
-#include "support/WaitUntil.h"
+#include "support/Recorder.h"
 
 namespace vantro {
 namespace {
-
-using tests::waitUntil;
 
 class HIDDeviceMonitorTest : public testing::Test
 {
@@ -35,11 +32,8 @@ class HIDDeviceMonitorTest : public testing::Test
         for (const auto& name : {HIDDeviceConnected, HIDDeviceDisconnected})
             observations_.push_back(
                 NotificationCenter::defaultCenter().addObserver(name, [this](const Notification& notification) {
-                    {
-                        const std::lock_guard lock(mutex_);
-                        posts_.push_back({notification.name, std::any_cast<HIDDevice>(notification.object),
-                                          std::this_thread::get_id()});
-                    }
+                    posts_.add(
+                        {notification.name, std::any_cast<HIDDevice>(notification.object), std::this_thread::get_id()});
                     isHeldUp_.wait(true);
                 }));
     }
@@ -56,12 +50,6 @@ class HIDDeviceMonitorTest : public testing::Test
         thread_ = std::thread([this] { ended_ = monitor_.start(); });
     }
 
-    [[nodiscard]] std::vector<Post> posts()
-    {
-        const std::lock_guard lock(mutex_);
-        return posts_;
-    }
-
     lab::TokenBed bed_;
     lab::VirtualToken token_{bed_, {}};
     HIDDeviceMonitor monitor_{{{0x1050, 0x0407}, {0x1050, 0x0116}}, 64};
@@ -70,9 +58,9 @@ class HIDDeviceMonitorTest : public testing::Test
     /// While true, the monitor's thread stays in the observer.
     std::atomic<bool> isHeldUp_ = false;
 
+    tests::Recorder<Post> posts_;
+
   private:
-    std::mutex mutex_;
-    std::vector<Post> posts_;
     std::vector<Observation> observations_;
 };
 
@@ -80,11 +68,11 @@ TEST_F(HIDDeviceMonitorTest, PostsOnItsThreadForEveryInterface)
 {
     token_.plugIn();
     start();
-    ASSERT_TRUE(waitUntil([this] { return posts().size() == 2; }));
+    ASSERT_TRUE(posts_.reaches(2));
     token_.unplug();
-    ASSERT_TRUE(waitUntil([this] { return posts().size() == 4; }));
+    ASSERT_TRUE(posts_.reaches(4));
 
-    const auto all = posts();
+    const auto all = posts_.all();
     EXPECT_EQ(all[0].name, HIDDeviceConnected);
     EXPECT_EQ(all[0].device.reportSize, 8U);
     EXPECT_EQ(all[1].name, HIDDeviceConnected);
@@ -106,15 +94,15 @@ TEST_F(HIDDeviceMonitorTest, TheFirstTokenIsWholeAlsoWhenItIsPulledOutWhileItIsL
         lab::VirtualToken token(bed_, {});
         HIDDeviceMonitor monitor({{0x1050, 0x0407}}, 64);
         std::thread thread([&monitor] { EXPECT_FALSE(monitor.start()); });
-        const auto before = posts().size();
+        const auto before = posts_.all().size();
         token.plugIn(first);
-        ASSERT_TRUE(waitUntil([&] { return posts().size() == before + 1; }));
+        ASSERT_TRUE(posts_.reaches(before + 1));
         token.plugIn();
         token.unplug();
         isHeldUp_ = false;
         isHeldUp_.notify_all();
-        ASSERT_TRUE(waitUntil([&] { return posts().size() == before + 4; }));
-        const auto all = posts();
+        ASSERT_TRUE(posts_.reaches(before + 4));
+        const auto all = posts_.all();
         EXPECT_EQ(std::count_if(
                       all.begin() + static_cast<std::ptrdiff_t>(before), all.end(),
                       [](const Post& post) { return post.name == HIDDeviceConnected && post.device.reportSize == 64; }),
@@ -137,17 +125,17 @@ TEST_F(HIDDeviceMonitorTest, ForeignDevicesAreNotPosted)
     foreignVendor.plugIn();
     foreignToken.unplug();
     token_.plugIn();
-    ASSERT_TRUE(waitUntil([this] { return posts().size() >= 2; }));
-    EXPECT_EQ(posts().size(), 2U);
-    EXPECT_EQ(posts().front().device.productId, 0x0407);
-    EXPECT_EQ(posts().front().device.vendorId, 0x1050);
+    ASSERT_TRUE(posts_.reaches(2));
+    EXPECT_EQ(posts_.all().size(), 2U);
+    EXPECT_EQ(posts_.all().front().device.productId, 0x0407);
+    EXPECT_EQ(posts_.all().front().device.vendorId, 0x1050);
 }
 
 TEST_F(HIDDeviceMonitorTest, StopEndsTheLoopAndEveryLaterStart)
 {
     start();
     token_.plugIn();
-    ASSERT_TRUE(waitUntil([this] { return posts().size() == 2; }));
+    ASSERT_TRUE(posts_.reaches(2));
     monitor_.stop();
     thread_.join();
     EXPECT_FALSE(ended_);

@@ -84,10 +84,10 @@ class HidInterfacesTest : public testing::Test
 
 TEST_F(HidInterfacesTest, ReportsWhatIsThereThenWhatComesAndGoes)
 {
-    first.plugIn();
     second.plugIn();
+    first.plugIn();
     watcher.enumerate();
-    EXPECT_THAT(take(), ElementsAre("+0407/8", "+0407/64", "+0116/8", "+0116/64")) << "the longest there first";
+    EXPECT_THAT(take(), ElementsAre("+0116/8", "+0116/64", "+0407/8", "+0407/64")) << "the longest there first";
     watcher.processEvents();
     EXPECT_THAT(take(), ElementsAre()) << "their events are still in the socket and tell nothing new";
 

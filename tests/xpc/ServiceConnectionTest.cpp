@@ -2,7 +2,6 @@
 
 #include <limits>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -13,6 +12,7 @@
 
 #include "VantroStandaloneXPCSupport/ServiceProxy.h"
 #include "support/PlainBus.h"
+#include "support/Recorder.h"
 #include "support/ScriptedService.h"
 #include "support/WaitUntil.h"
 
@@ -25,38 +25,15 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-/// Far longer than anything here takes, far shorter than the bus's own time-out.
-constexpr auto ample = 20s;
-
-/// What a connection told its user, in order: the reply's value, "error: NAME" or the handler's name.
-class Told
+/// What a connection told its user: the reply's value, "error: NAME" or the handler's name.
+struct Told : Recorder<std::string>
 {
-  public:
     void add(const std::string& text)
     {
-        const std::lock_guard lock(mutex_);
-        texts_.push_back(text);
-        threads_.push_back(std::this_thread::get_id());
+        threads.add(std::this_thread::get_id());
+        Recorder::add(text);
     }
-    [[nodiscard]] std::vector<std::string> texts() const
-    {
-        const std::lock_guard lock(mutex_);
-        return texts_;
-    }
-    [[nodiscard]] std::vector<std::thread::id> threads() const
-    {
-        const std::lock_guard lock(mutex_);
-        return threads_;
-    }
-    [[nodiscard]] bool reaches(std::size_t count) const
-    {
-        return waitUntil([&] { return texts().size() >= count; }, ample);
-    }
-
-  private:
-    mutable std::mutex mutex_;
-    std::vector<std::string> texts_;
-    std::vector<std::thread::id> threads_;
+    Recorder<std::thread::id> threads;
 };
 
 class ServiceConnection : public testing::Test
@@ -75,11 +52,11 @@ class ServiceConnection : public testing::Test
     /// The code of the error of one more request; nothing when the proxy's own handler does not hear of it before.
     std::optional<NSXPCConnectionError> codeOfNext()
     {
-        const std::size_t before = told.texts().size();
+        const std::size_t before = told.all().size();
         std::optional<NSXPCConnectionError> code;
         proxy
             ->withErrorHandler([&](const NSError& error) {
-                if (told.texts().size() > before)
+                if (told.all().size() > before)
                     code = error.code;
                 told.add("handed on");
             })
@@ -125,7 +102,7 @@ TEST_F(ServiceConnection, EachRequestCarriesItsArgumentAndItsReply)
     proxy->lastFailureWithReply([this](const std::string& reason) { told.add(reason); });
 
     ASSERT_TRUE(told.reaches(7));
-    EXPECT_THAT(told.texts(), ElementsAre("18446744073709551615", "true", "false", "true", "true", "true", "jump"));
+    EXPECT_THAT(told.all(), ElementsAre("18446744073709551615", "true", "false", "true", "true", "true", "jump"));
     EXPECT_THAT(service->methods(), ElementsAre("GetSerial", "CreateCRSettingFile", "RemoveCRSettingFile", "Validate",
                                                 "SavePamSetting", "RemovePamSetting"));
     EXPECT_EQ(service->calls()[1].serial, largest);
@@ -139,7 +116,7 @@ TEST_F(ServiceConnection, WhatIsNoReplyOfTheTypeIsAnError)
     service->script("Validate", {{ScriptedService::Refusal()}});
     validate();
     ASSERT_TRUE(told.reaches(1));
-    EXPECT_EQ(told.texts().back(), "error: com.vantro.Standalone1.Error.Refused");
+    EXPECT_EQ(told.all().back(), "error: com.vantro.Standalone1.Error.Refused");
 
     // The bus library lets no service answer with a type that its method does not promise, so it is the expectation
     // that is wrong here.
@@ -147,13 +124,13 @@ TEST_F(ServiceConnection, WhatIsNoReplyOfTheTypeIsAnError)
     const std::pair<const char*, XPCReplyType> mismatches[] = {{"Validate", XPCReplyType::UnsignedInteger},
                                                                {"GetSerial", XPCReplyType::Boolean}};
     for (const auto& [method, type] : mismatches) {
-        const std::size_t before = told.texts().size();
+        const std::size_t before = told.all().size();
         const XPCArgument argument = type == XPCReplyType::Boolean ? XPCArgument() : XPCArgument(std::uint64_t{7});
         connection->send(
             {label, method}, argument, type, [this](const XPCValue&) { told.add("a value"); },
             [this](const NSError& error) { told.add("error: " + error.name); });
         ASSERT_TRUE(told.reaches(before + 1));
-        EXPECT_THAT(told.texts().back(), StartsWith("error: "));
+        EXPECT_THAT(told.all().back(), StartsWith("error: "));
     }
 }
 
@@ -171,10 +148,10 @@ TEST_F(ServiceConnection, AnErrorHasACodeForWhatItsReceiverMayTellApart)
         EXPECT_EQ(codeOfNext(), code) << name;
     }
     service.reset();
-    ASSERT_TRUE(waitUntil([this] { return told.texts().back() == "interrupted"; }));
+    ASSERT_TRUE(waitUntil([this] { return told.all().back() == "interrupted"; }));
     EXPECT_EQ(codeOfNext(), ServiceMissing);
     bus.end();
-    ASSERT_TRUE(waitUntil([this] { return told.texts().back() == "invalidated"; }));
+    ASSERT_TRUE(waitUntil([this] { return told.all().back() == "invalidated"; }));
     EXPECT_EQ(codeOfNext(), ConnectionInvalid);
 }
 
@@ -185,21 +162,7 @@ TEST_F(ServiceConnection, AReplyBlockThatNeverRunsIsDestroyedAfterTheErrorHandle
     proxy->validateWithSerialNo(1, [held](bool) { ADD_FAILURE() << "a refused request was answered"; });
     held.reset();
     ASSERT_TRUE(told.reaches(2));
-    EXPECT_THAT(told.texts(), ElementsAre("error: com.vantro.Standalone1.Error.Refused", "destroyed"));
-}
-
-TEST_F(ServiceConnection, RepliesAndErrorsComeOnTheConnectionsOwnThread)
-{
-    validate();
-    service->script("CreateCRSettingFile", {{ScriptedService::Refusal()}});
-    createFile();
-    ASSERT_TRUE(told.reaches(2));
-    service.reset();
-    ASSERT_TRUE(told.reaches(3));
-    const auto threads = told.threads();
-    EXPECT_NE(threads[0], std::this_thread::get_id());
-    EXPECT_EQ(threads[1], threads[0]);
-    EXPECT_EQ(threads[2], threads[0]);
+    EXPECT_THAT(told.all(), ElementsAre("error: com.vantro.Standalone1.Error.Refused", "destroyed"));
 }
 
 TEST_F(ServiceConnection, ASlowRequestDelaysNoOther)
@@ -210,26 +173,10 @@ TEST_F(ServiceConnection, ASlowRequestDelaysNoOther)
     getSerial();
     createFile();
     ASSERT_TRUE(told.reaches(2));
-    EXPECT_THAT(told.texts(), ElementsAre("true", "5"));
+    EXPECT_THAT(told.all(), ElementsAre("true", "5"));
 }
 
-TEST_F(ServiceConnection, AMissingServiceFailsEachMessageUntilItComes)
-{
-    createFile();
-    ASSERT_TRUE(told.reaches(1));
-    service.reset();
-    ASSERT_TRUE(told.reaches(2));
-    validate();
-    getSerial();
-    ASSERT_TRUE(told.reaches(4));
-    EXPECT_THAT(told.texts(), ElementsAre("true", "interrupted", unknown, unknown));
-    service.emplace();
-    validate();
-    ASSERT_TRUE(told.reaches(5));
-    EXPECT_EQ(told.texts().back(), "true");
-}
-
-TEST_F(ServiceConnection, AServiceThatDiesInACallInterruptsAndTheSameProxyGoesOn)
+TEST_F(ServiceConnection, AServiceThatDiesInACallInterruptsAndTheSameProxyGoesOnOnceItIsBack)
 {
     service->script("Validate", {{ScriptedService::Silence()}});
     validate();
@@ -237,12 +184,19 @@ TEST_F(ServiceConnection, AServiceThatDiesInACallInterruptsAndTheSameProxyGoesOn
     ASSERT_TRUE(told.reaches(1));
     service.reset();
     ASSERT_TRUE(told.reaches(3));
-    EXPECT_THAT(told.texts(), testing::UnorderedElementsAre("true", noReply, "interrupted"));
-
+    EXPECT_THAT(told.all(), testing::UnorderedElementsAre("true", noReply, "interrupted"));
+    for (const std::size_t count : {4U, 5U}) {
+        validate();
+        ASSERT_TRUE(told.reaches(count));
+        EXPECT_EQ(told.all().back(), unknown);
+    }
     service.emplace();
     getSerial();
-    ASSERT_TRUE(told.reaches(4));
-    EXPECT_EQ(told.texts().back(), "1");
+    ASSERT_TRUE(told.reaches(6));
+    EXPECT_EQ(told.all().back(), "1");
+    const auto threads = told.threads.all();
+    EXPECT_THAT(threads, testing::Each(threads.front())) << "all on the connection's own";
+    EXPECT_NE(threads.front(), std::this_thread::get_id());
 }
 
 TEST_F(ServiceConnection, ABusThatDiesInvalidatesForGood)
@@ -253,16 +207,16 @@ TEST_F(ServiceConnection, ABusThatDiesInvalidatesForGood)
     ASSERT_TRUE(told.reaches(1));
     bus.end();
     ASSERT_TRUE(told.reaches(3));
-    EXPECT_THAT(told.texts()[1], StartsWith("error: org.freedesktop.DBus.Error."));
-    EXPECT_EQ(told.texts()[2], "invalidated");
+    EXPECT_THAT(told.all()[1], StartsWith("error: org.freedesktop.DBus.Error."));
+    EXPECT_EQ(told.all()[2], "invalidated");
 
     const PlainBus another;
     const ScriptedService backAgain;
     createFile();
     getSerial();
     ASSERT_TRUE(told.reaches(5));
-    EXPECT_THAT(told.texts()[3], StartsWith("error: "));
-    EXPECT_THAT(told.texts()[4], StartsWith("error: "));
+    EXPECT_THAT(told.all()[3], StartsWith("error: "));
+    EXPECT_THAT(told.all()[4], StartsWith("error: "));
     EXPECT_THAT(backAgain.calls(), IsEmpty());
 }
 
@@ -279,14 +233,14 @@ TEST_F(ServiceConnection, AConnectionMadeWithoutABusOpensWithTheFirstMessageThat
     const auto isLate = [](const std::string& text) { return text.starts_with("late error: "); };
     validate();
     ASSERT_TRUE(waitUntil([&] {
-        const auto texts = told.texts();
+        const auto texts = told.all();
         return std::any_of(texts.begin(), texts.end(), isLate);
     }));
 
     const PlainBus another;
     service.emplace();
     validate();
-    ASSERT_TRUE(waitUntil([&] { return told.texts().back() == "true"; }));
+    ASSERT_TRUE(waitUntil([&] { return told.all().back() == "true"; }));
 }
 
 TEST_F(ServiceConnection, DestructionDropsWhatIsUnderWay)
