@@ -16,7 +16,6 @@
 #include "VantroStandaloneNames.h"
 #include "VantroStandaloneSetting/VantroStandaloneSetting.h"
 #include "module/ModuleFixture.h"
-#include "support/Privileges.h"
 
 namespace vantro::tests {
 namespace {

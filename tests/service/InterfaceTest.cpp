@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <memory>
 #include <regex>
 #include <sstream>
 #include <vector>
@@ -64,20 +62,16 @@ std::vector<Call> callsIn(const std::string& page)
     return calls;
 }
 
-std::string outputOf(const std::string& command)
+/// Makes a page's calls, each of which must print what the page shows.
+void expectAsShown(const std::string& page)
 {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(
-        ::popen(("cd '" VANTRO_SOURCE_FOLDER "'; unset LD_PRELOAD; " + command + " 2>&1").c_str(), "r"), ::pclose);
-    std::string output;
-    std::array<char, 4096> buffer = {};
-    while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr)
-        output += buffer.data();
-    return output;
+    const auto calls = callsIn(page);
+    EXPECT_THAT(calls, Not(IsEmpty()));
+    for (const auto& call : calls)
+        EXPECT_EQ(outputOf("cd '" VANTRO_SOURCE_FOLDER "'; " + call.command), call.output) << call.command;
 }
 
-class InterfaceTest : public ServiceFixture
-{
-};
+using InterfaceTest = ServiceFixture;
 
 TEST_F(InterfaceTest, InstalledFileDescribesTheRunningService)
 {
@@ -121,10 +115,8 @@ TEST_F(InterfaceTest, DocumentedRecoveryTakesTheEntriesOut)
         const PamSetting setting{service, ModuleInterface::Auth, ControlFlag::Required, "pam_vantro_standalone.so"};
         ASSERT_TRUE(client.savePamSetting(setting.archived().value()));
     }
-    const std::string page = std::regex_replace(contentOf(VANTRO_SOURCE_FOLDER "/docs/security.md"),
-                                                std::regex("/etc/pam\\.d"), prefix.pamServices().string());
-    for (const auto& call : callsIn(page))
-        EXPECT_EQ(outputOf(call.command), call.output) << call.command;
+    expectAsShown(std::regex_replace(contentOf(VANTRO_SOURCE_FOLDER "/docs/security.md"), std::regex("/etc/pam\\.d"),
+                                     prefix.pamServices().string()));
     for (const auto& entry : std::filesystem::directory_iterator(prefix.pamServices()))
         EXPECT_EQ(contentOf(entry.path()), comment) << entry.path();
 }
@@ -134,10 +126,7 @@ TEST_F(InterfaceTest, DocumentedCallsAnswerAsShown)
     writeFile(prefix.pamServices() / "authorization", "# Empty.\n");
     lab::VirtualToken token(bed, tokenOf(12345678));
     token.plugIn();
-    const auto calls = callsIn(contentOf(VANTRO_SOURCE_FOLDER "/docs/service.md"));
-    EXPECT_THAT(calls, Not(IsEmpty()));
-    for (const auto& call : calls)
-        EXPECT_EQ(outputOf(call.command), call.output) << call.command;
+    expectAsShown(contentOf(VANTRO_SOURCE_FOLDER "/docs/service.md"));
 }
 
 } // namespace

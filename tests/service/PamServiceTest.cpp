@@ -1,12 +1,9 @@
 // PAM entries, through the real service and its folders.
 
 #include <array>
-#include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <future>
 
-#include <sys/mount.h>
 #include <sys/stat.h>
 
 #include "VantroStandaloneSetting/PamSetting.h"
@@ -29,9 +26,7 @@ ArchiveData archiveOf(const std::string& service, ControlFlag flag)
 class PamServiceTest : public ServiceFixture
 {
   protected:
-    PamServiceTest() { writeServices(); }
-
-    void writeServices() const
+    PamServiceTest()
     {
         for (const char* const service : services)
             writeFile(prefix.pamServices() / service, comment);
@@ -59,14 +54,7 @@ TEST_F(PamServiceTest, SavesAndRemovesTheEntry)
         EXPECT_EQ(textOf(service), comment + optionalLine);
         EXPECT_FALSE(save(service, ControlFlag::Required)) << "there is no module, and no key";
     }
-    fs::copy_file(fs::path(VANTRO_LIBPAM_MODULES_FOLDER) / "pam_permit.so",
-                  prefix.pamModules() / "pam_vantro_standalone.so");
-    fs::copy_file(VANTRO_SOURCE_FOLDER "/fuzz/seeds/setting/example.xml",
-                  prefix.settings() / "VantroStandaloneSetting.xml");
-    EXPECT_FALSE(save("authorization", ControlFlag::Required)) << "there is no record";
-    lab::VirtualToken token(bed, tokenOf(1));
-    token.plugIn();
-    ASSERT_TRUE(client.createCRSettingFile(1));
+    prefix.makeDemandable();
     for (const char* const service : services) {
         EXPECT_TRUE(save(service, ControlFlag::Required));
         EXPECT_EQ(textOf(service), comment + requiredLine);
@@ -84,49 +72,6 @@ TEST_F(PamServiceTest, SavesAndRemovesTheEntry)
     EXPECT_TRUE(client.removePamSetting(archiveOf("authorization", ControlFlag::Required)));
     EXPECT_EQ(textOf("authorization"), comment);
     EXPECT_TRUE(client.removePamSetting(archiveOf("authorization", ControlFlag::Required))) << "it is gone already";
-}
-
-/// The folder of PAM services on a file system of its own, which is small and can be made read-only.
-class SmallFileSystemTest : public PamServiceTest
-{
-  protected:
-    void SetUp() override
-    {
-        isMounted_ = ::mount("tmpfs", prefix.pamServices().c_str(), "tmpfs", 0, "size=16k,mode=0755") == 0;
-        if (!isMounted_)
-            GTEST_SKIP() << "needs to be allowed to mount: " << std::strerror(errno);
-        writeServices();
-    }
-
-    void TearDown() override
-    {
-        PamServiceTest::TearDown();
-        if (isMounted_)
-            ::umount2(prefix.pamServices().c_str(), MNT_DETACH);
-    }
-
-  private:
-    bool isMounted_ = false;
-};
-
-TEST_F(SmallFileSystemTest, FullDiskLeavesTheOldFile)
-{
-    const auto filler = prefix.pamServices() / "filler";
-    EXPECT_ANY_THROW(writeFile(filler, std::string(65536, 'x')));
-    EXPECT_FALSE(save("authorization", ControlFlag::Optional));
-    EXPECT_TRUE(logSays("No space left on device"));
-    EXPECT_EQ(textOf("authorization"), comment);
-    EXPECT_EQ(std::distance(fs::directory_iterator(prefix.pamServices()), fs::directory_iterator()), 4);
-    fs::remove(filler);
-    EXPECT_TRUE(save("authorization", ControlFlag::Optional));
-}
-
-TEST_F(SmallFileSystemTest, ReadOnlyFolderLeavesTheOldFile)
-{
-    ASSERT_EQ(::mount(nullptr, prefix.pamServices().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
-    EXPECT_FALSE(save("authorization", ControlFlag::Optional));
-    EXPECT_TRUE(logSays("Read-only file system"));
-    EXPECT_EQ(textOf("authorization"), comment);
 }
 
 TEST_F(PamServiceTest, KilledBetweenTwoFilesLeavesBothWhole)
@@ -151,12 +96,9 @@ TEST_F(PamServiceTest, KilledBetweenTwoFilesLeavesBothWhole)
 
 TEST_F(PamServiceTest, TokenThatIsWaitedForDelaysNoEntry)
 {
-    auto profile = tokenOf(11);
-    profile.otp.slots[1].needsTouch = true;
-    lab::VirtualToken token(bed, profile);
+    lab::VirtualToken token(bed, blinkingTokenOf(11));
     token.plugIn();
-    auto written = std::async(std::launch::async, [] { return ServiceClient().createCRSettingFile(11); });
-    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+    auto written = whenBlinking(token, [] { return ServiceClient().createCRSettingFile(11); });
     EXPECT_TRUE(save("authorization", ControlFlag::Optional));
     EXPECT_EQ(written.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
     token.touch();

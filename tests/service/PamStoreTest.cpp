@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,10 +12,12 @@
 
 #include <elf.h>
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "LoggerManager/LoggerManager.h"
+#include "support/Privileges.h"
 #include "support/TemporaryFolder.h"
 
 namespace vantro::service {
@@ -44,7 +47,6 @@ class PamStoreTest : public testing::Test
             fs::create_directory(folder);
         EXPECT_EQ(::chmod(records_.c_str(), 0700), 0);
         reset();
-        add("two", permit + permit);
         add("nested", include);
         fs::create_symlink("authorization", folders_.services / "alias");
     }
@@ -231,6 +233,23 @@ TEST_F(PamStoreTest, DemandIsAllOrNothingAndCanAlwaysBeTakenBack)
     EXPECT_EQ(saveAll(ControlFlag::Required), Reasons(3, std::string(failure_reason::writeFailed)));
 }
 
+TEST_F(PamStoreTest, AFullOrReadOnlyDiskLeavesTheOldFile)
+{
+    const tests::SmallFileSystem disk(folders_.services);
+    if (!disk.isMounted())
+        GTEST_SKIP() << "mounting a small file system needs root";
+    reset();
+    const auto filler = folders_.services / "filler";
+    EXPECT_ANY_THROW(tests::writeFile(filler, std::string(2 * tests::SmallFileSystem::size, '#')));
+    EXPECT_EQ(save("authorization", ControlFlag::Optional), failure_reason::diskFull);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folders_.services), {}), 4) << "what was written is gone";
+    fs::remove(filler);
+    EXPECT_EQ(save("authorization", ControlFlag::Optional), done);
+    ASSERT_EQ(::mount(nullptr, folders_.services.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+    EXPECT_EQ(save("screensaver", ControlFlag::Optional), failure_reason::writeFailed);
+    EXPECT_EQ(texts(), (std::vector{empty + optionalLine, empty, empty}));
+}
+
 TEST_F(PamStoreTest, FilesThatAreNotTheServicesOwnAreRefused)
 {
     const auto file = folders_.services / "screensaver";
@@ -262,10 +281,10 @@ TEST_F(PamStoreTest, FilesThatAreNotTheServicesOwnAreRefused)
     EXPECT_EQ(save("screensaver", ControlFlag::Optional), unusable);
 }
 
+/// How libpam counts is compared with libpam itself, by the program pam_stack.
 TEST_F(PamStoreTest, NoJumpOfAnotherServiceLeadsOverTheEntry)
 {
     const std::string absolute = "@include " + (folders_.services / "authorization").string() + "\n";
-    const std::string comment(1100, '#');
     const std::string jumps(failure_reason::jump);
     const std::string unreadable(failure_reason::includerUnreadable);
     const struct
@@ -280,16 +299,7 @@ TEST_F(PamStoreTest, NoJumpOfAnotherServiceLeadsOverTheEntry)
         {jump + "@include nested\n", jumps},
         {jump + "@include ../pam.d/authorization\n", jumps},
         {jump + "auth [include] authorization\n", jumps},
-        {jump + "account required pam_permit.so\n-@include authorization\n", jumps},
-        {"auth success=1 pam_unix.so\n" + include, jumps},
         {"auth [success=99999999999999999999999] pam_unix.so\n" + include, jumps},
-        {"bogus [success=1 default=ignore] pam_unix.so\n" + include, done},
-        {"bogus [perm_denied=1 default=ignore] pam_unix.so\n" + include, jumps},
-        {"auth [success=2] pam_unix.so\nauth substack two\n" + include, jumps},
-        {jump + "auth substack two\n" + include, done},
-        {jump + "# one\r\n" + include, jumps},
-        {jump + "#" + std::string(1, '\0') + "\n" + include, jumps},
-        {jump + comment + "\n" + include, jumps},
         {jump + std::string(70000, '\n') + include, jumps},
         {jump + "auth include missing\n" + include, done},
         {"@include missing\n" + jump + include, done},

@@ -2,9 +2,13 @@
 
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
+#include <future>
 #include <iostream>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -24,6 +28,39 @@ inline lab::TokenProfile tokenOf(std::uint32_t serial)
     profile.otp.serial = serial;
     profile.otp.slots[1].key = lab::SlotKey{1, 2, 3};
     return profile;
+}
+
+/// The same, whose slot wants a touch.
+inline lab::TokenProfile blinkingTokenOf(std::uint32_t serial)
+{
+    auto profile = tokenOf(serial);
+    profile.otp.slots[1].needsTouch = true;
+    return profile;
+}
+
+/// A token with the serial, whose second slot has another secret.
+inline lab::TokenProfile forgedTokenOf(std::uint32_t serial)
+{
+    auto profile = tokenOf(serial);
+    profile.otp.slots[1].key = lab::SlotKey{3, 2, 1};
+    return profile;
+}
+
+/// What a shell command prints, errors included; outside of the emulation.
+inline std::string outputOf(const std::string& command)
+{
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(("unset LD_PRELOAD; " + command + " 2>&1").c_str(), "r"),
+                                                     ::pclose);
+    std::string output;
+    for (int character = 0; pipe && (character = std::fgetc(pipe.get())) != EOF;)
+        output += static_cast<char>(character);
+    return output;
+}
+
+/// The same, run as "nobody", with groups as setpriv is told them. Needs root.
+inline std::string saidByNobody(const std::string& command, const std::string& groups = "--clear-groups")
+{
+    return outputOf("setpriv --reuid=65534 --regid=65534 " + groups + " " + command);
 }
 
 /// The real service on a private bus, started by the first call, with virtual tokens to plug in.
@@ -53,6 +90,15 @@ class ServiceFixture : public testing::Test
                            return true;
                    return false;
                });
+    }
+
+    /// Makes a request on a thread of its own, and answers it when the token waits for a touch.
+    template <class Request>
+    [[nodiscard]] static auto whenBlinking(const lab::VirtualToken& token, Request request)
+    {
+        auto answer = std::async(std::launch::async, std::move(request));
+        EXPECT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+        return answer;
     }
 
     void TearDown() override

@@ -1,17 +1,15 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <future>
 #include <limits>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
-#include "VantroStandaloneSetting/SettingFile.h"
+#include "VantroStandaloneSetting/SettingText.h"
 #include "VantroStandaloneXPCSupport/VantroStandaloneServiceProtocol.h"
 #include "service/ServiceFixture.h"
-#include "support/Privileges.h"
 
 namespace vantro::tests {
 namespace {
@@ -30,9 +28,7 @@ std::string callAs(const std::string& groups, const PrivateBus& bus)
                         groups);
 }
 
-class SerialTest : public ServiceFixture
-{
-};
+using SerialTest = ServiceFixture;
 
 TEST_F(SerialTest, NewestTokenAnswers)
 {
@@ -48,15 +44,6 @@ TEST_F(SerialTest, NewestTokenAnswers)
     second.plugIn();
     first.plugIn();
     EXPECT_EQ(client.getSerial(), 11U) << "plugged in again, it is the newest";
-}
-
-TEST_F(SerialTest, TokensFromBeforeTheStartCountByTheirAge)
-{
-    VirtualToken first(bed, tokenOf(11));
-    VirtualToken second(bed, tokenOf(12));
-    second.plugIn();
-    first.plugIn();
-    EXPECT_EQ(client.getSerial(), 11U);
 }
 
 TEST_F(SerialTest, WaitsForTheKeyboardInterface)
@@ -120,9 +107,7 @@ TEST_F(SerialTest, HangingTokenIsGivenUpAndDelaysNobodyElse)
     EXPECT_LT(Clock::now() - start, 5s);
 }
 
-class RecordTest : public ServiceFixture
-{
-};
+using RecordTest = ServiceFixture;
 
 TEST_F(RecordTest, IsWrittenForTheTokenThatHasTheSerial)
 {
@@ -147,27 +132,15 @@ TEST_F(RecordTest, StaysWithTheTokenThatItWasWrittenForWhileAnyListNamesIt)
     token.plugIn();
     ASSERT_TRUE(client.createCRSettingFile(11));
     token.unplug();
-    auto profile = tokenOf(11);
-    profile.otp.slots[1].key = lab::SlotKey{3, 2, 1};
-    VirtualToken claimant(bed, profile);
+    VirtualToken claimant(bed, forgedTokenOf(11));
     claimant.plugIn();
-    const fs::path document = prefix.settings() / SettingFile::fileName;
-    std::vector<std::function<void()>> namings;
-    for (int list = 0; list < 3; ++list)
-        namings.emplace_back([this, list] {
-            VantroStandaloneSetting setting;
-            setting.users.emplace_back("alice");
-            auto* const keys = list == 0   ? &setting.users.back().keys
-                               : list == 1 ? &setting.masterKeySetting.masterKeys
-                                           : &setting.adminSetting.adminKeys;
-            keys->emplace_back(11);
-            prefix.store(setting);
-        });
-    namings.emplace_back([&] { writeFile(document, "<"); });
+    const std::string documents[] = {serialised({.users = {{"alice", {11}}}}),
+                                     serialised({.masterKeySetting = {.masterKeys = {11}}}),
+                                     serialised({.adminSetting = {.adminKeys = {11}}}), "<"};
     const std::string record = contentOf(recordOf(11));
-    for (const auto& name : namings) {
-        name();
-        EXPECT_FALSE(client.createCRSettingFile(11)) << contentOf(document);
+    for (const auto& document : documents) {
+        writeFile(prefix.settingsDocument(), document);
+        EXPECT_FALSE(client.createCRSettingFile(11)) << document;
         EXPECT_EQ(client.lastFailure(), "claims-another");
         EXPECT_EQ(contentOf(recordOf(11)), record);
     }
@@ -194,12 +167,9 @@ TEST_F(RecordTest, TakesSlotOneWhenSlotTwoIsNotProgrammed)
 
 TEST_F(RecordTest, WaitsForATouch)
 {
-    auto profile = tokenOf(11);
-    profile.otp.slots[1].needsTouch = true;
-    VirtualToken token(bed, profile);
+    VirtualToken token(bed, blinkingTokenOf(11));
     token.plugIn();
-    auto written = std::async(std::launch::async, [this] { return client.createCRSettingFile(11); });
-    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+    auto written = whenBlinking(token, [this] { return client.createCRSettingFile(11); });
     token.touch();
     EXPECT_TRUE(written.get());
 
@@ -209,8 +179,7 @@ TEST_F(RecordTest, WaitsForATouch)
     EXPECT_EQ(client.lastFailure(), "not-touched");
     EXPECT_FALSE(token.isWaitingForTouch()) << "it goes on blinking";
 
-    auto interrupted = std::async(std::launch::async, [this] { return client.createCRSettingFile(11); });
-    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+    auto interrupted = whenBlinking(token, [this] { return client.createCRSettingFile(11); });
     token.unplug();
     EXPECT_FALSE(interrupted.get());
     EXPECT_TRUE(logSays("The token was unplugged."));
@@ -249,18 +218,15 @@ TEST_F(RecordTest, RefusalsWriteNothing)
 
 TEST_F(RecordTest, ServiceEndsCleanlyInTheMiddleOfARequest)
 {
-    auto profile = tokenOf(11);
-    profile.otp.slots[1].needsTouch = true;
-    VirtualToken token(bed, profile);
+    VirtualToken token(bed, blinkingTokenOf(11));
     token.plugIn();
-    auto written = std::async(std::launch::async, [] {
+    auto written = whenBlinking(token, [] {
         try {
             return ServiceClient().createCRSettingFile(11);
         } catch (const sdbus::Error&) {
             return false;
         }
     });
-    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
     const auto start = Clock::now();
     EXPECT_EQ(bus.endService(SIGTERM), 0);
     EXPECT_LT(Clock::now() - start, 3s);
@@ -277,9 +243,7 @@ TEST_F(RecordTest, RequestsOfOneAccountLeaveRoomForOthers)
 {
     if (::geteuid() != 0)
         GTEST_SKIP() << "needs root to call as another user";
-    auto profile = tokenOf(11);
-    profile.otp.slots[1].needsTouch = true;
-    VirtualToken token(bed, profile);
+    VirtualToken token(bed, blinkingTokenOf(11));
     token.plugIn();
     EXPECT_EQ(client.getSerial(), 11U);
     constexpr int flood = 60;

@@ -12,11 +12,9 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using lab::VirtualToken;
 
-class ValidateTest : public ServiceFixture
-{
-};
+using ValidateTest = ServiceFixture;
 
-TEST_F(ValidateTest, RightTokenIsValidAndItsChallengeIsRenewed)
+TEST_F(ValidateTest, RightTokenIsValidAndItsChallengeIsRenewedUntilItsRecordIsRemoved)
 {
     VirtualToken wanted(bed, tokenOf(11));
     VirtualToken newest(bed, tokenOf(12));
@@ -31,6 +29,11 @@ TEST_F(ValidateTest, RightTokenIsValidAndItsChallengeIsRenewed)
         EXPECT_EQ(modeOf(recordOf(11)), 0600U);
     }
     EXPECT_FALSE(client.validate(12)) << "it has no record";
+    EXPECT_TRUE(client.removeCRSettingFile(11));
+    EXPECT_TRUE(client.removeCRSettingFile(11)) << "it is gone already";
+    EXPECT_FALSE(client.validate(11));
+    EXPECT_FALSE(fs::exists(recordOf(11)));
+    EXPECT_TRUE(client.removeCRSettingFile(18446744073709551615U));
 }
 
 TEST_F(ValidateTest, AnotherSecretOrNoTokenIsRefused)
@@ -43,9 +46,7 @@ TEST_F(ValidateTest, AnotherSecretOrNoTokenIsRefused)
     EXPECT_FALSE(client.validate(11));
     EXPECT_TRUE(logSays("No token is plugged in."));
 
-    auto profile = tokenOf(11);
-    profile.otp.slots[1].key = lab::SlotKey{3, 2, 1};
-    VirtualToken forged(bed, profile);
+    VirtualToken forged(bed, forgedTokenOf(11));
     forged.plugIn();
     EXPECT_FALSE(client.validate(11));
     EXPECT_TRUE(logSays("Its response is not the one of the record"));
@@ -60,34 +61,33 @@ TEST_F(ValidateTest, AnotherSecretOrNoTokenIsRefused)
 
 TEST_F(ValidateTest, WaitsForATouchAndThenKeepsTheChallenge)
 {
-    auto profile = tokenOf(11);
-    profile.otp.slots[1].needsTouch = true;
-    VirtualToken token(bed, profile);
+    VirtualToken token(bed, blinkingTokenOf(11));
     token.plugIn();
-    auto written = std::async(std::launch::async, [this] { return client.createCRSettingFile(11); });
-    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+    auto written = whenBlinking(token, [this] { return client.createCRSettingFile(11); });
     token.touch();
     ASSERT_TRUE(written.get());
 
     const std::string record = contentOf(recordOf(11));
-    auto validated = std::async(std::launch::async, [this] { return client.validate(11); });
-    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+    auto validated = whenBlinking(token, [this] { return client.validate(11); });
     EXPECT_EQ(validated.wait_for(4500ms), std::future_status::timeout) << "there is time to find the token";
     token.touch();
     EXPECT_TRUE(validated.get());
-    auto overtaken = std::async(std::launch::async, [this] { return client.validate(11); });
-    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+    auto overtaken = whenBlinking(token, [this] { return client.validate(11); });
     EXPECT_TRUE(ServiceClient().removeCRSettingFile(11));
     token.touch();
     EXPECT_FALSE(overtaken.get()) << "its record went while it was waited for";
     EXPECT_EQ(client.lastFailure(), "no-record");
     writeFile(recordOf(11), record, 0600);
     // The token is free again only after everything that belongs to the validation.
-    auto next = std::async(std::launch::async, [this] { return client.createCRSettingFile(11); });
-    ASSERT_TRUE(waitUntil([&token] { return token.isWaitingForTouch(); }));
+    auto next = whenBlinking(token, [this] { return client.createCRSettingFile(11); });
     EXPECT_EQ(contentOf(recordOf(11)), record);
     token.touch();
     EXPECT_TRUE(next.get());
+
+    auto interrupted = whenBlinking(token, [this] { return client.validate(11); });
+    token.unplug();
+    EXPECT_FALSE(interrupted.get());
+    EXPECT_EQ(client.lastFailure(), "token-gone");
 }
 
 TEST_F(ValidateTest, AFullDiskKeepsTheOldChallenge)
@@ -105,19 +105,6 @@ TEST_F(ValidateTest, AFullDiskKeepsTheOldChallenge)
         EXPECT_EQ(contentOf(recordOf(11)), record);
     }
     ::umount2(prefix.records().c_str(), MNT_DETACH);
-}
-
-TEST_F(ValidateTest, RemovedRecordIsGoneForGood)
-{
-    VirtualToken token(bed, tokenOf(11));
-    token.plugIn();
-    ASSERT_TRUE(client.createCRSettingFile(11));
-    EXPECT_TRUE(client.validate(11));
-    EXPECT_TRUE(client.removeCRSettingFile(11));
-    EXPECT_TRUE(client.removeCRSettingFile(11));
-    EXPECT_FALSE(client.validate(11));
-    EXPECT_FALSE(fs::exists(recordOf(11)));
-    EXPECT_TRUE(client.removeCRSettingFile(18446744073709551615U));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "support/Privileges.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <exception>
 #include <sched.h>
 #include <string>
@@ -23,23 +22,9 @@ WithoutPrivileges::~WithoutPrivileges()
         std::terminate();
 }
 
-std::string saidByNobody(const std::string& command, const std::string& groups)
-{
-    const std::string whole =
-        "setpriv --reuid=65534 --regid=65534 " + groups + " env -u LD_PRELOAD " + command + " 2>&1";
-    FILE* const pipe = ::popen(whole.c_str(), "r");
-    std::string said;
-    char buffer[256];
-    while (pipe != nullptr && std::fgets(buffer, sizeof buffer, pipe) != nullptr)
-        said += buffer;
-    if (pipe != nullptr)
-        ::pclose(pipe);
-    return said;
-}
-
 SmallFileSystem::SmallFileSystem(const std::filesystem::path& folder) : folder_(folder)
 {
-    const std::string options = "size=" + std::to_string(size);
+    const std::string options = "mode=0755,size=" + std::to_string(size);
     isMounted_ = ::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                  ::mount("tmpfs", folder_.c_str(), "tmpfs", 0, options.c_str()) == 0;
 }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <string>
 
 #include <unistd.h>
 
@@ -20,10 +19,6 @@ class WithoutPrivileges
   private:
     uid_t user_ = ::geteuid();
 };
-
-/// What a shell's command prints that is run as "nobody", with groups as setpriv is told them and without what this
-/// process has preloaded. Needs root.
-[[nodiscard]] std::string saidByNobody(const std::string& command, const std::string& groups = "--clear-groups");
 
 /// A file system of a few pages, mounted on an existing folder for this process alone. Needs root.
 class SmallFileSystem
