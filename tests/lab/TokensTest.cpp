@@ -6,12 +6,10 @@
 #include <cstddef>
 #include <cstring>
 #include <functional>
-#include <future>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <fcntl.h>
@@ -25,11 +23,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "emulation/Preload.h"
 #include "emulation/TokenBed.h"
 #include "emulation/VirtualToken.h"
 #include "foundation/FileDescriptor.h"
-#include "support/WaitUntil.h"
 #include "tokens/OtpExchange.h"
 
 using namespace std::chrono_literals;
@@ -52,9 +48,8 @@ Limit within(Limit::Clock::duration duration)
 std::optional<OtpApplication::Report> readReport(const FileDescriptor& device)
 {
     std::array<std::uint8_t, 9> buffer{};
-    if (::ioctl(device.get(), HIDIOCGFEATURE(9), buffer.data()) < 0) {
+    if (::ioctl(device.get(), HIDIOCGFEATURE(9), buffer.data()) < 0)
         return std::nullopt;
-    }
     OtpApplication::Report report{};
     std::copy(buffer.begin() + 1, buffer.end(), report.begin());
     return report;
@@ -101,9 +96,8 @@ TEST(VirtualToken, AnswersAsATokenDoes)
     EXPECT_EQ(readReport(opened("/dev/hidraw0"))->back(), 0) << "the reset leaves nothing to read";
 
     Challenge challenge{};
-    for (std::size_t index = 0; index < challenge.size(); ++index) {
+    for (std::size_t index = 0; index < challenge.size(); ++index)
         challenge[index] = static_cast<std::uint8_t>(index * 7);
-    }
     const auto first = answerChallenge("/dev/hidraw0", Slot::One, challenge, within(5s));
     ASSERT_TRUE(first);
     EXPECT_EQ(first->response, hmac(firstKey, challenge)) << "the padding is not part of the challenge";
@@ -116,27 +110,6 @@ TEST(VirtualToken, AnswersAsATokenDoes)
     EXPECT_FALSE(readReport(opened("/dev/hidraw1"))) << "only the keyboard interface has the feature report";
 }
 
-TEST(VirtualToken, KeepsSilentWithoutASecretAndWaitsForATouch)
-{
-    TokenBed bed;
-    TokenProfile description = profile(7);
-    description.otp.slots[0].key.reset();
-    description.otp.slots[1].needsTouch = true;
-    VirtualToken token(bed, description);
-    token.plugIn();
-
-    EXPECT_EQ(answerChallenge("/dev/hidraw0", Slot::One, {}, within(5s)).failure(), TokenFailure::SlotNotProgrammed);
-
-    auto answered =
-        std::async(std::launch::async, [] { return answerChallenge("/dev/hidraw0", Slot::Two, {}, within(5s)); });
-    EXPECT_TRUE(vantro::tests::waitUntil([&token] { return token.isWaitingForTouch(); }));
-    token.touch();
-    EXPECT_FALSE(token.isWaitingForTouch());
-    const auto answer = answered.get();
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->response, hmac(secondKey, Challenge{}));
-}
-
 TEST(VirtualToken, HasNoAnswerWhereTimeRunsOutBeforeItTookTheCommand)
 {
     TokenBed bed;
@@ -145,27 +118,6 @@ TEST(VirtualToken, HasNoAnswerWhereTimeRunsOutBeforeItTookTheCommand)
     VirtualToken token(bed, description);
     token.plugIn();
     EXPECT_EQ(reasonOf(readSerial("/dev/hidraw0", within(75ms)).failure()), failure_reason::noAnswer);
-}
-
-TEST(VirtualToken, IsGoneForWhoeverHasItOpen)
-{
-    TokenBed bed;
-    TokenProfile description = profile(0x01020304);
-    description.transferTime = 50ms;
-    VirtualToken token(bed, description);
-    for (int round = 0; round < 3; ++round) {
-        token.plugIn();
-        const FileDescriptor device = opened("/dev/hidraw0");
-        ASSERT_TRUE(readReport(device));
-        std::thread finger([&token] { token.unplug(); });
-        int error = 0;
-        for (int attempt = 0; attempt < 100 && error == 0; ++attempt) {
-            error = readReport(device) ? 0 : errno;
-        }
-        finger.join();
-        EXPECT_EQ(error, ENODEV) << std::strerror(error);
-        EXPECT_FALSE(opened("/dev/hidraw0"));
-    }
 }
 
 namespace {
@@ -212,9 +164,8 @@ class Child
   public:
     explicit Child(const std::function<int()>& body) : process_(::fork())
     {
-        if (process_ == 0) {
+        if (process_ == 0)
             ::_exit(body());
-        }
     }
 
     [[nodiscard]] int wait() const
@@ -242,13 +193,11 @@ TEST(TokenBed, TellsEveryListeningProcessInOrder)
             continue;
         const Listener listener;
         const char descriptor = static_cast<char>(listener.descriptor());
-        if (::write(ready[1], &descriptor, 1) != 1) {
+        if (::write(ready[1], &descriptor, 1) != 1)
             return 1;
-        }
         for (const char* const expected : {"add hidraw0", "add hidraw1", "remove hidraw1", "remove hidraw0"}) {
-            if (listener.next() != expected) {
+            if (listener.next() != expected)
                 return 2;
-            }
         }
         return 0;
     };
@@ -268,37 +217,4 @@ TEST(TokenBed, TellsEveryListeningProcessInOrder)
     token.unplug();
     EXPECT_EQ(one.wait(), 0);
     EXPECT_EQ(other.wait(), 0);
-}
-
-TEST(TokenBed, WaitsForAListenerThatIsBehindAndOutlivesOneThatIsGone)
-{
-    TokenBed bed;
-    {
-        const Listener gone;
-    }
-    const Listener listener;
-    const TokenProfile description = profile(1);
-    VirtualToken token(bed, description);
-    constexpr int rounds = 12;
-    std::thread plugging([&token] {
-        for (int round = 0; round < rounds; ++round) {
-            token.plugIn();
-            token.unplug();
-        }
-    });
-    // Let the queue fill up before the first event is read.
-    std::this_thread::sleep_for(100ms);
-    int events = 0;
-    while (events < rounds * 4 && !listener.next().empty()) {
-        ++events;
-    }
-    plugging.join();
-    EXPECT_EQ(events, rounds * 4);
-}
-
-int main(int argc, char** argv)
-{
-    reexecuteUnderPreload(argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
 }
