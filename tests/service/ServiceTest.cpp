@@ -46,6 +46,15 @@ TEST_F(SerialTest, NewestTokenAnswers)
     EXPECT_EQ(client.getSerial(), 11U) << "plugged in again, it is the newest";
 }
 
+TEST_F(SerialTest, TokensFromBeforeTheStartCountByTheirAge)
+{
+    VirtualToken first(bed, tokenOf(11));
+    VirtualToken second(bed, tokenOf(12));
+    second.plugIn();
+    first.plugIn();
+    EXPECT_EQ(client.getSerial(), 11U);
+}
+
 TEST_F(SerialTest, WaitsForTheKeyboardInterface)
 {
     VirtualToken token(bed, tokenOf(11));
