@@ -1,16 +1,24 @@
 // The settings document and the lists against what the libraries below them need for the same data.
+//
+// - A document of 100,000 keys is loaded and saved. The floor: pugixml loads it into a tree, saves that, and the file
+// is
+//   brought to the disk.
+// - 100,000 rows are stored in a list, each through the property's setter, and what the table shows of them is painted.
+//   The floor: the same rows are made, and the model of the same table is reset once.
 
 #include <cstdint>
-#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <string>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 #include <QApplication>
-#include <benchmark/benchmark.h>
 #include <pugixml.hpp>
 
+#include "Many.h"
+#include "Measure.h"
 #include "Model/KeyModels.h"
 #include "VantroStandaloneSetting/SettingFile.h"
 #include "appkit/NSArrayController.h"
@@ -21,94 +29,72 @@ namespace {
 
 using namespace vantro;
 
-constexpr std::uint64_t keyCount = 100'000;
+constexpr std::size_t keyCount = 100'000;
+constexpr int rounds = 21;
 
-VantroStandaloneSetting largeSetting()
-{
-    VantroStandaloneSetting setting;
-    for (std::uint64_t key = 1; key <= keyCount; ++key) {
-        if (key % 10 == 1)
-            setting.users.emplace_back("account" + std::to_string(key));
-        setting.users.back().keys.emplace_back(key);
-    }
-    return setting;
-}
-
-void documentLoadAndSave(benchmark::State& state)
+void measureDocument()
 {
     SettingFile file;
-    file.write(largeSetting());
-    for (auto _ : state)
-        file.write(file.read().value());
-}
-
-void documentLoadAndSaveFloor(benchmark::State& state)
-{
-    SettingFile file;
-    file.write(largeSetting());
+    file.write(bench::documentOf(keyCount));
     const std::string path = file.url().string();
-    for (auto _ : state) {
-        pugi::xml_document document;
-        document.load_file(path.c_str());
-        document.save_file(path.c_str(), "  ");
-        const FileDescriptor written(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-        ::fsync(written.get());
-    }
+    const auto loadAndSave = [&file] { return bench::millisecondsOf([&file] { file.write(file.read().value()); }); };
+    const auto floor = [&path] {
+        return bench::millisecondsOf([&path] {
+            pugi::xml_document document;
+            document.load_file(path.c_str());
+            document.save_file(path.c_str(), "  ");
+            const FileDescriptor written(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+            ::fsync(written.get());
+        });
+    };
+    bench::printRow("a document of 100,000 keys, load and save", bench::compareInTurns(rounds, loadAndSave, floor),
+                    "ms", 1.5);
 }
 
-std::vector<NSArrayController<MasterKeyModel>::Column> serialColumn()
-{
-    return {{QStringLiteral("Serial"), [](const MasterKeyModel& row) { return QString::fromStdString(row.serial()); }}};
-}
-
-/// Times `fill` together with what the table then reads for its first screen.
-template <class Fill>
-void measureList(benchmark::State& state, Fill fill)
+void measureList()
 {
     KeyValueArray<MasterKeyModel> rows;
-    NSArrayController<MasterKeyModel> controller(rows, serialColumn());
+    NSArrayController<MasterKeyModel> controller(rows, {{QStringLiteral("Serial"), [](const MasterKeyModel& row) {
+                                                             return QString::fromStdString(row.serial());
+                                                         }}});
     QTableView table;
     controller.setTableView(&table);
     table.show();
-    for (auto _ : state) {
-        fill(rows);
-        controller.setSelectionIndexes({});
-        QApplication::processEvents();
-    }
+    const auto untilPainted = [&controller](const auto& fill) {
+        return bench::millisecondsOf([&] {
+            fill();
+            controller.setSelectionIndexes({});
+            QApplication::processEvents();
+        });
+    };
+    const auto eachThroughTheSetter = [&] {
+        return untilPainted([&rows] {
+            rows.set({});
+            for (std::uint64_t key = 1; key <= keyCount; ++key)
+                rows.append(MasterKeyModel(key));
+        });
+    };
+    const auto oneReset = [&] {
+        return untilPainted([&rows] {
+            std::vector<MasterKeyModel> all;
+            for (std::uint64_t key = 1; key <= keyCount; ++key)
+                all.emplace_back(key);
+            rows.set(std::move(all));
+        });
+    };
+    bench::printRow("100,000 list rows, each through the setter",
+                    bench::compareInTurns(rounds, eachThroughTheSetter, oneReset), "ms", 2);
 }
-
-/// Every row through the setter.
-void listRows(benchmark::State& state)
-{
-    measureList(state, [](KeyValueArray<MasterKeyModel>& rows) {
-        rows.set({});
-        for (std::uint64_t key = 1; key <= keyCount; ++key)
-            rows.append(MasterKeyModel(key));
-    });
-}
-
-void listRowsFloor(benchmark::State& state)
-{
-    measureList(state, [](KeyValueArray<MasterKeyModel>& rows) {
-        std::vector<MasterKeyModel> all;
-        for (std::uint64_t key = 1; key <= keyCount; ++key)
-            all.emplace_back(key);
-        rows.set(std::move(all));
-    });
-}
-
-BENCHMARK(documentLoadAndSaveFloor)->Unit(benchmark::kMillisecond);
-BENCHMARK(documentLoadAndSave)->Unit(benchmark::kMillisecond);
-BENCHMARK(listRowsFloor)->Unit(benchmark::kMillisecond);
-BENCHMARK(listRows)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const vantro::tests::TemporaryPrefix prefix;
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const tests::TemporaryPrefix prefix;
     const QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::run([] {
+        measureDocument();
+        measureList();
+    });
 }

@@ -1,0 +1,64 @@
+#include "Measure.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+namespace vantro::bench {
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+double medianOf(int rounds, const Measure& measure)
+{
+    static_cast<void>(measure());
+    std::vector<double> values;
+    for (int round = 0; round < rounds; ++round)
+        values.push_back(measure());
+    return median(values);
+}
+
+Comparison compareInTurns(int rounds, const Measure& ours, const Measure& floor)
+{
+    static_cast<void>(ours());
+    static_cast<void>(floor());
+    std::vector<double> valuesOfOurs;
+    std::vector<double> valuesOfFloor;
+    for (int round = 0; round < rounds; ++round) {
+        valuesOfOurs.push_back(ours());
+        valuesOfFloor.push_back(floor());
+    }
+    return {median(valuesOfOurs), median(valuesOfFloor)};
+}
+
+void printRow(const char* what, const Comparison& comparison, const char* unit, double goal)
+{
+    const double ratio = comparison.ours / comparison.floor;
+    std::printf("%s\t%.2f\t%.2f\t%s\t%.2f\t%.1f\t%s\n", what, comparison.ours, comparison.floor, unit, ratio, goal,
+                ratio <= goal ? "ok" : "misses");
+    std::fflush(stdout);
+}
+
+void printGrowth(const char* what, std::size_t count, double milliseconds)
+{
+    std::printf("%s\t%zu\t%.2f\n", what, count, milliseconds);
+    std::fflush(stdout);
+}
+
+int run(const std::function<void()>& measurements)
+{
+    try {
+        measurements();
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "This can't be measured: %s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}
+
+} // namespace vantro::bench
