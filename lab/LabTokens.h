@@ -16,8 +16,7 @@ struct LabToken
     std::unique_ptr<VirtualToken> token;
 };
 
-/// The tokens that lie on the table when the lab opens, none plugged in: two that work, one without a secret, one that
-/// wants a touch.
+/// The tokens that lie on the table when the lab opens, those of labProfiles(), none plugged in.
 [[nodiscard]] std::vector<LabToken> makeLabTokens(TokenBed& bed);
 
 } // namespace vantro::lab

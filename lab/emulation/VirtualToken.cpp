@@ -8,21 +8,6 @@ namespace vantro::lab {
 
 namespace {
 
-/// A boot keyboard with the 8-byte feature report of the OTP application.
-const std::vector<std::uint8_t> keyboardDescriptor{
-    0x05, 0x01, 0x09, 0x06, 0xa1, 0x01, 0x05, 0x07, 0x19, 0xe0, 0x29, 0xe7, 0x15, 0x00, 0x25, 0x01, 0x75, 0x01,
-    0x95, 0x08, 0x81, 0x02, 0x95, 0x01, 0x75, 0x08, 0x81, 0x01, 0x95, 0x05, 0x75, 0x01, 0x05, 0x08, 0x19, 0x01,
-    0x29, 0x05, 0x91, 0x02, 0x95, 0x01, 0x75, 0x03, 0x91, 0x01, 0x95, 0x06, 0x75, 0x08, 0x15, 0x00, 0x25, 0x65,
-    0x05, 0x07, 0x19, 0x00, 0x29, 0x65, 0x81, 0x00, 0x09, 0x03, 0x75, 0x08, 0x95, 0x08, 0xb1, 0x02, 0xc0};
-
-std::vector<std::uint8_t> fidoDescriptor(std::uint16_t reportSize)
-{
-    const auto low = static_cast<std::uint8_t>(reportSize & 0xffU);
-    const auto high = static_cast<std::uint8_t>(reportSize >> 8U);
-    return {0x06, 0xd0, 0xf1, 0x09, 0x01, 0xa1, 0x01, 0x09, 0x20, 0x15, 0x00, 0x26, 0xff, 0x00, 0x75, 0x08, 0x96, low,
-            high, 0x81, 0x02, 0x09, 0x21, 0x15, 0x00, 0x26, 0xff, 0x00, 0x75, 0x08, 0x96, low,  high, 0x91, 0x02, 0xc0};
-}
-
 std::string hexadecimal(unsigned int number)
 {
     char buffer[16];
@@ -56,11 +41,11 @@ void VirtualToken::plugInDevice()
     usbPath_ = bed_.addDevice("usb", usbName_, "",
                               {{"idVendor", hexadecimal(profile_.vendorId)},
                                {"idProduct", hexadecimal(profile_.productId)},
-                               {"bcdDevice", "0543"},
+                               {"bcdDevice", hexadecimal(tokenRelease)},
                                {"busnum", "1"},
                                {"devnum", std::to_string(deviceNumber)},
-                               {"manufacturer", "Token Lab"},
-                               {"product", "Virtual token"}},
+                               {"manufacturer", tokenManufacturer},
+                               {"product", tokenProduct}},
                               {{"DEVTYPE", "usb_device"},
                                {"DRIVER", "usb"},
                                {"PRODUCT", product},
@@ -91,15 +76,15 @@ void VirtualToken::plugIn(TokenInterface interface)
     description.usbName = usbName_;
     description.vendorId = profile_.vendorId;
     description.productId = profile_.productId;
-    description.productName = "Token Lab Virtual token";
+    description.productName = std::string(tokenManufacturer) + " " + tokenProduct;
     description.transferTime = profile_.transferTime;
     if (isKeyboard) {
         description.subClass = 1;
         description.protocol = 1;
-        description.reportDescriptor = keyboardDescriptor;
+        description.reportDescriptor = keyboardReportDescriptor();
     } else {
         description.interfaceNumber = 1;
-        description.reportDescriptor = fidoDescriptor(profile_.fidoReportSize);
+        description.reportDescriptor = fidoReportDescriptor(profile_.fidoReportSize);
     }
     node =
         std::make_unique<HidNode>(bed_, description, [this, isKeyboard](bool isWrite, std::span<std::uint8_t> report) {

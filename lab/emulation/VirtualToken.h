@@ -1,42 +1,17 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <span>
 #include <string>
-#include <vector>
 
-#include "VantroStandaloneNames.h"
 #include "emulation/HidNode.h"
 #include "emulation/OtpApplication.h"
 #include "emulation/TokenBed.h"
+#include "emulation/TokenProfile.h"
 
 namespace vantro::lab {
-
-/// The HID interfaces of a token.
-enum class TokenInterface
-{
-    keyboard,
-    fido
-};
-
-/// What a virtual token is like. With another vendor, product or report size it is a foreign device.
-struct TokenProfile
-{
-    /// Serial number, slots and the time to an answer.
-    OtpProfile otp;
-    std::uint16_t vendorId = names::tokenVendor;
-    std::uint16_t productId = names::tokenProducts[0];
-    /// The FIDO interface's input report in bytes.
-    std::uint16_t fidoReportSize = 64;
-    /// The interfaces that plugIn() brings, in this order; a hidraw node gets its number when it comes.
-    std::vector<TokenInterface> interfaces{TokenInterface::keyboard, TokenInterface::fido};
-    /// How long each transfer of a feature report takes: a slow bus, where OtpProfile::replyDelay is a slow
-    /// token.
-    std::chrono::milliseconds transferTime{0};
-};
 
 /// A token that can be plugged into a bed, touched and pulled out, as often as wanted. Any thread. The bed must outlive
 /// it; destroying it pulls it out.
