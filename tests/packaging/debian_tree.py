@@ -1,25 +1,16 @@
-"""A Debian tree of its own to install packages into: made once by mmdebstrap, unpacked anew for each use."""
+"""A Debian tree of its own to install packages into."""
 
-import hashlib
-import platform
-import shutil
 import subprocess
 import sys
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "lab" / "tour"))
+for folder in ("tour", "machine"):
+    sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "lab" / folder))
 
+from trees import packed_tree, run, unpack  # noqa: E402
 from waiting import wait_for  # noqa: E402
 
 PATIENCE_SECONDS = 60
-
-
-def run(*command, **options):
-    """Runs a program that must succeed; what it says is shown when it does not."""
-    ran = subprocess.run(command, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False, **options)
-    if ran.returncode != 0:
-        raise RuntimeError(f"{' '.join(map(str, command))}\n{ran.stdout}")
-    return ran.stdout
 
 
 class DebianTree:
@@ -27,31 +18,11 @@ class DebianTree:
 
     def __init__(self, folder, packages):
         """Unpacks a tree with these packages below the folder. The packed tree is kept there for the next time."""
-        folder.mkdir(parents=True, exist_ok=True)
         self.root = folder / "tree"
         self._log = folder / "boot.log"
         self._enter = ["chroot", self.root]
         self._container = None
-        release = platform.freedesktop_os_release()["VERSION_CODENAME"]
-        key = hashlib.sha256(" ".join([release, *packages]).encode()).hexdigest()[:16]
-        packed = folder / f"base-{key}.tar"
-        if not packed.exists():
-            print(f"Making a Debian tree ({release}); the next time it is there.", flush=True)
-            for old in folder.glob("base-*.tar"):
-                old.unlink()
-            making = folder / "base-unfinished.tar"
-            run("mmdebstrap", "--variant=minbase", f"--include={','.join(packages)}", release, making, *self._mirror(release))
-            making.rename(packed)
-        if self.root.exists():
-            shutil.rmtree(self.root)
-        self.root.mkdir()
-        run("tar", "-xpf", packed, "--numeric-owner", "-C", self.root)
-
-    @staticmethod
-    def _mirror(release):
-        """Where this machine's apt has its own packages from; nothing where that is not known, and mmdebstrap chooses."""
-        sites = run("apt-get", "indextargets", "--format", "$(SITE) $(CODENAME)", "Created-By: Packages").splitlines()
-        return [site.split()[0] for site in sites if site.endswith(" " + release)][:1]
+        unpack(packed_tree(folder, packages), self.root)
 
     def start_bus(self):
         """Starts the system's bus and nothing else; the bus itself starts services."""
