@@ -1,0 +1,82 @@
+"""The machine is switched off in the middle of a change, and started again."""
+
+import random
+import time
+import xml.etree.ElementTree
+
+from desktop_scenes import FIRST
+from image import ADMINISTRATOR, PASSWORD
+from visiting import DOCUMENT, PAM_SERVICES, RECORDS
+from waiting import NotSo
+
+CUTS_OF_EACH = 5
+# Within this time after the key the change is made, on an emulated machine that has nothing else to do.
+LONGEST_SECONDS = 3.0
+
+
+def _files(visit):
+    """What a change may be in the middle of: the document's keys and switch, and the PAM services."""
+    said = visit.machine.must(f"cat {DOCUMENT}")
+    document = xml.etree.ElementTree.fromstring(said)
+    users = [(user.findtext("Account"), [key.text for key in user.iter("Serial")]) for user in document.iter("UserSetting")]
+    pam = [visit.machine.must(f"cat /etc/pam.d/{name}") for name in PAM_SERVICES]
+    return users, document.findtext("SwitchSetting/SecureMode"), pam
+
+
+def _cut(visit, snapshot, what, key, is_whole):
+    """One cut: what is there after the next start, and whether somebody can sign in."""
+    visit.machine.go_back(snapshot)
+    before = _files(visit)
+    instant = random.uniform(0, LONGEST_SECONDS)
+    visit.machine.press(key)
+    # The instant is what is tried, not what is waited for.
+    time.sleep(instant)
+    visit.machine.cut_power()
+    visit.machine.start("systemd.unit=multi-user.target")
+    try:
+        after = _files(visit)
+    except xml.etree.ElementTree.ParseError as error:
+        raise NotSo(f"{what}, switched off after {instant:.2f} s: the document is not whole: {error}") from error
+    text = f"{what}, switched off after {instant:.2f} s: "
+    visit.see(is_whole(visit, before, after, text), text + _told(before, after))
+    visit.lay_out_tokens()
+    visit.plug(FIRST)
+    status, said = visit.machine.run(f"echo {PASSWORD} | pamtester lightdm {ADMINISTRATOR} authenticate")
+    visit.see(status == 0, f"{text}{ADMINISTRATOR} signs in: {said.strip().splitlines()[-1]}")
+    visit.see_same(visit.machine.must(f"find /etc/pam.d {RECORDS} -name '.*.new'"), "", f"{text}nothing half is left")
+
+
+def _told(before, after):
+    return "all as before" if before == after else f"keys {after[0]}, demanded: {after[1]}, entries " + ", ".join(
+        "old" if old == new else "new" for old, new in zip(before[2], after[2]))
+
+
+def _registration_is_whole(visit, before, after, text):
+    """The key is there with a record that it passes, or it is not there."""
+    is_there = after[0] == [(ADMINISTRATOR, [FIRST])]
+    if is_there:
+        visit.see_same(visit.machine.must(f"head -2 {RECORDS}/{FIRST}"), f"vantro-challenge-response 1\nserial {FIRST}\n",
+                       text + "the record is there")
+    return (is_there or after[0] == before[0]) and after[1:] == before[1:]
+
+
+def _demand_is_whole(_, before, after, __):
+    """Each PAM service is the old one or the old one with the one line more."""
+    entry = "auth\trequired\tpam_vantro_standalone.so\n"
+    return after[0] == before[0] and after[1] in ("true", "false") and all(
+        new == old or (new.replace(entry, "", 1) == old and entry in new) for old, new in zip(before[2], after[2]))
+
+
+def registration(visit):
+    """Switched off while a token is registered."""
+    for _ in range(CUTS_OF_EACH):
+        _cut(visit, "about-to-register", "registration", "alt-r", _registration_is_whole)
+
+
+def demand(visit):
+    """Switched off while the PAM services are changed."""
+    for _ in range(CUTS_OF_EACH):
+        _cut(visit, "about-to-demand", "demand", "alt-d", _demand_is_whole)
+
+
+ALL = [registration, demand]
