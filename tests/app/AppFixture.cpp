@@ -52,7 +52,8 @@ std::ostream& operator<<(std::ostream& stream, const ShownAlert& alert)
 
 AppFixture::AppFixture() : replacements_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK))
 {
-    ::inotify_add_watch(replacements_.get(), prefix.settings().c_str(), IN_MOVED_TO);
+    // Replacements that follow each other at once are told apart by the new file's creation between them.
+    ::inotify_add_watch(replacements_.get(), prefix.settings().c_str(), IN_MOVED_TO | IN_CREATE);
     serviceReplyLimit = ample;
     LoginAuthentication::validationLimit = ample;
     QApplication::setQuitOnLastWindowClosed(false);
@@ -84,7 +85,7 @@ int AppFixture::takeWrites()
             inotify_event event = {};
             std::memcpy(&event, buffer.data() + position, sizeof event);
             const char* const name = buffer.data() + position + sizeof event;
-            if (prefix.settingsDocument().filename() == name)
+            if ((event.mask & IN_MOVED_TO) != 0 && prefix.settingsDocument().filename() == name)
                 ++writes;
             position += static_cast<ssize_t>(sizeof event + event.len);
         }

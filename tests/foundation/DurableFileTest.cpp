@@ -158,6 +158,7 @@ TEST(ReplaceFile, IsDoneWhenOnlyTheFolderDoesNotReachTheDisk)
     EXPECT_FALSE(replacement.isDurable());
     EXPECT_EQ(replacement.error, std::errc::io_error);
     EXPECT_EQ(contentOf(folder / "file"), "new");
+    EXPECT_EQ(FailingFolderSync::syncedFiles(), 1) << "the content alone";
 }
 
 TEST(ReplaceFile, KeepsTheOldFileAsideInTheSameInstantOrDoesNothing)

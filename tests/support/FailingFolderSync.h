@@ -10,6 +10,9 @@ class FailingFolderSync
     ~FailingFolderSync();
     FailingFolderSync(const FailingFolderSync&) = delete;
     FailingFolderSync& operator=(const FailingFolderSync&) = delete;
+
+    /// How many files it has let reach the disk.
+    [[nodiscard]] static int syncedFiles();
 };
 
 } // namespace vantro::tests
