@@ -1,12 +1,15 @@
 """From the menu to a demanded token: signing in by the display manager, the screen lock, a terminal."""
 
 from image import ADMINISTRATOR
+from machine import wait_for
 from service_scenes import FIRST, SECOND
 from visiting import DOCUMENT, PASSWORD
-from waiting import wait_for
 
 PLUG_IN = "Plug in your token."
 NO_TOKEN = "No registered token was plugged in."
+NO_TOKEN_LOGGED = f"{ADMINISTRATOR}: no-token."
+# What the greeter says after every denial.
+AGAIN = "Please try again."
 
 
 def sign_in_as_before(visit):
@@ -25,10 +28,10 @@ def open_tool(visit):
     visit.machine.press("alt-f2")
     visit.wait_for_shown("rofi")
     visit.machine.type("vantro")
-    wait_for("the menu has found the tool", lambda: "Vantro Standalone" in visit.read_screen(), 60)
+    wait_for("the menu has found the tool", lambda: "Vantro Standalone" in visit.read_screen())
     visit.picture("menu")
     visit.machine.press("ret")
-    wait_for("the tool is started", lambda: is_tool_open(visit), 60)
+    wait_for("the tool is started", lambda: is_tool_open(visit))
 
 
 def register(visit):
@@ -36,9 +39,9 @@ def register(visit):
     open_tool(visit)
     visit.wait_for_words("Before you begin", "at the first start the tool")
     visit.machine.press("esc")
-    wait_for("the first start ends", lambda: not is_tool_open(visit), 60)
+    wait_for("the first start ends", lambda: not is_tool_open(visit))
     open_tool(visit)
-    wait_for("the tool shows what is to be known first", lambda: "Before you begin" in visit.read_screen(), 60)
+    wait_for("the tool shows what is to be known first", lambda: "Before you begin" in visit.read_screen())
     visit.machine.press("esc")
     visit.wait_for_words("Tokens that open one account each", "the list of user keys")
     visit.machine.press("alt-r")
@@ -73,30 +76,37 @@ def demand(visit):
     visit.sign_out(ADMINISTRATOR)
 
 
+def see_denial(visit):
+    """Somebody who has typed the password is denied; what the greeter has shown until then."""
+    denials = visit.log().count(NO_TOKEN_LOGGED)
+    visit.give_password(ADMINISTRATOR)
+    prompts = visit.greeter_prompts()
+    shown = visit.watch_screen("the greeter asks for a password once more", lambda: visit.greeter_prompts() > prompts + 1 and
+                               AGAIN in visit.read_screen())
+    visit.see(visit.log().count(NO_TOKEN_LOGGED) == denials + 1, "the service's log says so: " + NO_TOKEN_LOGGED)
+    visit.see(ADMINISTRATOR not in visit.sessions(), "nobody is signed in")
+    return shown
+
+
 def without_token(visit):
     """Signing in through the greeter without a token is denied."""
-    visit.give_password(ADMINISTRATOR)
-    visit.wait_for_words(PLUG_IN, "after the password the greeter")
-    visit.picture("greeter-plug-in")
-    visit.wait_for_words(NO_TOKEN, "after half a minute it")
-    visit.picture("greeter-denied")
-    visit.see(ADMINISTRATOR not in visit.sessions(), "nobody is signed in")
+    shown = see_denial(visit)
+    for words in (PLUG_IN, NO_TOKEN, AGAIN):
+        visit.see(any(words in screen for screen in shown), f"the greeter says \"{words}\"")
 
 
 def with_another_token(visit):
     """With another token it is denied as well."""
     visit.plug(SECOND)
-    denials = visit.log().count(f"{ADMINISTRATOR}: no-token.")
-    visit.give_password(ADMINISTRATOR)
-    visit.wait_for(f"token {SECOND} is not accepted", lambda: visit.log().count(f"{ADMINISTRATOR}: no-token.") > denials)
-    visit.see(ADMINISTRATOR not in visit.sessions(), "nobody is signed in")
+    see_denial(visit)
     visit.unplug(SECOND)
 
 
 def with_registered_token(visit):
     """With the registered token, plugged in when the greeter asks for it, one gets in."""
     visit.give_password(ADMINISTRATOR)
-    wait_for("the greeter asks for the token", lambda: PLUG_IN in visit.read_screen(), 60)
+    visit.wait_for_words(PLUG_IN, "the greeter")
+    visit.picture("greeter-plug-in")
     visit.plug(FIRST)
     visit.wait_for_session(ADMINISTRATOR)
     visit.picture("signed-in")
@@ -107,7 +117,7 @@ def locked(visit):
     visit.unplug(FIRST)
     visit.wait_for("the screen is locked", lambda: visit.machine.run("pgrep -x xsecurelock")[0] == 0)
     visit.machine.press("ctrl")
-    wait_for("the lock asks for the password", lambda: "assword" in visit.read_screen(), 60)
+    wait_for("the lock asks for the password", lambda: "assword" in visit.read_screen())
     visit.picture("locked")
     visit.machine.type(PASSWORD + "\n")
     visit.wait_for_words(PLUG_IN, "after the password the lock")

@@ -4,8 +4,8 @@ import random
 
 from calls import OPTIONAL, REQUEST, removing, saving
 from image import ADMINISTRATOR, OUTSIDER
+from machine import wait_for
 from visiting import PAM_SERVICES, RECORDS, SERVICE, TOKENS
-from waiting import wait_for
 
 FIRST, SECOND, TOUCHED = "5550101", "12345678", "999"
 REPLUGGINGS = 200
@@ -102,7 +102,7 @@ def pulled_out(visit):
     visit.token("delay", FIRST, 200)
     before = visit.log().count("Validate")
     visit.start_call("Validate", "t", FIRST)
-    wait_for("the request is under way", lambda: visit.log().count("Validate") > before, 30)
+    wait_for("the request is under way", lambda: visit.log().count("Validate") > before)
     visit.unplug(FIRST)
     visit.see_same(visit.answer(), "b false", "the request ends")
     visit.token("delay", FIRST, 0)
@@ -125,14 +125,14 @@ def replugged(visit):
     visit.plug(FIRST)
     visit.see_same(visit.call("GetSerial"), f"t {FIRST}", f"after {REPLUGGINGS} times (seed {seed}) a token is read as before")
     visit.see_same(visit.service_process(), process, "the service is the same process")
-    visit.wait_for(f"with as many descriptors as before, {before}", lambda: descriptors() == before, 30)
+    visit.wait_for(f"with as many descriptors as before, {before}", lambda: descriptors() == before)
 
 
 def ended(visit):
     """The service is killed, stopped and upgraded while a token is plugged in."""
     process = visit.service_process()
     visit.machine.must(f"kill -9 {process}")
-    visit.wait_for("killed, it comes back by itself", lambda: visit.service_process() not in (0, process), 60)
+    visit.wait_for("killed, it comes back by itself", lambda: visit.service_process() not in (0, process))
     visit.see_same(visit.call("Validate", "t", FIRST), "b true", "and the token passes")
     visit.machine.must(f"systemctl stop {SERVICE}")
     visit.see_same(visit.call("Validate", "t", FIRST), "b true", "stopped, the next request starts it")

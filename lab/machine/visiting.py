@@ -2,14 +2,13 @@
 
 import os
 import subprocess
-import threading
 import time
 from pathlib import Path
 
 from calls import REQUEST
 from image import PASSWORD
-from machine import PATIENCE_SECONDS
-from waiting import NotSo, wait_for
+from machine import PATIENCE_SECONDS, wait_for
+from waiting import NotSo
 
 TOKENS = "/run/tokens"
 SERVICE = "com.vantro.Standalone1"
@@ -28,9 +27,8 @@ class Visit:
         self.machine = machine
         self._pictures = pictures
         self.failures = 0
-        self._lines = []
-        # Two visits report by turns.
-        self._printing = threading.Lock()
+        # Pictures of the screen that have been read.
+        self._words = {}
 
     # The report
 
@@ -79,18 +77,18 @@ class Visit:
         """Plugs a token in and waits until udev has told of both its interfaces."""
         before = self.hidraw_count()
         self.token("plug", serial)
-        wait_for(f"both interfaces of token {serial} are there", lambda: self.hidraw_count() == before + 2, PATIENCE_SECONDS)
+        wait_for(f"both interfaces of token {serial} are there", lambda: self.hidraw_count() == before + 2)
         self.machine.must("udevadm settle")
 
     def unplug(self, serial):
         before = self.hidraw_count()
         self.token("unplug", serial)
-        wait_for(f"the interfaces of token {serial} have gone", lambda: self.hidraw_count() == before - 2, PATIENCE_SECONDS)
+        wait_for(f"the interfaces of token {serial} have gone", lambda: self.hidraw_count() == before - 2)
 
     def unplug_all(self):
         for line in self.token("list").strip().splitlines()[1:]:
             self.token("unplug", line.split()[0])
-        wait_for("no token is left", lambda: self.hidraw_count() == 0, PATIENCE_SECONDS)
+        wait_for("no token is left", lambda: self.hidraw_count() == 0)
 
     def hidraw_count(self):
         return len(self.machine.run("ls -d /dev/hidraw*  2>/dev/null")[1].split())
@@ -111,7 +109,7 @@ class Visit:
 
     def answer(self):
         return wait_for("the service answers", lambda: self.machine.run("cat /run/answer")[1].strip()
-                        if self.machine.run("test -e /run/answer")[0] == 0 else "", PATIENCE_SECONDS)
+                        if self.machine.run("test -e /run/answer")[0] == 0 else "")
 
     def service_process(self):
         return int(self.machine.must(f"systemctl show --value -p MainPID {SERVICE}"))
@@ -130,41 +128,52 @@ class Visit:
 
     def read_screen(self):
         """The words that the screen shows, read as a person reads them."""
+        return self._read(self._shot())
+
+    def watch_screen(self, what, condition):
+        """Waits for the condition; all that the screen has shown meanwhile."""
+        shots = {}
+
+        def is_so():
+            shots[self._shot()] = None
+            return condition()
+
+        wait_for(what, is_so)
+        return [self._read(shot) for shot in [*shots, self._shot()]]
+
+    def _shot(self):
         shot = Path(self.machine.scratch, "screen.png")
         self.machine.screenshot(shot)
-        larger = subprocess.run(["convert", shot, "-colorspace", "Gray", "-resize", "250%", "png:-"], check=True,
-                                stdout=subprocess.PIPE).stdout
-        read = subprocess.run(["tesseract", "-", "-", "--psm", "6"], input=larger, check=True, stdout=subprocess.PIPE,
-                              stderr=subprocess.DEVNULL, env={**os.environ, "OMP_THREAD_LIMIT": "1"}).stdout
-        return " ".join(read.decode().split())
+        return shot.read_bytes()
+
+    def _read(self, shot):
+        if shot not in self._words:
+            larger = subprocess.run(["convert", "-", "-colorspace", "Gray", "-resize", "250%", "pgm:-"], input=shot, check=True,
+                                    stdout=subprocess.PIPE).stdout
+            read = subprocess.run(["tesseract", "-", "-", "--psm", "6"], input=larger, check=True, stdout=subprocess.PIPE,
+                                  stderr=subprocess.DEVNULL, env={**os.environ, "OMP_THREAD_LIMIT": "1"}).stdout
+            self._words[shot] = " ".join(read.decode().split())
+        return self._words[shot]
 
     def wait_for_words(self, words, whose, limit=PATIENCE_SECONDS):
         self.wait_for(f"{whose} says \"{words}\"", lambda: words in self.read_screen(), limit)
 
-    def window(self):
-        """The name of the window that gets the keys."""
-        return self.machine.run(ON_DISPLAY + "xdotool getwindowfocus getwindowname")[1].strip()
-
-    def wait_for_window(self, name, limit=PATIENCE_SECONDS):
-        wait_for(f"the keyboard is with \"{name}\"", lambda: name in self.window(), limit)
-
     def wait_for_shown(self, window_class):
         wait_for(f"a window of {window_class} is there", lambda: self.machine.run(
-            ON_DISPLAY + f"xdotool search --onlyvisible --class {window_class}")[0] == 0, PATIENCE_SECONDS)
-
-    def wait_for_greeter(self):
-        self.wait_for_shown("lightdm-gtk-greeter")
-        wait_for("the greeter is there", lambda: "Log In" in self.read_screen(), PATIENCE_SECONDS)
+            ON_DISPLAY + f"xdotool search --onlyvisible --class {window_class}")[0] == 0)
 
     def give_password(self, user, password=PASSWORD):
-        """What somebody types into the greeter."""
-        self.wait_for_greeter()
-        prompts = self._greeter_prompts()
-        self.machine.type(user + "\n")
-        wait_for("the greeter asks for the password", lambda: self._greeter_prompts() > prompts, PATIENCE_SECONDS)
+        """What somebody types into the greeter; one who was denied is still named there."""
+        self.wait_for_shown("lightdm-gtk-greeter")
+        wait_for("the greeter is there", lambda: "Log In" in self.read_screen())
+        if user not in self.read_screen():
+            prompts = self.greeter_prompts()
+            self.machine.type(user + "\n")
+            wait_for("the greeter asks for the password", lambda: self.greeter_prompts() > prompts)
         self.machine.type(password + "\n")
 
-    def _greeter_prompts(self):
+    def greeter_prompts(self):
+        """How often the greeter was told to say or ask something."""
         return int(self.machine.run("grep -c 'Prompt greeter with' /var/log/lightdm/lightdm.log")[1] or 0)
 
     def sessions(self):
@@ -178,4 +187,4 @@ class Visit:
 
     def sign_out(self, user):
         self.machine.must(f"loginctl terminate-user {user}")
-        wait_for(f"{user} is signed out", lambda: user not in self.sessions(), PATIENCE_SECONDS)
+        wait_for(f"{user} is signed out", lambda: user not in self.sessions())
