@@ -7,20 +7,20 @@
 
 namespace vantro::bench {
 
-double median(std::vector<double> values)
+double lowerQuartile(std::vector<double> values)
 {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
+    const auto quartile = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 4);
+    std::nth_element(values.begin(), quartile, values.end());
+    return *quartile;
 }
 
-double medianOf(int rounds, const Measure& measure)
+double measureRounds(int rounds, const Measure& measure)
 {
     static_cast<void>(measure());
     std::vector<double> values;
     for (int round = 0; round < rounds; ++round)
         values.push_back(measure());
-    return median(values);
+    return lowerQuartile(values);
 }
 
 Comparison compareInTurns(int rounds, const Measure& ours, const Measure& floor)
@@ -33,7 +33,7 @@ Comparison compareInTurns(int rounds, const Measure& ours, const Measure& floor)
         valuesOfOurs.push_back(ours());
         valuesOfFloor.push_back(floor());
     }
-    return {median(valuesOfOurs), median(valuesOfFloor)};
+    return {lowerQuartile(valuesOfOurs), lowerQuartile(valuesOfFloor)};
 }
 
 void printRow(const char* what, const Comparison& comparison, const char* unit, double goal)

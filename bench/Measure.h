@@ -4,8 +4,8 @@
 #include <functional>
 #include <vector>
 
-/// What every measurement goes through: rounds in turns, medians, and rows as lines of values between tabs, which
-/// tools/bench makes a table of.
+/// What every measurement goes through: rounds in turns, of which the lower quartile counts, since whatever else the
+/// machine does only ever adds to a time; and rows as lines of values between tabs, which tools/bench makes a table of.
 namespace vantro::bench {
 
 using Clock = std::chrono::steady_clock;
@@ -28,13 +28,13 @@ template <class Work>
 /// Takes one measurement.
 using Measure = std::function<double()>;
 
-/// The middle one of the values, of which there must be one at least.
-[[nodiscard]] double median(std::vector<double> values);
+/// The value that a quarter of the values, of which there must be one at least, are below.
+[[nodiscard]] double lowerQuartile(std::vector<double> values);
 
-/// The median of `rounds` measurements, after one that only warms the caches.
-[[nodiscard]] double medianOf(int rounds, const Measure& measure);
+/// The lower quartile of `rounds` measurements, after one that only warms the caches.
+[[nodiscard]] double measureRounds(int rounds, const Measure& measure);
 
-/// Medians of the same work, in the same unit.
+/// What the same work took, in the same unit.
 struct Comparison
 {
     double ours = 0;

@@ -137,12 +137,13 @@ void measureGrowth(std::size_t count)
     Tool tool(count);
     if (count <= bench::accountLimit) {
         bench::printGrowth("the dialog with the accounts", count,
-                           bench::medianOf(rounds, [&tool] { return tool.openDialog(); }));
+                           bench::measureRounds(rounds, [&tool] { return tool.openDialog(); }));
         bench::printGrowth("its pop-up of the accounts", count,
-                           bench::medianOf(rounds, [&tool] { return tool.openPopUp(); }));
+                           bench::measureRounds(rounds, [&tool] { return tool.openPopUp(); }));
     }
-    bench::printGrowth("the list of the keys", count, bench::medianOf(rounds, [&tool] { return tool.openList(); }));
-    bench::printGrowth("a registration", count, bench::medianOf(rounds, [&tool] { return tool.registerKey(); }));
+    bench::printGrowth("the list of the keys", count,
+                       bench::measureRounds(rounds, [&tool] { return tool.openList(); }));
+    bench::printGrowth("a registration", count, bench::measureRounds(rounds, [&tool] { return tool.registerKey(); }));
 }
 
 } // namespace
