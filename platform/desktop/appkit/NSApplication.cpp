@@ -9,6 +9,8 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QImageReader>
+#include <QPixmap>
 #include <QSocketNotifier>
 
 #include "appkit/StringTable.h"
@@ -52,8 +54,12 @@ void comeToFrontOnActivationSignal()
 QIcon iconOf(const QStringList& files)
 {
     QIcon icon;
-    for (const QString& file : files)
-        icon.addFile(file);
+    for (const QString& file : files) {
+        // A toolkit that has to find out what a file is loads all that it has for reading images.
+        QImageReader reader(file, "png");
+        reader.setAutoDetectImageFormat(false);
+        icon.addPixmap(QPixmap::fromImageReader(&reader));
+    }
     return icon;
 }
 
