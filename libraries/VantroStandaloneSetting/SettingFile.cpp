@@ -123,10 +123,10 @@ SettingFile::SettingFile()
 std::optional<VantroStandaloneSetting> SettingFile::read()
 {
     foreign_ = {};
-    const auto bytes = readXML(url_, readError_);
+    auto bytes = readXML(url_, readError_);
     if (!bytes)
         return std::nullopt;
-    auto [setting, foreign] = readSettingWithForeign(XML::parse(*bytes));
+    auto [setting, foreign] = readSettingWithForeign(XML::parse(*std::move(bytes)));
     foreign_ = std::move(foreign);
     return std::move(setting);
 }

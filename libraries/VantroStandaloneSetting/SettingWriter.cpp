@@ -19,6 +19,9 @@ constexpr std::string_view indent = "  ";
 class Writer : public pugi::xml_writer
 {
   public:
+    /// `size` is about how much will be written.
+    explicit Writer(std::size_t size) { text_.reserve(size); }
+
     /// What has been written; the writer is done with then.
     [[nodiscard]] std::string text() && { return std::move(text_); }
 
@@ -133,12 +136,24 @@ void writeUsers(Writer& writer, const std::vector<UserSetting>& users, const pug
     writer.close(format::users);
 }
 
+/// More than what is known of the document takes, as a rule; what is foreign comes on top.
+std::size_t sizeOf(const VantroStandaloneSetting& setting)
+{
+    constexpr std::size_t sizeOfRest = 1024;
+    constexpr std::size_t sizeOfUser = 192;
+    constexpr std::size_t sizeOfKey = 96;
+    std::size_t keys = setting.masterKeySetting.masterKeys.size() + setting.adminSetting.adminKeys.size();
+    for (const UserSetting& user : setting.users)
+        keys += user.keys.size();
+    return sizeOfRest + setting.users.size() * sizeOfUser + keys * sizeOfKey;
+}
+
 } // namespace
 
 std::string serialised(const VantroStandaloneSetting& setting, const ForeignContent& foreign)
 {
     const auto root = foreign.file().child(format::root);
-    Writer writer;
+    Writer writer(sizeOf(setting));
     writer.declaration();
     writer.open(format::root, " " + std::string(format::version) + "=\"" + std::to_string(settingFormatVersion) + "\"");
 

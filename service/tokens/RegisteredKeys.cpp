@@ -19,12 +19,12 @@ constexpr std::size_t documentSizeLimit = std::size_t{32} * 1024 * 1024;
 Outcome<VantroStandaloneSetting, FileFailure> RegisteredKeys::read() const
 {
     std::error_code error;
-    const auto bytes = readFile(document_, documentSizeLimit, error, Links::Refuse);
+    auto bytes = readFile(document_, documentSizeLimit, error, Links::Refuse);
     if (error == std::errc::no_such_file_or_directory)
         return VantroStandaloneSetting();
     if (!bytes)
         return systemFailure(document_, error);
-    auto setting = readSetting(XML::parse(*bytes));
+    auto setting = readSetting(XML::parse(*std::move(bytes)));
     if (!setting.isValid)
         return FileFailure{FileFailure::Kind::BadContent, document_.string() + " is no valid settings document."};
     return setting;

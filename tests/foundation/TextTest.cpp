@@ -31,6 +31,11 @@ TEST(Text, KnowsUTF8AndControlCharacters)
     for (const auto& [text, isValid, hasControl] : cases) {
         EXPECT_EQ(isValidUTF8(text), isValid) << testing::PrintToString(text);
         EXPECT_EQ(hasControlCharacters(text), hasControl) << testing::PrintToString(text);
+        // Plain text is passed over in blocks; whatever stands between, before or behind some is seen.
+        for (std::size_t length = 60; length < 70; ++length) {
+            const std::string plain(length, 'a');
+            EXPECT_EQ(isValidUTF8(plain + text + plain), isValid) << length << testing::PrintToString(text);
+        }
     }
 }
 

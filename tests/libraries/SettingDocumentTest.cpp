@@ -15,7 +15,7 @@ const std::string example = contentOf(SEEDS "/example.xml");
 
 VantroStandaloneSetting read(std::string_view text)
 {
-    return readSetting(XML::parse(text));
+    return readSetting(XML::parse(std::string(text)));
 }
 
 std::string replaced(std::string text, const std::string& from, const std::string& to)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <string_view>
+#include <utility>
 
 #include "foundation/Text.h"
 
@@ -30,23 +32,33 @@ bool hasOnlyRealReferences(std::string_view bytes)
     return true;
 }
 
+/// A document and the bytes that its texts are parts of.
+struct Parsed
+{
+    std::string bytes;
+    pugi::xml_document document;
+};
+
 } // namespace
 
-XMLAccessor XML::parse(std::string_view bytes)
+XMLAccessor XML::parse(std::string bytes)
 {
-    auto document = std::make_shared<pugi::xml_document>();
+    const bool hasNull = bytes.find('\0') != std::string::npos;
+    const bool isText = !hasNull && isValidUTF8(bytes) && hasOnlyRealReferences(bytes);
+    const auto parsed = std::make_shared<Parsed>(std::move(bytes));
+    // The parser works in the bytes themselves, and its zero behind them is one of them.
+    parsed->bytes.push_back('\0');
     // As a fragment, text beside the root element is kept and can be refused; else it would be lost in silence.
     constexpr unsigned int flags = pugi::parse_default | pugi::parse_comments | pugi::parse_fragment;
-    const auto result = document->load_buffer(bytes.data(), bytes.size(), flags, pugi::encoding_utf8);
-    const auto children = document->children();
+    const auto result =
+        parsed->document.load_buffer_inplace(parsed->bytes.data(), parsed->bytes.size(), flags, pugi::encoding_utf8);
+    const auto children = parsed->document.children();
     const auto count = [&](pugi::xml_node_type type) {
         return std::count_if(children.begin(), children.end(), [&](const auto& node) { return node.type() == type; });
     };
     const bool hasOneRoot =
         count(pugi::node_element) == 1 && count(pugi::node_pcdata) == 0 && count(pugi::node_cdata) == 0;
-    const bool hasNull = bytes.find('\0') != std::string_view::npos;
-    return {std::move(document),
-            result && hasOneRoot && !hasNull && isValidUTF8(bytes) && hasOnlyRealReferences(bytes)};
+    return {std::shared_ptr<const pugi::xml_document>(parsed, &parsed->document), result && hasOneRoot && isText};
 }
 
 } // namespace vantro

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
+#include <string>
 
 #include <pugixml.hpp>
 
@@ -30,7 +30,7 @@ class XMLAccessor
 /// Parses XML bytes. Texts are not trimmed, name prefixes are kept, no entity beyond XML's own five is known and
 /// nothing outside the bytes is ever read.
 namespace XML {
-[[nodiscard]] XMLAccessor parse(std::string_view bytes);
+[[nodiscard]] XMLAccessor parse(std::string bytes);
 }
 
 } // namespace vantro
