@@ -1,12 +1,12 @@
 #pragma once
 
-#include <algorithm>
 #include <compare>
 #include <utility>
 #include <vector>
 
 #include "Model/KeyModels.h"
 #include "appkit/KeyValueArray.h"
+#include "foundation/Sorting.h"
 #include "foundation/Text.h"
 
 namespace vantro {
@@ -17,14 +17,13 @@ namespace vantro {
 template <class Row>
 void sortRows(std::vector<Row>& rows)
 {
-    std::stable_sort(rows.begin(), rows.end(),
-                     [](const Row& left, const Row& right) { return left.serialUInt() < right.serialUInt(); });
+    sortStably(rows, [](const Row& left, const Row& right) { return left.serialUInt() < right.serialUInt(); });
 }
 
 /// Rows by account as the document's users, then by serial.
 inline void sortRows(std::vector<UserKeyModel>& rows)
 {
-    std::stable_sort(rows.begin(), rows.end(), [](const UserKeyModel& left, const UserKeyModel& right) {
+    sortStably(rows, [](const UserKeyModel& left, const UserKeyModel& right) {
         const auto order = compareCanonically(left.account(), right.account());
         return std::is_neq(order) ? std::is_lt(order) : left.serialUInt() < right.serialUInt();
     });

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <compare>
 
+#include "foundation/Sorting.h"
 #include "foundation/Text.h"
 
 namespace vantro {
@@ -10,8 +11,7 @@ namespace {
 
 void sortBySerial(std::vector<YubiKey>& keys)
 {
-    std::stable_sort(keys.begin(), keys.end(),
-                     [](const YubiKey& left, const YubiKey& right) { return left.serial < right.serial; });
+    sortStably(keys, [](const YubiKey& left, const YubiKey& right) { return left.serial < right.serial; });
 }
 
 template <class Users>
@@ -77,7 +77,7 @@ void VantroStandaloneSetting::addUserKey(std::string_view account, std::uint64_t
     if (entry == users.end())
         entry = users.insert(entry, UserSetting(std::string(account)));
     entry->keys.emplace_back(serial);
-    std::stable_sort(users.begin(), users.end(), [](const UserSetting& left, const UserSetting& right) {
+    sortStably(users, [](const UserSetting& left, const UserSetting& right) {
         return std::is_lt(compareCanonically(left.account, right.account));
     });
     for (UserSetting& user : users)
