@@ -53,8 +53,16 @@ void RegistrationUserKeyViewController::makeAccountModels()
 
 void RegistrationUserKeyViewController::initAccountPopUpButton()
 {
-    for (const AccountModel& account : accountModels)
-        accountPopUpButton->addItem(QString::fromStdString(account.accountName));
+    QStringList names;
+    qsizetype longest = 0;
+    for (const AccountModel& account : accountModels) {
+        names += QString::fromStdString(account.accountName);
+        longest = std::max(longest, names.last().size());
+    }
+    // Wide enough for every name, without the toolkit's look at how wide each of ten thousand is.
+    accountPopUpButton->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    accountPopUpButton->setMinimumContentsLength(static_cast<int>(longest));
+    accountPopUpButton->addItems(names);
     const std::string ownName = NSUserName();
     const auto own = std::find_if(accountModels.begin(), accountModels.end(), [&](const AccountModel& account) {
         return isCanonicallyEqual(account.accountName, ownName);
