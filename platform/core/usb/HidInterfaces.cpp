@@ -23,6 +23,8 @@ namespace vantro {
 namespace {
 
 constexpr const char* hidrawSubsystem = "hidraw";
+/// Links to the devices of the subsystem, by their names.
+constexpr const char* hidrawClassFolder = "/sys/class/hidraw";
 constexpr std::size_t descriptorSizeLimit = 4096;
 constexpr unsigned int usbBus = 3;
 
@@ -37,7 +39,6 @@ struct Releaser
 };
 using UdevPointer = std::unique_ptr<udev, Releaser<udev_unref>>;
 using MonitorPointer = std::unique_ptr<udev_monitor, Releaser<udev_monitor_unref>>;
-using EnumeratePointer = std::unique_ptr<udev_enumerate, Releaser<udev_enumerate_unref>>;
 using DevicePointer = std::unique_ptr<udev_device, Releaser<udev_device_unref>>;
 
 std::string_view textOrEmpty(const char* text)
@@ -257,22 +258,28 @@ class HidInterfaceWatcher::Udev
     /// The paths that are there and what is there; without a description for those that need none or have none.
     std::optional<Present> findPresent(Look look)
     {
-        const EnumeratePointer enumeration(udev_enumerate_new(udev_.get()));
-        if (!enumeration || udev_enumerate_add_match_subsystem(enumeration.get(), hidrawSubsystem) < 0 ||
-            udev_enumerate_scan_devices(enumeration.get()) < 0)
-            return std::nullopt;
+        // libudev's own enumeration would open every device on the way; the service looks with each request.
+        const std::filesystem::path folder = hidrawClassFolder;
+        std::error_code error;
         Present present;
-        udev_list_entry* entry = nullptr;
-        udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumeration.get()))
-        {
-            const char* const path = udev_list_entry_get_name(entry);
+        for (std::filesystem::directory_iterator entry(folder, error);
+             !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+            std::error_code ignored;
+            const auto target = std::filesystem::read_symlink(entry->path(), ignored);
+            // It has gone meanwhile.
+            if (ignored)
+                continue;
+            const std::string path = (folder / target).lexically_normal();
             auto& interface = present[path];
             if (look == Look::AtUnknown && known_.contains(path))
                 continue;
-            const DevicePointer device(udev_device_new_from_syspath(udev_.get(), path));
+            const DevicePointer device(udev_device_new_from_syspath(udev_.get(), path.c_str()));
             if (device)
                 interface = interfaceOf(device.get());
         }
+        // Without any device that was ever there, there is no folder either.
+        if (error && error != std::errc::no_such_file_or_directory)
+            return std::nullopt;
         return present;
     }
 
