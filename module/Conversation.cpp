@@ -34,7 +34,7 @@ const char* sourceOf(Text text)
 
 bool Conversation::inform(Text text) const
 {
-    return isSilent_ || pam_info(pam_, "%s", dgettext(catalogue, sourceOf(text))) == PAM_SUCCESS;
+    return pam_info(pam_, "%s", dgettext(catalogue, sourceOf(text))) == PAM_SUCCESS;
 }
 
 void Conversation::refuse(Text text) const

@@ -16,17 +16,17 @@ enum class Text
     Remote
 };
 
-/// Shows texts to the person who signs in, by the program's own conversation and in the language of its locale; nothing
-/// where the program asked for silence.
+/// Shows texts to the person who signs in, by the program's own conversation and in the language of its locale.
 class Conversation
 {
   public:
     /// `flags` are those that libpam gives the module's entry points.
     Conversation(pam_handle_t* pam, unsigned int flags) : pam_(pam), isSilent_((flags & PAM_SILENT) != 0) {}
 
-    /// What somebody is to do now; false when the program ended the conversation.
+    /// What somebody is to do now, as a prompt: also where the program asked for silence, as sudo does, or nobody would
+    /// know what is waited for. False when the program ended the conversation.
     [[nodiscard]] bool inform(Text text) const;
-    /// Why nobody is signed in.
+    /// Why nobody is signed in; nothing where the program asked for silence.
     void refuse(Text text) const;
 
   private:

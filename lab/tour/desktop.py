@@ -31,7 +31,7 @@ START_LIMIT_SECONDS = 30
 _libc = ctypes.CDLL(None, use_errno=True)
 
 
-def end_with_parent():
+def _end_with_parent():
     _libc.prctl(PR_SET_PDEATHSIG, signal.SIGTERM)
 
 
@@ -82,7 +82,7 @@ class Desktop:
         options.setdefault("stdout", self._log)
         options.setdefault("stderr", self._log)
         process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
-                                   preexec_fn=end_with_parent, **options)
+                                   preexec_fn=_end_with_parent, **options)
         self._processes.append(process)
         return process
 
