@@ -4,6 +4,7 @@ import base64
 import contextlib
 import json
 import shlex
+import shutil
 import socket
 import subprocess
 import sys
@@ -12,7 +13,6 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tour"))
 
-from desktop import end_with_parent  # noqa: E402
 from trees import run  # noqa: E402
 from waiting import NotSo  # noqa: E402
 import waiting  # noqa: E402
@@ -47,6 +47,7 @@ class Machine:
         self._display = ["-vnc", "localhost:0,to=99"] if is_shown else ["-display", "none"]
         self._disk = folder / f"{name}.qcow2"
         self._console = folder / f"{name}.console"
+        self._is_twin = False
         self._sockets = None
         self._process = None
         self._monitor = None
@@ -54,7 +55,9 @@ class Machine:
 
     def __enter__(self):
         self._sockets = tempfile.TemporaryDirectory(prefix="vantro-machine.")
-        self.renew_disk()
+        if self._is_twin:
+            return self
+        run("qemu-img", "create", "-q", "-f", "qcow2", "-b", self._image.disk.resolve(), "-F", "raw", self._disk)
         return self
 
     def __exit__(self, kind, value, trace):
@@ -67,15 +70,21 @@ class Machine:
         """A folder that is gone with the machine."""
         return self._sockets.name
 
-    def renew_disk(self):
-        """Forgets all that was changed on the disk."""
-        run("qemu-img", "create", "-q", "-f", "qcow2", "-b", self._image.disk.resolve(), "-F", "raw", self._disk)
+    def twin(self, name):
+        """Another machine with all of this one's snapshots, switched off."""
+        twin = Machine(self._image, self._files, self._disk.parent, name)
+        twin._is_twin = True
+        # Standing still, its disk is all in the file.
+        self._ask_monitor("stop")
+        shutil.copy(self._disk, twin._disk)
+        self._ask_monitor("cont")
+        return twin
 
     def start(self, *kernel_words, snapshot=None):
         """Switches it on, or has it go on from a snapshot. It is up once the agent answers."""
         monitor, agent = (Path(self._sockets.name) / name for name in ("monitor", "agent"))
         command = [
-            "qemu-system-x86_64", "-machine", "pc", "-accel", "tcg,thread=multi,tb-size=512", "-cpu", "max", "-smp", "2",
+            "setpriv", "--pdeathsig", "TERM", "qemu-system-x86_64", "-machine", "pc", "-accel", "tcg,thread=multi,tb-size=512", "-cpu", "max", "-smp", "2",
             "-m", "1024", "-nodefaults", *self._display, "-device", "VGA,xres=1024,yres=768", "-serial", f"file:{self._console}",
             "-drive", f"file={self._disk},if=virtio,cache=unsafe",
             "-drive", f"file={self._files},if=virtio,format=raw,readonly=on",
@@ -86,12 +95,16 @@ class Machine:
             "-append", " ".join([KERNEL_LINE, *kernel_words])]
         if snapshot:
             command += ["-loadvm", snapshot]
-        self._process = subprocess.Popen(command, stdin=subprocess.DEVNULL, preexec_fn=end_with_parent)
+        self._process = subprocess.Popen(command, stdin=subprocess.DEVNULL)
         self._monitor = self._connected(monitor)
         self._monitor.read()
         self._ask_monitor("qmp_capabilities")
         self._agent = self._connected(agent)
         self.must("true")
+
+    @property
+    def is_on(self):
+        return self._process is not None
 
     def _connected(self, path):
         end = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)

@@ -16,16 +16,20 @@ LONGEST_SECONDS = 3.0
 
 def _files(visit):
     """What a change may be in the middle of: the document's keys and switch, and the PAM services."""
-    said = visit.machine.must(f"cat {DOCUMENT}")
-    document = xml.etree.ElementTree.fromstring(said)
-    users = [(user.findtext("Account"), [key.text for key in user.iter("Serial")]) for user in document.iter("UserSetting")]
     pam = [visit.machine.must(f"cat /etc/pam.d/{name}") for name in PAM_SERVICES]
+    if visit.machine.run(f"test -e {DOCUMENT}")[0] != 0:
+        return [], None, pam
+    document = xml.etree.ElementTree.fromstring(visit.machine.must(f"cat {DOCUMENT}"))
+    users = [(user.findtext("Account"), [key.text for key in user.iter("Serial")]) for user in document.iter("UserSetting")]
     return users, document.findtext("SwitchSetting/SecureMode"), pam
 
 
 def _cut(visit, snapshot, what, key, is_whole):
     """One cut: what is there after the next start, and whether somebody can sign in."""
-    visit.machine.go_back(snapshot)
+    if visit.machine.is_on:
+        visit.machine.go_back(snapshot)
+    else:
+        visit.machine.start(snapshot=snapshot)
     before = _files(visit)
     instant = random.uniform(0, LONGEST_SECONDS)
     visit.machine.press(key)

@@ -1,5 +1,6 @@
 """What the scenes on a machine of its own are made with: its tokens, its service, its screen and keyboard, the report."""
 
+import contextlib
 import os
 import subprocess
 import time
@@ -23,8 +24,10 @@ ON_DISPLAY = "export DISPLAY=:0 XAUTHORITY=/run/lightdm/root/:0; "
 class Visit:
     """A machine, and the report of what was seen there."""
 
-    def __init__(self, machine, pictures):
+    def __init__(self, machine, pictures, is_aside=False):
+        """What is seen aside, while another machine is visited, is reported a scene at once."""
         self.machine = machine
+        self._report = [] if is_aside else None
         self._pictures = pictures
         self.failures = 0
         # Pictures of the screen that have been read.
@@ -32,8 +35,14 @@ class Visit:
 
     # The report
 
+    def _say(self, text):
+        if self._report is None:
+            print(text, flush=True)
+        else:
+            self._report.append(text)
+
     def see(self, is_so, text):
-        print(f"{'ok    ' if is_so else 'FAIL  '}{text}", flush=True)
+        self._say(f"{'ok    ' if is_so else 'FAIL  '}{text}")
         if not is_so:
             self.failures += 1
 
@@ -48,20 +57,31 @@ class Visit:
     def run(self, scene):
         """Whether the scene came to its end; what it says of itself stands above what was seen."""
         began = time.monotonic()
-        print(f"\n{scene.__doc__}", flush=True)
+        self._say(f"\n{scene.__doc__}")
         try:
             scene(self)
+            is_complete = True
         except (NotSo, EOFError, RuntimeError) as what:
             self.see(False, str(what))
-            self.picture("failed", is_wanted=True)
-            return False
-        print(f"      ({time.monotonic() - began:.0f} s)", flush=True)
-        return True
+            self._picture_of_failure()
+            is_complete = False
+        self._say(f"      ({time.monotonic() - began:.0f} s)")
+        if self._report:
+            print("\n".join(self._report), flush=True)
+            self._report.clear()
+        return is_complete
 
-    def picture(self, name, is_wanted=False):
-        if self._pictures or is_wanted:
-            folder = self._pictures or Path.cwd()
-            self.machine.screenshot(folder / f"{name}.png")
+    def run_all(self, scenes):
+        """Each builds on the ones before it, so the first one that does not come to its end is the last."""
+        return all(self.run(scene) for scene in scenes)
+
+    def _picture_of_failure(self):
+        with contextlib.suppress(EOFError, OSError, RuntimeError, AttributeError):
+            self.picture("failed")
+
+    def picture(self, name):
+        if self._pictures:
+            self.machine.screenshot(self._pictures / f"{name}.png")
 
     # Tokens
 
@@ -75,23 +95,21 @@ class Visit:
 
     def plug(self, serial):
         """Plugs a token in and waits until udev has told of both its interfaces."""
-        before = self.hidraw_count()
-        self.token("plug", serial)
-        wait_for(f"both interfaces of token {serial} are there", lambda: self.hidraw_count() == before + 2)
-        self.machine.must("udevadm settle")
+        self._change_tokens(f"plug {serial}", 2)
 
     def unplug(self, serial):
-        before = self.hidraw_count()
-        self.token("unplug", serial)
-        wait_for(f"the interfaces of token {serial} have gone", lambda: self.hidraw_count() == before - 2)
+        self._change_tokens(f"unplug {serial}", -2)
 
     def unplug_all(self):
-        for line in self.token("list").strip().splitlines()[1:]:
-            self.token("unplug", line.split()[0])
-        wait_for("no token is left", lambda: self.hidraw_count() == 0)
+        there = [line.split()[0] for line in self.token("list").splitlines() if "plugged-in" in line]
+        for serial in there:
+            self.unplug(serial)
 
-    def hidraw_count(self):
-        return len(self.machine.run("ls -d /dev/hidraw*  2>/dev/null")[1].split())
+    def _change_tokens(self, command, more):
+        self.machine.must("count() { ls -d /dev/hidraw* 2>/dev/null | wc -l; }; before=$(count); "
+                          f"vantro-usb-tokens {TOKENS} {command} && udevadm settle && "
+                          f"timeout 60 bash -c 'until [ $(ls -d /dev/hidraw* 2>/dev/null | wc -l) = '$((before + {more}))' ]; "
+                          "do sleep 0.1; done; udevadm settle'")
 
     def is_blinking(self, serial):
         return f"{serial} plugged-in blinks" in self.token("list")
@@ -101,6 +119,11 @@ class Visit:
     def call(self, *arguments, user="root"):
         """What the service answers, in busctl's words."""
         return self.machine.run(" ".join([*REQUEST, *map(str, arguments)]), user=user)[1].strip()
+
+    def calls(self, requests, user="root"):
+        """The same for several requests, one after the other."""
+        script = "\n".join(" ".join([*REQUEST, *map(str, arguments)]) + " 2>&1" for arguments in requests)
+        return self.machine.run(script, user=user)[1].splitlines()
 
     def start_call(self, *arguments):
         """The same without waiting for the answer, which answer() waits for."""
@@ -163,17 +186,19 @@ class Visit:
             ON_DISPLAY + f"xdotool search --onlyvisible --class {window_class}")[0] == 0)
 
     def give_password(self, user, password=PASSWORD):
-        """What somebody types into the greeter; one who was denied is still named there."""
+        """What somebody types into the greeter; one who was denied is still named there. Answers how often the greeter had
+        been told to say or ask something until then."""
         self.wait_for_shown("lightdm-gtk-greeter")
         wait_for("the greeter is there", lambda: "Log In" in self.read_screen())
         if user not in self.read_screen():
-            prompts = self.greeter_prompts()
+            before = self.greeter_prompts()
             self.machine.type(user + "\n")
-            wait_for("the greeter asks for the password", lambda: self.greeter_prompts() > prompts)
+            wait_for("the greeter asks for the password", lambda: self.greeter_prompts() > before)
+        prompts = self.greeter_prompts()
         self.machine.type(password + "\n")
+        return prompts
 
     def greeter_prompts(self):
-        """How often the greeter was told to say or ask something."""
         return int(self.machine.run("grep -c 'Prompt greeter with' /var/log/lightdm/lightdm.log")[1] or 0)
 
     def sessions(self):
