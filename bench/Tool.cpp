@@ -36,7 +36,7 @@ class Tool : public tests::AppFixture
   public:
     explicit Tool(std::size_t keys)
     {
-        store(bench::documentOf(keys));
+        prefix.store(bench::documentOf(keys));
         plugIn(newKey);
         window();
     }
