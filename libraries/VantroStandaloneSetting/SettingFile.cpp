@@ -186,14 +186,11 @@ Replacement SettingFile::replace(const std::string& text)
 std::error_code SettingFile::keepInvalid() const
 {
     const std::filesystem::path copy = nameBeside(url_, ".invalid", 0);
+    auto error = withFreeName(url_, ".invalid-old",
+                              [&copy](const std::filesystem::path& name) { return moveAside(copy, name); });
+    if (error && error != std::errc::no_such_file_or_directory)
+        return error;
     struct stat status = {};
-    if (::lstat(copy.c_str(), &status) == 0) {
-        const auto error = withFreeName(url_, ".invalid-old",
-                                        [&copy](const std::filesystem::path& name) { return moveAside(copy, name); });
-        if (error)
-            return error;
-    }
-    std::error_code error;
     const auto bytes = readFile(url_, documentSizeLimit, error, Links::Refuse);
     if (bytes && ::lstat(url_.c_str(), &status) == 0) {
         ReplacementOptions options;
