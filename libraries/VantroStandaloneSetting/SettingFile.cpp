@@ -141,6 +141,8 @@ void SettingFile::write(const VantroStandaloneSetting& setting)
         if (replacement.isDone) {
             // What stood with a key that is gone does not come back with it.
             foreign_ = std::move(*foreign);
+            // Whatever was there before, what is there now is known.
+            readError_.clear();
             return;
         }
         reason = replacement.error.message();
@@ -176,7 +178,6 @@ Replacement SettingFile::replace(const std::string& text)
             settingLogger().warning("The settings document can't be read and was kept as " + aside.string() + ".",
                                     "write()");
             keptAside_ = aside;
-            readError_.clear();
         }
         return replacement.error;
     });
