@@ -34,6 +34,8 @@ const PamFile* PamServices::at(const fs::path& path)
 {
     std::error_code error;
     const auto place = fs::canonical(path, error);
+    if (isAssumptionLost_)
+        return &unreadable_;
     if (error)
         return isMissing(error) ? nullptr : &unreadable_;
     const auto known = files_.find(place);
@@ -43,7 +45,9 @@ const PamFile* PamServices::at(const fs::path& path)
 void PamServices::assume(const fs::path& path, std::string text)
 {
     std::error_code error;
-    files_.emplace(fs::weakly_canonical(path, error), PamFile(std::move(text)));
+    const auto place = fs::weakly_canonical(path, error);
+    isAssumptionLost_ = isAssumptionLost_ || error;
+    files_.emplace(place, PamFile(std::move(text)));
 }
 
 PamServices::ServicesByName PamServices::all()

@@ -28,7 +28,8 @@ class PamServices
     /// The file behind the path, links followed: the same object for the same file. Null where libpam finds none.
     [[nodiscard]] const PamFile* at(const std::filesystem::path& path);
 
-    /// From here on the path's file has this text. Only before its file was asked for.
+    /// From here on the path's file has this text. Only before its file was asked for. Where it can't be found out at
+    /// the moment which file that is, none can be read from here on.
     void assume(const std::filesystem::path& path, std::string text);
 
     struct Service
@@ -50,6 +51,7 @@ class PamServices
     /// By their paths without links.
     std::map<std::filesystem::path, PamFile> files_;
     const PamFile unreadable_ = PamFile::unreadable();
+    bool isAssumptionLost_ = false;
 };
 
 } // namespace vantro
