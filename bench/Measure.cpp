@@ -17,9 +17,8 @@ double lowerQuartile(std::vector<double> values)
 double measureRounds(int rounds, const Measure& measure)
 {
     static_cast<void>(measure());
-    std::vector<double> values;
-    for (int round = 0; round < rounds; ++round)
-        values.push_back(measure());
+    std::vector<double> values(static_cast<std::size_t>(rounds));
+    std::generate(values.begin(), values.end(), measure);
     return lowerQuartile(values);
 }
 
@@ -27,11 +26,11 @@ Comparison compareInTurns(int rounds, const Measure& ours, const Measure& floor)
 {
     static_cast<void>(ours());
     static_cast<void>(floor());
-    std::vector<double> valuesOfOurs;
-    std::vector<double> valuesOfFloor;
-    for (int round = 0; round < rounds; ++round) {
-        valuesOfOurs.push_back(ours());
-        valuesOfFloor.push_back(floor());
+    std::vector<double> valuesOfOurs(static_cast<std::size_t>(rounds));
+    std::vector<double> valuesOfFloor(valuesOfOurs.size());
+    for (std::size_t round = 0; round < valuesOfOurs.size(); ++round) {
+        valuesOfOurs[round] = ours();
+        valuesOfFloor[round] = floor();
     }
     return {lowerQuartile(valuesOfOurs), lowerQuartile(valuesOfFloor)};
 }

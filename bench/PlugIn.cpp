@@ -6,11 +6,9 @@
 // tokens; a third one has them plug in, in turns.
 
 #include <cstdlib>
-#include <future>
 #include <iostream>
 #include <memory>
 #include <poll.h>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -59,7 +57,7 @@ class PlugIn : public tests::ServiceFixture
             waitFor(label, before);
             while (client.getSerial() != 0)
                 continue;
-            std::cout << measured << milliseconds << std::endl;
+            std::cout << measured << milliseconds << '\n' << std::flush;
         }
     }
 
