@@ -17,26 +17,32 @@ RequestRunner::RequestRunner(std::size_t threadLimit)
 RequestRunner::~RequestRunner()
 {
     stop_.request_stop();
+    // Whoever is about to wait has seen that, or waits by then.
+    std::unique_lock(mutex_).unlock();
+    requested_.notify_all();
     threads_.clear();
 }
 
 bool RequestRunner::run(Limit::Clock::duration duration, Work work, Expired expired)
 {
-    const std::lock_guard lock(mutex_);
-    if (waiting_.size() >= idleThreads_) {
-        if (threads_.size() >= threadLimit_)
-            return false;
-        threads_.emplace_back([this] { serve(); });
+    {
+        const std::lock_guard lock(mutex_);
+        if (waiting_.size() >= idleThreads_) {
+            if (threads_.size() >= threadLimit_)
+                return false;
+            threads_.emplace_back([this] { serve(); });
+        }
+        Request request{std::move(work), {Limit::Clock::now() + duration, stop_.get_token()}, ++lastNumber_};
+        const auto expiry = request.limit.deadline + grace;
+        deadlines_.emplace(std::pair(expiry, request.number), std::move(expired));
+        waiting_.push_back(std::move(request));
+        if (expiry < nextLook_) {
+            nextLook_ = expiry;
+            deadlinesChanged_.notify_one();
+        }
     }
-    Request request{std::move(work), {Limit::Clock::now() + duration, stop_.get_token()}, ++lastNumber_};
-    const auto expiry = request.limit.deadline + grace;
-    deadlines_.emplace(std::pair(expiry, request.number), std::move(expired));
-    waiting_.push_back(std::move(request));
+    // Without the lock, which the woken thread takes first of all.
     requested_.notify_one();
-    if (expiry < nextLook_) {
-        nextLook_ = expiry;
-        deadlinesChanged_.notify_one();
-    }
     return true;
 }
 
@@ -45,9 +51,9 @@ void RequestRunner::serve()
     std::unique_lock lock(mutex_);
     while (true) {
         ++idleThreads_;
-        const bool hasWork = requested_.wait(lock, stop_.get_token(), [this] { return !waiting_.empty(); });
+        requested_.wait(lock, [this] { return stop_.stop_requested() || !waiting_.empty(); });
         --idleThreads_;
-        if (!hasWork || stop_.stop_requested())
+        if (stop_.stop_requested())
             return;
         Request request = std::move(waiting_.front());
         waiting_.pop_front();

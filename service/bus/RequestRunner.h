@@ -48,7 +48,8 @@ class RequestRunner
     const std::size_t threadLimit_;
     std::stop_source stop_;
     std::mutex mutex_;
-    std::condition_variable_any requested_;
+    /// Not one that knows of stop tokens: that has a lock of its own, at which whoever is woken would wait once more.
+    std::condition_variable requested_;
     std::condition_variable_any deadlinesChanged_;
     std::deque<Request> waiting_;
     Deadlines deadlines_;
