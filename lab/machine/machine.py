@@ -18,7 +18,7 @@ from waiting import NotSo  # noqa: E402
 import waiting  # noqa: E402
 
 # How long something may take that is a matter of seconds when this machine has nothing else to do.
-PATIENCE_SECONDS = 120
+PATIENCE_SECONDS = 180
 # To ask the machine takes it longer than it takes this one, and holds up what is waited for.
 PAUSE_SECONDS = 0.3
 

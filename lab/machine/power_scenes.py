@@ -6,12 +6,12 @@ import xml.etree.ElementTree
 
 from desktop_scenes import FIRST
 from image import ADMINISTRATOR, PASSWORD
+from machine import wait_for
 from visiting import DOCUMENT, PAM_SERVICES, RECORDS
 from waiting import NotSo
 
 CUTS_OF_EACH = 5
-# Within this time after the key the change is made, on an emulated machine that has nothing else to do.
-LONGEST_SECONDS = 3.0
+ENTRY = "auth\trequired\tpam_vantro_standalone.so\n"
 
 
 def _files(visit):
@@ -24,14 +24,27 @@ def _files(visit):
     return users, document.findtext("SwitchSetting/SecureMode"), pam
 
 
-def _cut(visit, snapshot, what, key, is_whole):
-    """One cut: what is there after the next start, and whether somebody can sign in."""
+def _go_to(visit, snapshot):
     if visit.machine.is_on:
         visit.machine.go_back(snapshot)
     else:
         visit.machine.start(snapshot=snapshot)
+
+
+def _duration(visit, snapshot, key, is_done):
+    """How long after the key the change is made, when nothing comes in between."""
+    _go_to(visit, snapshot)
+    began = time.monotonic()
+    visit.machine.press(key)
+    wait_for("the change is made", lambda: is_done(_files(visit)))
+    return time.monotonic() - began
+
+
+def _cut(visit, snapshot, what, key, longest, is_whole):
+    """One cut within so many seconds: what is there after the next start, and whether somebody can sign in."""
+    _go_to(visit, snapshot)
     before = _files(visit)
-    instant = random.uniform(0, LONGEST_SECONDS)
+    instant = random.uniform(0, longest)
     visit.machine.press(key)
     # The instant is what is tried, not what is waited for.
     time.sleep(instant)
@@ -66,21 +79,23 @@ def _registration_is_whole(visit, before, after, text):
 
 def _demand_is_whole(_, before, after, __):
     """Each PAM service is the old one or the old one with the one line more."""
-    entry = "auth\trequired\tpam_vantro_standalone.so\n"
     return after[0] == before[0] and after[1] in ("true", "false") and all(
-        new == old or (new.replace(entry, "", 1) == old and entry in new) for old, new in zip(before[2], after[2]))
+        new == old or (new.replace(ENTRY, "", 1) == old and ENTRY in new) for old, new in zip(before[2], after[2]))
 
 
 def registration(visit):
     """Switched off while a token is registered."""
+    longest = _duration(visit, "about-to-register", "alt-r", lambda files: files[0] == [(ADMINISTRATOR, [FIRST])])
     for _ in range(CUTS_OF_EACH):
-        _cut(visit, "about-to-register", "registration", "alt-r", _registration_is_whole)
+        _cut(visit, "about-to-register", "registration", "alt-r", longest, _registration_is_whole)
 
 
 def demand(visit):
     """Switched off while the PAM services are changed."""
+    longest = _duration(visit, "about-to-demand", "alt-d", lambda files: files[1] == "true" and all(
+        ENTRY in service for service in files[2]))
     for _ in range(CUTS_OF_EACH):
-        _cut(visit, "about-to-demand", "demand", "alt-d", _demand_is_whole)
+        _cut(visit, "about-to-demand", "demand", "alt-d", longest, _demand_is_whole)
 
 
 ALL = [registration, demand]

@@ -24,6 +24,13 @@ done
 wait"""
 
 
+def start(visit):
+    """A machine is switched on that nothing was ever installed on by hand."""
+    visit.machine.start()
+    visit.see_same(visit.machine.run("systemctl is-system-running --wait")[1].strip(), "running", "systemd has started all")
+    visit.see(True, "it runs " + visit.machine.must("uname -srv").strip())
+
+
 def install(visit):
     """The package is installed on a machine that never had a HID device."""
     visit.see(visit.machine.run("grep -w hidraw /proc/devices")[0] != 0, "the kernel knows no hidraw devices yet")
@@ -144,4 +151,4 @@ def ended(visit):
     visit.unplug_all()
 
 
-ALL = [install, first_device, six_methods, two_tokens, touch, hung, pulled_out, replugged, ended]
+ALL = [start, install, first_device, six_methods, two_tokens, touch, hung, pulled_out, replugged, ended]

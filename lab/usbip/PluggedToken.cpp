@@ -1,9 +1,7 @@
 #include "usbip/PluggedToken.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <utility>
 
 #include <sys/socket.h>
 
