@@ -80,8 +80,8 @@ void print(const Table& table, std::uint64_t faults)
 Folders makeFolders(const tests::TemporaryPrefix& prefix)
 {
     Folders folders{
-        {prefix.pamServicesFolder(), prefix.pamModulesFolder(), prefix.path() / "backup", prefix.path() / "vendor"},
-        prefix.challengeResponseFolder(),
+        {prefix.pamServices(), prefix.pamModules(), prefix.path() / "backup", prefix.path() / "vendor"},
+        prefix.records(),
         prefix.path() / "keys.xml"};
     std::filesystem::create_directory(folders.pam.vendorServices);
     std::filesystem::copy_file(std::filesystem::path(VANTRO_LIBPAM_MODULES_FOLDER) / "pam_permit.so",
