@@ -3,6 +3,7 @@
 import lzma
 import shutil
 import tarfile
+import uuid
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -19,7 +20,7 @@ PACKAGES = [
 LEFT_OUT = ("/usr/share/man/*", "/usr/share/doc/*", "/usr/share/locale/*")
 
 # What starts work of its own soon after the machine, which nothing here needs.
-MASKED = ("systemd-timesyncd.service", "systemd-random-seed.service", "systemd-update-utmp.service",
+MASKED = ("systemd-networkd.service", "systemd-networkd.socket", "systemd-timesyncd.service", "systemd-random-seed.service", "systemd-update-utmp.service",
           "systemd-journal-flush.service", "apt-daily.timer", "apt-daily-upgrade.timer", "e2scrub_all.timer",
           "e2scrub_reap.service", "dpkg-db-backup.timer", "fstrim.timer", "getty@tty1.service")
 
@@ -80,8 +81,8 @@ def _furnish(root):
         run("chroot", root, *command)
 
     shutil.copytree(HERE / "guest", root, dirs_exist_ok=True)
-    # Before it has one, systemd asks at the first start who it is.
-    (root / "etc/machine-id").write_text("uninitialized\n", encoding="ascii")
+    # Without one, every start would be the first one, with more to do.
+    (root / "etc/machine-id").write_text(uuid.uuid4().hex + "\n", encoding="ascii")
     (root / "etc/hostname").write_text("machine\n", encoding="ascii")
     (root / "etc/hosts").write_text("127.0.0.1 localhost machine\n", encoding="ascii")
     for user in (ADMINISTRATOR, OUTSIDER):

@@ -164,8 +164,9 @@ class Machine:
         self._ask_human_monitor(f"savevm {snapshot}")
 
     def go_back(self, snapshot):
-        """To what was kept."""
+        """To what was kept. It answers again by then: what is typed before is lost."""
         self._ask_human_monitor(f"loadvm {snapshot}")
+        self.must("true")
 
     def cut_power(self):
         """Switches it off between two instructions. What it has written to its disk is there; nothing else is."""

@@ -16,10 +16,12 @@ ENTRY = "auth\trequired\tpam_vantro_standalone.so\n"
 
 def _files(visit):
     """What a change may be in the middle of: the document's keys and switch, and the PAM services."""
-    pam = [visit.machine.must(f"cat /etc/pam.d/{name}") for name in PAM_SERVICES]
-    if visit.machine.run(f"test -e {DOCUMENT}")[0] != 0:
+    parts = visit.machine.must("".join(f"cat /etc/pam.d/{name}; printf '\\f'; " for name in PAM_SERVICES) +
+                               f"[ -e {DOCUMENT} ] && cat {DOCUMENT} || echo none").split("\f")
+    pam, text = parts[:-1], parts[-1]
+    if text == "none\n":
         return [], None, pam
-    document = xml.etree.ElementTree.fromstring(visit.machine.must(f"cat {DOCUMENT}"))
+    document = xml.etree.ElementTree.fromstring(text)
     users = [(user.findtext("Account"), [key.text for key in user.iter("Serial")]) for user in document.iter("UserSetting")]
     return users, document.findtext("SwitchSetting/SecureMode"), pam
 
