@@ -94,8 +94,7 @@ def registration(visit):
 
 def demand(visit):
     """Switched off while the PAM services are changed."""
-    longest = _duration(visit, "about-to-demand", "alt-d", lambda files: files[1] == "true" and all(
-        ENTRY in service for service in files[2]))
+    longest = _duration(visit, "about-to-demand", "alt-d", lambda files: all(ENTRY in service for service in files[2]))
     for _ in range(CUTS_OF_EACH):
         _cut(visit, "about-to-demand", "demand", "alt-d", longest, _demand_is_whole)
 
