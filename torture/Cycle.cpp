@@ -270,7 +270,10 @@ bool Cycle::perform(Victim& victim, Operation operation, Victim::Kill kill)
     plan = {};
     plan.random = random_() | 1;
     plan.odds = odds_;
-    if (hasOneFault_)
+    // Some kinds of call are too rare to be met by counting.
+    if (hasOneFault_ && below(2) == 0)
+        plan.kindOfFault = below(callCount);
+    else if (hasOneFault_)
         plan.callOfFault = static_cast<unsigned int>(1 + below(std::uint64_t{8} << below(6)));
     if (kill == Victim::Kill::AtACall)
         plan.callOfKill = static_cast<unsigned int>(1 + below(60));

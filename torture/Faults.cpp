@@ -18,6 +18,7 @@
 #include <unistd.h>
 
 using vantro::torture::Call;
+using vantro::torture::callCount;
 using vantro::torture::Faults;
 using vantro::torture::Plan;
 
@@ -71,10 +72,14 @@ int chosenError(Call call, std::initializer_list<int> errors)
     auto* const plan = vantroFaults.plan;
     if (!vantroFaults.isArmed)
         return 0;
-    const bool isIt = plan->callOfFault > 0 && --plan->callOfFault == 0;
+    const auto kind = static_cast<std::size_t>(call);
+    const bool isOfKind = plan->kindOfFault == kind;
+    if (isOfKind)
+        plan->kindOfFault = callCount;
+    const bool isIt = isOfKind || (plan->callOfFault > 0 && --plan->callOfFault == 0);
     if (!isIt && (plan->odds == 0 || below(plan->odds) != 0))
         return 0;
-    ++plan->faults[static_cast<std::size_t>(call)];
+    ++plan->faults[kind];
     return errors.begin()[below(errors.size())];
 }
 

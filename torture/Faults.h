@@ -38,6 +38,8 @@ struct Plan
     unsigned int odds = 0;
     /// Which call fails, counted from 1, apart from those; 0 for none.
     unsigned int callOfFault = 0;
+    /// The kind of call whose next one fails; callCount for none.
+    std::size_t kindOfFault = callCount;
     /// At which of its calls the process is killed, counted from 1, a write in its middle; 0 for none.
     unsigned int callOfKill = 0;
     std::array<std::uint64_t, callCount> faults = {};

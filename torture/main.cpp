@@ -79,10 +79,9 @@ void print(const Table& table, std::uint64_t faults)
 /// Everything that a demand needs, but what the cycles make.
 Folders makeFolders(const tests::TemporaryPrefix& prefix)
 {
-    Folders folders{
-        {prefix.pamServices(), prefix.pamModules(), prefix.path() / "backup", prefix.path() / "vendor"},
-        prefix.records(),
-        prefix.path() / "keys.xml"};
+    Folders folders{{prefix.pamServices(), prefix.pamModules(), prefix.path() / "backup", prefix.path() / "vendor"},
+                    prefix.records(),
+                    prefix.path() / "keys.xml"};
     std::filesystem::create_directory(folders.pam.vendorServices);
     std::filesystem::copy_file(std::filesystem::path(VANTRO_LIBPAM_MODULES_FOLDER) / "pam_permit.so",
                                folders.pam.modules / names::pamModule);
