@@ -78,6 +78,16 @@ class ServiceFixture : public testing::Test
         return waitUntil([this, &text] { return bus.log().find(text) != std::string::npos; });
     }
 
+    /// How often the service's log has this text by now.
+    [[nodiscard]] int timesLogged(const std::string& text) const
+    {
+        const std::string log = bus.log();
+        int times = 0;
+        for (auto at = log.find(text); at != std::string::npos; at = log.find(text, at + text.size()))
+            ++times;
+        return times;
+    }
+
     /// Whether the service has the device node open by now or soon: it is in the middle of an exchange.
     [[nodiscard]] bool opens(const std::string& deviceNode) const
     {
