@@ -10,7 +10,12 @@
 
 #include <linux/hidraw.h>
 #include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
 #include <umockdev.h>
+
+#include "foundation/FileDescriptor.h"
 
 namespace vantro::lab {
 
@@ -83,6 +88,7 @@ class HidNode::Requests
     static gboolean onRequest(UMockdevIoctlBase* base, UMockdevIoctlClient* client, gpointer number);
     static gboolean onTransferred(gpointer transfer);
     static void complete(State& state, UMockdevIoctlClient* client);
+    void awaitWhoHasOpened() const;
 
     TokenBed& bed_;
     std::string deviceNode_;
@@ -111,9 +117,29 @@ HidNode::Requests::Requests(TokenBed& bed, std::string deviceNode, std::chrono::
 HidNode::Requests::~Requests()
 {
     end();
+    awaitWhoHasOpened();
     umockdev_testbed_detach_ioctl(bed_.handle(), deviceNode_.c_str(), nullptr);
     const std::lock_guard lock(registry().mutex);
     registry().states.erase(number_);
+}
+
+/// Waits until the emulation's thread has taken up whoever has opened the node so far: umockdev ends a program whose
+/// connection goes before that.
+void HidNode::Requests::awaitWhoHasOpened() const
+{
+    const auto path = bed_.rootFolder() / "ioctl" / deviceNode_.substr(1);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    path.native().copy(address.sun_path, sizeof address.sun_path - 1);
+    constexpr timeval patience = {5, 0};
+    const FileDescriptor connection(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ::setsockopt(connection.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    if (::connect(connection.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        return;
+    ::shutdown(connection.get(), SHUT_WR);
+    // Connections are taken up in their order, and one that asks for nothing is closed then.
+    char nothing = 0;
+    [[maybe_unused]] const auto end = ::recv(connection.get(), &nothing, sizeof nothing, 0);
 }
 
 HidNode::Requests::Registry& HidNode::Requests::registry()
