@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "foundation/FileDescriptor.h"
 
 namespace vantro::lab::usbip {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <chrono>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <poll.h>
