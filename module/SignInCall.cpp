@@ -102,14 +102,15 @@ bool send(sd_bus* bus, const char* account, std::uint32_t waitSeconds, Call& cal
 void await(sd_bus* bus, const Call& call, std::uint64_t deadline)
 {
     while (!call.isOver) {
+        // Looked at in each turn: what somebody else sends without end must not hold the sign-in up.
+        const std::uint64_t time = now();
+        if (time >= deadline)
+            return;
         const int processed = sd_bus_process(bus, nullptr);
         if (processed < 0)
             return;
         if (processed > 0)
             continue;
-        const std::uint64_t time = now();
-        if (time >= deadline)
-            return;
         // A signal that the program handles is no reason to end.
         const int waited = sd_bus_wait(bus, deadline - time);
         if (waited < 0 && waited != -EINTR)
