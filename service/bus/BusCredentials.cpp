@@ -14,8 +14,6 @@
 namespace vantro::service {
 namespace {
 
-constexpr const char* busName = "org.freedesktop.DBus";
-constexpr const char* busPath = "/org/freedesktop/DBus";
 /// D-Bus's own: where the system bus is unless the variable says otherwise.
 constexpr const char* addressVariable = "DBUS_SYSTEM_BUS_ADDRESS";
 constexpr const char* usualAddress = "unix:path=/run/dbus/system_bus_socket";
@@ -80,7 +78,7 @@ Caller ask(const std::string& sender)
 {
     const Bus bus = connected();
     sd_bus_message* raw = nullptr;
-    checked(sd_bus_message_new_method_call(bus.get(), &raw, busName, busPath, busName, "GetConnectionCredentials"));
+    checked(sd_bus_message_new_method_call(bus.get(), &raw, bus_daemon::name, bus_daemon::path, bus_daemon::name, "GetConnectionCredentials"));
     const Message question(raw);
     checked(sd_bus_message_append(raw, "s", sender.c_str()));
     raw = nullptr;

@@ -10,6 +10,12 @@
 
 namespace vantro::service {
 
+/// The bus's own object, by its specification; its interface is named as the bus.
+namespace bus_daemon {
+inline constexpr const char* name = "org.freedesktop.DBus";
+inline constexpr const char* path = "/org/freedesktop/DBus";
+} // namespace bus_daemon
+
 /// Asks the bus who stands behind a sender. The bus takes a connection's user and groups when it is made and gives no
 /// unique name twice, so that an answer holds for good. Any thread.
 class BusCredentials

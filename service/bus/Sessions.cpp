@@ -25,7 +25,7 @@ constexpr const char* sessionInterface = "org.freedesktop.login1.Session";
 constexpr std::array graphicalTypes = {"x11", "wayland", "mir"};
 
 /// What one answer of logind's may take.
-constexpr auto answerLimit = 5s;
+constexpr auto logindLimit = 5s;
 
 /// Session, user id, user, seat, object.
 using ListedSession = sdbus::Struct<std::string, std::uint32_t, std::string, std::string, sdbus::ObjectPath>;
@@ -53,12 +53,12 @@ bool lockSession(sdbus::IConnection& bus, const sdbus::ObjectPath& path)
     Properties properties;
     session->callMethod("GetAll")
         .onInterface("org.freedesktop.DBus.Properties")
-        .withTimeout(answerLimit)
+        .withTimeout(logindLimit)
         .withArguments(std::string(sessionInterface))
         .storeResultsTo(properties);
     if (!isGraphical(properties))
         return false;
-    session->callMethod("Lock").onInterface(sessionInterface).withTimeout(answerLimit);
+    session->callMethod("Lock").onInterface(sessionInterface).withTimeout(logindLimit);
     return true;
 }
 
@@ -76,7 +76,7 @@ void lockSessions(uid_t user, const Logger& logger)
         std::vector<ListedSession> sessions;
         manager->callMethod("ListSessions")
             .onInterface(managerInterface)
-            .withTimeout(answerLimit)
+            .withTimeout(logindLimit)
             .storeResultsTo(sessions);
         for (const auto& session : sessions) {
             if (session.get<1>() != user)

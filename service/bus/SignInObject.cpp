@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "VantroStandaloneNames.h"
+#include "bus/BusCredentials.h"
 
 namespace vantro::service {
 namespace {
@@ -16,8 +17,6 @@ using namespace std::chrono_literals;
 constexpr auto exchangeLimit = 14s;
 constexpr std::uint32_t longestWait = 120;
 
-constexpr const char* busName = "org.freedesktop.DBus";
-constexpr const char* busPath = "/org/freedesktop/DBus";
 /// A connection that has gone has no new owner.
 constexpr const char* departures = "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
                                    "member='NameOwnerChanged',arg2=''";
@@ -49,7 +48,7 @@ SignInObject::SignInObject(sdbus::IConnection& connection, SignIn& signIn, const
       quotaOfRoot_(std::make_shared<CallerQuota>(requestsOfRoot)),
       quotaOfOthers_(std::make_shared<CallerQuota>(requestsOfOthers)),
       quotaOfAccounts_(std::make_shared<CallerQuota>(requestsOfAnAccount)),
-      bus_(sdbus::createProxy(connection, busName, busPath)),
+      bus_(sdbus::createProxy(connection, bus_daemon::name, bus_daemon::path)),
       object_(sdbus::createObject(connection, names::serviceObject)), runner_(requestsOfRoot + requestsOfOthers)
 {
     connection.addMatch(
@@ -91,7 +90,7 @@ void SignInObject::askWhoCalls(const RequestPointer& request)
 {
     // Not on a thread, of which a flood of callers could take all.
     bus_->callMethodAsync("GetConnectionUnixUser")
-        .onInterface(busName)
+        .onInterface(bus_daemon::name)
         .withArguments(request->sender)
         .uponReplyInvoke([this, request](const sdbus::Error* error, std::uint32_t userId) {
             if (error == nullptr)

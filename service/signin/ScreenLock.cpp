@@ -1,23 +1,12 @@
 #include "signin/ScreenLock.h"
 
 #include <algorithm>
-#include <chrono>
 #include <string>
 #include <utility>
 
 #include "tokens/TokenFailure.h"
 
 namespace vantro::service {
-namespace {
-
-using namespace std::chrono_literals;
-
-/// What a token that has just come may take to tell its serial; meanwhile another one may be pulled out.
-constexpr auto serialLimit = 1500ms;
-/// How soon a token is asked again that was busy, or just coming.
-constexpr auto silentPause = 500ms;
-
-} // namespace
 
 ScreenLock::ScreenLock(TokenRegistry& registry, const RegisteredKeys& keys, AcceptedTokens acceptedTokens,
                        LockScreens lockScreens, const Logger& logger)
@@ -45,7 +34,7 @@ void ScreenLock::watch(const std::stop_token& stop)
         const auto seen = registry_.changes();
         const bool mayHearMore = findAgain(stop);
         lockWhereGone();
-        const Limit pause{mayHearMore ? Limit::Clock::now() + silentPause : Limit::Clock::time_point::max(), stop};
+        const Limit pause{mayHearMore ? Limit::Clock::now() + TokenAccess::silentPause : Limit::Clock::time_point::max(), stop};
         registry_.waitForChange(seen, pause);
     }
 }
@@ -56,7 +45,7 @@ bool ScreenLock::findAgain(const std::stop_token& stop)
     for (const auto number : registry_.newestFirst()) {
         if (!isAnyLookedFor())
             return false;
-        const auto serial = tokens_.serialOf(number, {Limit::Clock::now() + serialLimit, stop});
+        const auto serial = tokens_.serialOf(number, {Limit::Clock::now() + TokenAccess::serialLimit, stop});
         if (serial)
             takeUp(*serial, number);
         else

@@ -12,11 +12,6 @@
 namespace vantro::service {
 namespace {
 
-/// What one token of several may cost while another one may be the right one.
-constexpr auto serialLimit = std::chrono::milliseconds(1500);
-/// How soon a token is asked again that was busy, or just coming, when it did not tell its serial.
-constexpr auto silentPause = std::chrono::milliseconds(500);
-
 constexpr const char* function = "authenticate(_:)";
 
 /// Whether the token is not to blame: what its record says is not known.
@@ -74,7 +69,7 @@ void SignIn::authenticate(const std::string& account, Limit::Clock::duration wai
             return end(Outcome::NoToken);
         if (!std::exchange(isAsked, true))
             ask(Wanted::PlugIn);
-        registry_.waitForChange(seen, look.hasSilent ? waiting.within(silentPause) : waiting);
+        registry_.waitForChange(seen, look.hasSilent ? waiting.within(TokenAccess::silentPause) : waiting);
     }
 }
 
@@ -83,7 +78,7 @@ SignIn::Look SignIn::askTokens(const std::vector<std::uint64_t>& openers, const 
 {
     Look look;
     for (const auto number : registry_.newestFirst()) {
-        const auto serial = tokens_.serialOf(number, limit.within(serialLimit));
+        const auto serial = tokens_.serialOf(number, limit.within(TokenAccess::serialLimit));
         if (!serial) {
             look.hasSilent = true;
             continue;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 #include "Limit.h"
@@ -13,6 +14,11 @@ namespace vantro::service {
 class TokenAccess
 {
   public:
+    /// What one token may take to tell its serial while others may be the ones that are looked for.
+    static constexpr auto serialLimit = std::chrono::milliseconds(1500);
+    /// How soon a token is asked again that was busy, or just coming, when it did not tell its serial.
+    static constexpr auto silentPause = std::chrono::milliseconds(500);
+
     explicit TokenAccess(TokenRegistry& registry) : registry_(registry) {}
 
     /// The serial of the token that was plugged in last.
