@@ -3,6 +3,13 @@ add_library(vantro_build_options INTERFACE)
 target_compile_options(vantro_build_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
+# Where sources are compiled together, names of one file are seen from another one. That each is right by itself is told
+# by the builds that compile one at a time.
+if(CMAKE_UNITY_BUILD)
+    target_compile_options(vantro_build_options INTERFACE
+        -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endif()
+
 if(VANTRO_SANITIZE)
     target_compile_options(vantro_build_options INTERFACE
         -fsanitize=${VANTRO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -15,7 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t newDocumentMode = 0660;
 constexpr mode_t privateMode = 0600;
 constexpr std::uint64_t requiredEntry = 1;
 constexpr std::uint64_t optionalEntry = 2;

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 #include "Faults.h"
 #include "Subject.h"
 #include "Victim.h"
@@ -44,6 +46,9 @@ class Cycle
     void run();
 
   private:
+    /// What the product gives a document of its own.
+    static constexpr mode_t newDocumentMode = 0660;
+
     /// A file's content, and the number that stands for it.
     struct State
     {

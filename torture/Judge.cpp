@@ -16,7 +16,6 @@ namespace fs = std::filesystem;
 
 constexpr std::uint64_t toldAtMost = 20;
 constexpr std::array answerNames = {"done", "nothing to do it with", "failed", "an untrue value"};
-constexpr mode_t newDocumentMode = 0660;
 
 std::optional<std::string> textAt(const fs::path& path)
 {

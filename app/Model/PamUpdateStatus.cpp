@@ -8,7 +8,7 @@
 namespace vantro {
 namespace {
 
-QString localized(const char* key)
+QString updateText(const char* key)
 {
     return localizedString("SettingView", key);
 }
@@ -57,8 +57,8 @@ QString PamUpdateStatus::demandingEntries() const
     for (std::size_t entry = 0; entry < names::pamServices.size(); ++entry)
         if (failed_->isDemanding[entry])
             names += QLatin1String(names::pamServices[entry]);
-    return names.isEmpty() ? localized("entries_demand_none")
-                           : localized("entries_demand").arg(names.join(QStringLiteral(", ")));
+    return names.isEmpty() ? updateText("entries_demand_none")
+                           : updateText("entries_demand").arg(names.join(QStringLiteral(", ")));
 }
 
 QStringList PamUpdateStatus::whatIsLeft() const
@@ -66,14 +66,14 @@ QStringList PamUpdateStatus::whatIsLeft() const
     const bool isOn = isSecureMode();
     const char* const mend = isOn ? "mend_switched_on" : "mend_switched_off";
     if (failed_->change == Change::Switch && isAsInDocument())
-        return {localized("update_failed")};
+        return {updateText("update_failed")};
     if (failed_->change == Change::Switch || AppDataSet::shared().vantroStandaloneSetting.isAllocatedKey())
         return isAsInDocument() ? QStringList()
-                                : QStringList{localized("written_in_part"), demandingEntries(), localized(mend)};
+                                : QStringList{updateText("written_in_part"), demandingEntries(), updateText(mend)};
     if (isOn)
-        return {localized("reset_failed"), demandingEntries(), localized("mend_without_token")};
-    const QString failed = localized("reset_failed_switched_off");
-    return isAsInDocument() ? QStringList{failed} : QStringList{failed, demandingEntries(), localized(mend)};
+        return {updateText("reset_failed"), demandingEntries(), updateText("mend_without_token")};
+    const QString failed = updateText("reset_failed_switched_off");
+    return isAsInDocument() ? QStringList{failed} : QStringList{failed, demandingEntries(), updateText(mend)};
 }
 
 QString PamUpdateStatus::text() const
@@ -82,7 +82,7 @@ QString PamUpdateStatus::text() const
     if (lines.isEmpty())
         return {};
     const QString reason = failed_->failure.sentence();
-    lines += reason.isEmpty() ? localized("check_service") : reason;
+    lines += reason.isEmpty() ? updateText("check_service") : reason;
     return lines.join(QLatin1Char('\n'));
 }
 

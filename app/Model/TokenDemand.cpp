@@ -28,7 +28,7 @@ const PamSetting& demandingEntry()
     return entry;
 }
 
-QString localized(const char* key)
+QString demandText(const char* key)
 {
     return localizedString("SettingView", key);
 }
@@ -46,10 +46,10 @@ QString TokenDemand::missingPart() const
     std::error_code error;
     const auto module = folders_.modules / names::pamModule;
     if (!fs::is_regular_file(module, error))
-        return localized("module_missing").arg(QString::fromStdString(module.string()));
+        return demandText("module_missing").arg(QString::fromStdString(module.string()));
     for (const auto service : names::pamServices)
         if (const auto path = folders_.services / service; !fs::is_regular_file(path, error))
-            return localized("service_missing").arg(QString::fromStdString(path.string()));
+            return demandText("service_missing").arg(QString::fromStdString(path.string()));
     return {};
 }
 
@@ -81,16 +81,16 @@ bool TokenDemand::isDemanded() const
 QString TokenDemand::text(bool isSwitchedOn) const
 {
     if (const QString missing = missingPart(); !missing.isEmpty()) {
-        QStringList lines{missing, localized("reinstall")};
+        QStringList lines{missing, demandText("reinstall")};
         if (isSwitchedOn)
-            lines += localized("switch_off_until_then");
+            lines += demandText("switch_off_until_then");
         return lines.join(QLatin1Char('\n'));
     }
     if (!isAskedFor())
-        return localized("nobody_asks");
+        return demandText("nobody_asks");
     if (!isSwitchedOn)
         return {};
-    return localized(isDemanded() ? "demanded" : "entry_not_demanding");
+    return demandText(isDemanded() ? "demanded" : "entry_not_demanding");
 }
 
 } // namespace vantro

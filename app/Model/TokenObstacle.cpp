@@ -8,7 +8,7 @@
 namespace vantro {
 namespace {
 
-QString localized(const char* key)
+QString obstacleText(const char* key)
 {
     return localizedString("TokenObstacle", key);
 }
@@ -28,10 +28,10 @@ QString TokenObstacle::text() const
 {
     if (kind_ == Kind::None)
         return {};
-    QStringList lines(localized(kind_ == Kind::SerialNotRead ? "serial_not_read" : "another_pulled_out"));
+    QStringList lines(obstacleText(kind_ == Kind::SerialNotRead ? "serial_not_read" : "another_pulled_out"));
     if (const QString cause = cause_.sentence(); !cause.isEmpty())
         lines += cause;
-    lines += localized("plug_in_again");
+    lines += obstacleText("plug_in_again");
     return lines.join(QLatin1Char('\n'));
 }
 

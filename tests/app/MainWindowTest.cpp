@@ -26,7 +26,7 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 
-constexpr auto sourceFile = "ViewController/Main/TabViewController";
+constexpr auto tabSource = "ViewController/Main/TabViewController";
 
 class MainWindow : public AppFixture
 {
@@ -73,7 +73,7 @@ TEST_F(MainWindow, AsksForAccessUntilToldNotTo)
                            .accessory = CommonMessage::installAfterAlertInfo(),
                            .suppression = CommonMessage::doNotDisplay()};
     expectAlerts({alert, alert});
-    EXPECT_THAT(messages(sourceFile), Contains("Do not display alerts."));
+    EXPECT_THAT(messages(tabSource), Contains("Do not display alerts."));
 }
 
 TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
@@ -114,7 +114,7 @@ TEST_F(MainWindow, KeepsABrokenDocumentAndStartsAfresh)
     EXPECT_EQ(dataSet().vantroStandaloneSetting, VantroStandaloneSetting());
     EXPECT_THAT(service->pamCalls(), ElementsAre("authorization:3", "screensaver:3", "screensaver_new:3"));
     expectAlerts({{CommonMessage::warning(), CommonMessage::unexpectedChangeSetting()}});
-    EXPECT_THAT(messages(sourceFile), Contains("Setting file is invalid."));
+    EXPECT_THAT(messages(tabSource), Contains("Setting file is invalid."));
 }
 
 class SeveralTokens : public AppFixture
@@ -159,7 +159,7 @@ TEST_F(SeveralTokens, BringOneAlertThatOnlyTheLastTokenCloses)
         pullAllOut();
     }
     expectRecorded("several-tokens", alertFile);
-    EXPECT_THAT(messages(sourceFile), Contains("An alert has already been displayed."));
+    EXPECT_THAT(messages(tabSource), Contains("An alert has already been displayed."));
 }
 
 TEST_F(SeveralTokens, LeaveTheDialogBehindTheAlertAsItWasOrOutliveIt)

@@ -21,7 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::IsEmpty;
 
-constexpr auto sourceFile = "ViewController/Main/Setting/SettingViewController";
+constexpr auto settingSource = "ViewController/Main/Setting/SettingViewController";
 const std::vector<std::string> allRequired = {"authorization:0", "screensaver:0", "screensaver_new:0"};
 const std::vector<std::string> allOptional = {"authorization:3", "screensaver:3", "screensaver_new:3"};
 
@@ -90,7 +90,7 @@ TEST_F(SettingTab, EachOfTheOtherSwitchesWritesTheDocumentAndNothingElse)
     };
     expectWritten(control<QCheckBox>("screenLockButton"),
                   [](const auto& content) { return content.switchSetting.screenLock; });
-    expectRecorded("screen-lock", sourceFile);
+    expectRecorded("screen-lock", settingSource);
     expectWritten(*switchTo("Admin").view()->findChild<QCheckBox*>(),
                   [](const auto& content) { return content.adminSetting.toolLoginAuth; });
     EXPECT_THAT(service->pamCalls(), IsEmpty());
@@ -144,7 +144,7 @@ TEST_P(ForcedLogon, StandsOrFallsWithTheService)
                      demanding);
     EXPECT_EQ(statusLabel().text(), isDone ? QString() : failed);
     EXPECT_EQ(statusLabel().isHidden(), isDone);
-    expectRecorded(std::string("forced-logon-") + name, sourceFile);
+    expectRecorded(std::string("forced-logon-") + name, settingSource);
 }
 
 TEST_F(SettingTab, SaysWhatTheLastKeysDeletionLeftUndoneUntilAKeyIsThereAgain)

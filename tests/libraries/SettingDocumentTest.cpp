@@ -11,7 +11,7 @@ namespace vantro::tests {
 namespace {
 
 /// A document with everything in it, as a person could have written it.
-const std::string example = contentOf(SEEDS "/example.xml");
+const std::string exampleDocument = contentOf(SEEDS "/example.xml");
 
 VantroStandaloneSetting read(std::string_view text)
 {
@@ -32,8 +32,8 @@ TEST(SettingDocument, ReadsWhatItHoldsAndWritesItAsItWas)
         .users = {{"adam", {1, std::numeric_limits<std::uint64_t>::max()}}, {"<Zoë & \"漢'>"}},
         .masterKeySetting = {.masterKeys = {3}},
         .adminSetting = {.toolLoginAuth = true, .adminKeys = {4}}};
-    EXPECT_EQ(read(example), expected);
-    EXPECT_EQ(serialised(expected), example);
+    EXPECT_EQ(read(exampleDocument), expected);
+    EXPECT_EQ(serialised(expected), exampleDocument);
     EXPECT_EQ(read(serialised({})), VantroStandaloneSetting());
 }
 
@@ -68,20 +68,21 @@ TEST(SettingDocument, IsValidUnlessReadingOnWouldMisrepresentIt)
     };
     for (const auto& [from, valid, notValid] : cases) {
         for (const auto& to : valid)
-            EXPECT_TRUE(read(replaced(example, from, to)).isValid) << from << " → " << to;
+            EXPECT_TRUE(read(replaced(exampleDocument, from, to)).isValid) << from << " → " << to;
         for (const auto& to : notValid)
-            EXPECT_FALSE(read(replaced(example, from, to)).isValid) << from << " → " << to;
+            EXPECT_FALSE(read(replaced(exampleDocument, from, to)).isValid) << from << " → " << to;
     }
     for (const std::string name : {"VantroStandaloneSetting", "SwitchSetting", "Users", "MasterKeySetting",
                                    "MasterKeys", "AdminSetting", "AdminKeys"})
-        EXPECT_FALSE(read(replaced(replaced(example, "<" + name, "<Other"), "</" + name, "</Other")).isValid) << name;
+        EXPECT_FALSE(read(replaced(replaced(exampleDocument, "<" + name, "<Other"), "</" + name, "</Other")).isValid)
+            << name;
     EXPECT_FALSE(read("").isValid);
     EXPECT_TRUE(VantroStandaloneSetting().isValid);
 }
 
 TEST(SettingDocument, KeepsWhatItDoesNotKnowWhereItStood)
 {
-    EXPECT_TRUE(readSettingWithForeign(XML::parse(example)).foreign.isEmpty());
+    EXPECT_TRUE(readSettingWithForeign(XML::parse(exampleDocument)).foreign.isEmpty());
     auto [setting, foreign] = readSettingWithForeign(XML::parse(contentOf(SEEDS "/foreign.xml")));
     ASSERT_TRUE(setting.isValid);
     setting.switchSetting.screenLock = true;
@@ -101,11 +102,11 @@ TEST(SettingDocument, KeepsWhatItDoesNotKnowWhereItStood)
 TEST(SettingDocument, ATruncatedFileIsNeverValidAndADamagedOneReadsTheSameAgain)
 {
     // The line break at the end is no part of the document.
-    for (std::size_t length = 0; length + 1 < example.size(); ++length)
-        EXPECT_FALSE(read(example.substr(0, length)).isValid) << length;
-    for (std::size_t position = 0; position < example.size(); ++position) {
+    for (std::size_t length = 0; length + 1 < exampleDocument.size(); ++length)
+        EXPECT_FALSE(read(exampleDocument.substr(0, length)).isValid) << length;
+    for (std::size_t position = 0; position < exampleDocument.size(); ++position) {
         for (const char damage : {'\0', '<', '>', '/', '&', ' ', '!', '-', '\x80', '\xff', '0', 'a'}) {
-            std::string text = example;
+            std::string text = exampleDocument;
             text[position] = damage;
             const auto [setting, foreign] = readSettingWithForeign(XML::parse(text));
             if (!setting.isValid)
