@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdint>
 
+#include <nlohmann/json.hpp>
+
 #include "foundation/Text.h"
 
 namespace vantro {

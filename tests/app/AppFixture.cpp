@@ -8,6 +8,7 @@
 #include <sys/inotify.h>
 #include <utility>
 
+#include <QTest>
 #include <unistd.h>
 
 #include "DefaultsKeys.h"
@@ -102,6 +103,11 @@ NSWindow& AppFixture::window()
         EXPECT_TRUE(activate(*window_));
     }
     return *window_;
+}
+
+void AppFixture::click(QWidget* widget)
+{
+    QTest::mouseClick(widget, Qt::LeftButton);
 }
 
 NSViewController& AppFixture::switchTo(const char* identifier)

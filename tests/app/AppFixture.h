@@ -14,7 +14,6 @@
 #include <QString>
 #include <QStringList>
 #include <QTabWidget>
-#include <QTest>
 #include <gmock/gmock.h>
 
 #include "AppDataSet.h"
@@ -103,11 +102,13 @@ class AppFixture : public testing::Test
     }
     NSViewController& switchTo(const char* identifier);
 
+    /// Clicks it as a mouse does.
+    static void click(QWidget* widget);
     /// Clicks a button of a page, and answers the dialog that the page presents then; null when it presents none.
     template <class Dialog>
     QPointer<Dialog> present(NSViewController& page, QPushButton* button)
     {
-        QTest::mouseClick(button, Qt::LeftButton);
+        click(button);
         return page.findChild<Dialog*>();
     }
     /// The dialog that registers a key in the list of a tab.

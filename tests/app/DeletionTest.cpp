@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QTest>
 
 #include "CommonMessage.h"
 #include "Model/PamUpdateStatus.h"

@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QSignalSpy>
+#include <QTest>
 
 #include "app/ScreenFixture.h"
 

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include <QLabel>
+#include <QTest>
 
 #include "CommonMessage.h"
 #include "ServiceRequests.h"

@@ -9,6 +9,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QTableView>
+#include <QTest>
 #include <QTimer>
 
 #include "ViewController/Main/KeyListViewController.h"

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include <QLabel>
+#include <QTest>
 #include <unistd.h>
 
 #include "ViewController/Main/User/RegistrationUserKeyViewController.h"

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <nlohmann/json.hpp>
+
 namespace vantro::keyed_archive {
 namespace {
 constexpr const char* classKey = "$class";
