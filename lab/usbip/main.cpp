@@ -1,7 +1,9 @@
+#include <chrono>
 #include <exception>
 #include <iostream>
 #include <poll.h>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "usbip/CommandSocket.h"
@@ -29,10 +31,34 @@ using namespace vantro::lab::usbip;
     }
 }
 
+/// Sends one command and prints the answer; whether it was carried out.
+bool send(const std::string& path, const std::string& line)
+{
+    const std::string answer = ask(path, line);
+    std::cout << answer << '\n';
+    return answer.starts_with("ok");
+}
+
+/// Sends each line that comes in; "pause" and a number waits so many milliseconds. Whether all were carried out.
+bool sendAll(std::istream& lines, const std::string& path)
+{
+    const std::string pause = "pause ";
+    bool areDone = true;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with(pause)) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(std::stoul(line.substr(pause.size()))));
+        } else {
+            areDone &= send(path, line);
+        }
+    }
+    return areDone;
+}
+
 } // namespace
 
 /// vantro-usb-tokens SOCKET: plugs the lab's tokens into the machine that it runs on, as the commands that come to the
-/// socket say. vantro-usb-tokens SOCKET COMMAND…: sends one there and prints the answer.
+/// socket say. vantro-usb-tokens SOCKET COMMAND…: sends one there and prints the answer; with "-" for a command, each
+/// line of standard input.
 int main(int count, char* arguments[])
 try {
     const std::vector<std::string> words(arguments + 1, arguments + count);
@@ -47,9 +73,8 @@ try {
     for (std::size_t index = 1; index < words.size(); ++index) {
         line += (index > 1 ? " " : "") + words[index];
     }
-    const std::string answer = ask(words.front(), line);
-    std::cout << answer << '\n';
-    return answer.starts_with("ok") ? 0 : 1;
+    const bool isDone = line == "-" ? sendAll(std::cin, words.front()) : send(words.front(), line);
+    return isDone ? 0 : 1;
 } catch (const std::exception& error) {
     std::cerr << error.what() << '\n';
     return 1;
