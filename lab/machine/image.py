@@ -24,6 +24,9 @@ MASKED = ("systemd-networkd.service", "systemd-networkd.socket", "systemd-timesy
           "systemd-journal-flush.service", "apt-daily.timer", "apt-daily-upgrade.timer", "e2scrub_all.timer",
           "e2scrub_reap.service", "dpkg-db-backup.timer", "fstrim.timer", "getty@tty1.service")
 
+# What looks at each start for things that this machine has not (encrypted disks, foreign partitions, System V scripts).
+NEEDED_GENERATORS = ("systemd-fstab-generator", "systemd-getty-generator")
+
 # Debian has both as modules.
 MODULES_TO_FIND_DISK = ("virtio_pci", "virtio_blk", "ext4")
 # No machine could be found out about without them.
@@ -90,6 +93,11 @@ def _furnish(root):
         run("chroot", root, "chpasswd", input=f"{user}:{PASSWORD}\n")
     inside("usermod", "--append", "--groups", "sudo", ADMINISTRATOR)
     inside("systemctl", "mask", *MASKED)
+    masked_generators = root / "etc/systemd/system-generators"
+    masked_generators.mkdir(exist_ok=True)
+    for generator in (root / "usr/lib/systemd/system-generators").iterdir():
+        if generator.name not in NEEDED_GENERATORS:
+            (masked_generators / generator.name).symlink_to("/dev/null")
     inside("systemctl", "enable", "agent.service", "lightdm.service")
 
 

@@ -1,8 +1,8 @@
 """A machine of its own, emulated by QEMU: started, asked over its serial port, typed on, looked at, switched off."""
 
-import base64
 import contextlib
 import json
+import re
 import shlex
 import shutil
 import socket
@@ -31,9 +31,17 @@ KEYS = {" ": "spc", "-": "minus", "/": "slash", "\n": "ret", ".": "dot", "|": "s
         ";": "semicolon", "=": "equal", "'": "apostrophe", ">": "shift-dot", ":": "shift-semicolon", ",": "comma", "&": "shift-7", '"': "shift-apostrophe"}
 
 
-def wait_for(what, condition, limit=PATIENCE_SECONDS):
+def _as_line(text):
+    return text.replace("\\", "\\\\").replace("\n", "\\n")
+
+
+def _from_line(line):
+    return re.sub(r"\\(.)", lambda escaped: "\n" if escaped[1] == "n" else escaped[1], line)
+
+
+def wait_for(what, condition, limit=PATIENCE_SECONDS, pause=PAUSE_SECONDS):
     """Waits until a condition of a machine answers something that counts as true, and answers that."""
-    return waiting.wait_for(what, condition, limit, PAUSE_SECONDS)
+    return waiting.wait_for(what, condition, limit, pause)
 
 
 class Machine:
@@ -128,11 +136,11 @@ class Machine:
         if user:
             script = f"runuser -u {user} -- env HOME=/home/{user} bash -c {shlex.quote(script)}"
         try:
-            answer = self._agent.ask(base64.b64encode(script.encode()).decode(), patience)
+            answer = self._agent.ask(_as_line(script), patience)
         except TimeoutError as error:
             raise NotSo(f"the machine answers within {patience} seconds: {script}") from error
         status, _, said = answer.partition(" ")
-        return int(status), base64.b64decode(said).decode(errors="replace")
+        return int(status), _from_line(said)
 
     def must(self, script, **options):
         """The same for what must succeed; what it says."""
@@ -153,7 +161,8 @@ class Machine:
             self.press(KEYS.get(letter, f"shift-{letter.lower()}" if letter.isupper() else letter))
 
     def screenshot(self, path):
-        self._ask_monitor("screendump", filename=str(path), format="png")
+        """A portable pixmap, or a PNG file if the name says so."""
+        self._ask_monitor("screendump", filename=str(path), format="png" if path.suffix == ".png" else "ppm")
 
     def vnc_port(self):
         """Where a machine that is shown can be looked at, on this machine."""
@@ -204,7 +213,7 @@ class Line:
 
     def __init__(self, end):
         self._end = end
-        self._file = end.makefile("rw", encoding="ascii")
+        self._file = end.makefile("rw", encoding="utf-8", errors="replace", newline="\n")
 
     def ask(self, line, patience=PATIENCE_SECONDS):
         self._file.write(line + "\n")
@@ -216,7 +225,7 @@ class Line:
         answer = self._file.readline()
         if not answer.endswith("\n"):
             raise EOFError("the other end has gone")
-        return answer.strip()
+        return answer.rstrip("\n")
 
     def close(self):
         with contextlib.suppress(OSError):

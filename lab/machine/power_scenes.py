@@ -11,6 +11,10 @@ from visiting import DOCUMENT, PAM_SERVICES, RECORDS
 from waiting import NotSo
 
 CUTS_OF_EACH = 5
+# A start without a desktop, and without a look at hardware that takes no part: half the time is enough.
+NEXT_START = ("systemd.unit=multi-user.target", *(f"systemd.mask={unit}" for unit in (
+    "systemd-udev-trigger.service", "serial-getty@ttyS0.service",
+    *(f"modprobe@{module}.service" for module in ("configfs", "dm_mod", "drm", "efi_pstore", "fuse", "loop")))))
 ENTRY = "auth\trequired\tpam_vantro_standalone.so\n"
 
 
@@ -51,15 +55,16 @@ def _cut(visit, snapshot, what, key, longest, is_whole):
     # The instant is what is tried, not what is waited for.
     time.sleep(instant)
     visit.machine.cut_power()
-    visit.machine.start("systemd.unit=multi-user.target")
+    visit.machine.start(*NEXT_START)
     try:
         after = _files(visit)
     except xml.etree.ElementTree.ParseError as error:
         raise NotSo(f"{what}, switched off after {instant:.2f} s: the document is not whole: {error}") from error
     text = f"{what}, switched off after {instant:.2f} s: "
     visit.see(is_whole(visit, before, after, text), text + _told(before, after))
-    visit.lay_out_tokens()
-    visit.plug(FIRST)
+    if any(ENTRY in service for service in after[2]):
+        visit.lay_out_tokens()
+        visit.plug(FIRST)
     status, said = visit.machine.run(f"echo {PASSWORD} | pamtester lightdm {ADMINISTRATOR} authenticate")
     visit.see(status == 0, f"{text}{ADMINISTRATOR} signs in: {said.strip().splitlines()[-1]}")
     visit.see_same(visit.machine.must(f"find /etc/pam.d {RECORDS} -name '.*.new'"), "", f"{text}nothing half is left")
@@ -97,6 +102,7 @@ def demand(visit):
     longest = _duration(visit, "about-to-demand", "alt-d", lambda files: all(ENTRY in service for service in files[2]))
     for _ in range(CUTS_OF_EACH):
         _cut(visit, "about-to-demand", "demand", "alt-d", longest, _demand_is_whole)
+
 
 
 ALL = [registration, demand]

@@ -9,19 +9,21 @@ from visiting import PAM_SERVICES, RECORDS, SERVICE, TOKENS
 
 FIRST, SECOND, TOUCHED = "5550101", "12345678", "999"
 REPLUGGINGS = 200
-# Every now and then somebody asks meanwhile.
+# Somebody asks meanwhile, again and again.
 REPLUG = """RANDOM={seed}
 serials=({serials})
 verbs=(unplug plug)
 there=(1 0)
-for round in $(seq {times}); do
+while sleep 1; do {request} >/dev/null; done &
+for _ in $(seq {times}); do
     one=$((RANDOM % 2))
     there[one]=$((1 - there[one]))
-    vantro-usb-tokens {tokens} ${{verbs[there[one]]}} ${{serials[one]}}
-    [ $((round % 20)) != 0 ] || {request} &
-    sleep 0.$((RANDOM % 2))$((RANDOM % 10))
-done
-wait"""
+    echo ${{verbs[there[one]]}} ${{serials[one]}}
+    echo pause $((RANDOM % 200))
+done | vantro-usb-tokens {tokens} -
+status=$?
+kill $!
+exit $status"""
 
 
 def start(visit):
@@ -52,6 +54,13 @@ def first_device(visit):
     visit.see_same(sorted(nodes[1::2]), ["600", "660"], f"udev has given its nodes their modes: {' '.join(nodes)}")
     exposure = visit.machine.must(f"systemd-analyze security --no-pager {SERVICE} | tail -1").strip()
     visit.see("OK" in exposure, f"under its real unit: {exposure[2:]}")
+    visit.machine.save("installed")
+
+
+def go_on(visit):
+    """The service goes on on a machine of its own, from here."""
+    visit.machine.start(snapshot="installed")
+    visit.see_same(visit.call("GetSerial"), f"t {FIRST}", "the token's serial is read as before")
 
 
 def six_methods(visit):
@@ -151,4 +160,5 @@ def ended(visit):
     visit.unplug_all()
 
 
-ALL = [start, install, first_device, six_methods, two_tokens, touch, hung, pulled_out, replugged, ended]
+INSTALLATION = [start, install, first_device]
+INSTALLED = [go_on, six_methods, two_tokens, touch, hung, pulled_out, replugged, ended]

@@ -21,6 +21,17 @@ RECORDS = "/var/lib/vantro-standalone/challenge-response"
 ON_DISPLAY = "export DISPLAY=:0 XAUTHORITY=/run/lightdm/root/:0; "
 
 
+def _twice_as_large(shot):
+    """A picture in portable pixmap format in grey, as large as what reads it was made for."""
+    _, size, _, pixels = shot.split(b"\n", 3)
+    width, height = map(int, size.split())
+    green = pixels[1::3]
+    wide = bytearray(2 * len(green))
+    wide[::2] = wide[1::2] = green
+    rows = (wide[row:row + 2 * width] for row in range(0, len(wide), 2 * width))
+    return b"P5\n%d %d\n255\n" % (2 * width, 2 * height) + b"".join(row * 2 for row in rows)
+
+
 class Visit:
     """A machine, and the report of what was seen there."""
 
@@ -95,20 +106,21 @@ class Visit:
 
     def plug(self, serial):
         """Plugs a token in and waits until udev has told of both its interfaces."""
-        self._change_tokens(f"plug {serial}", 2)
+        self._change_tokens(f"plug {serial}")
 
     def unplug(self, serial):
-        self._change_tokens(f"unplug {serial}", -2)
+        self._change_tokens(f"unplug {serial}")
 
     def unplug_all(self):
         there = [line.split()[0] for line in self.token("list").splitlines() if "plugged-in" in line]
         for serial in there:
             self.unplug(serial)
 
-    def _change_tokens(self, command, more):
-        self.machine.must("count() { ls -d /dev/hidraw* 2>/dev/null | wc -l; }; before=$(count); "
-                          f"vantro-usb-tokens {TOKENS} {command} && udevadm settle && "
-                          f"timeout 60 bash -c 'until [ $(ls -d /dev/hidraw* 2>/dev/null | wc -l) = '$((before + {more}))' ]; "
+    def _change_tokens(self, command):
+        # The machine has no other HID devices, and a token has two.
+        self.machine.must(f"vantro-usb-tokens {TOKENS} {command} && "
+                          f"wanted=$((2 * $(vantro-usb-tokens {TOKENS} list | grep -c plugged-in))); udevadm settle; "
+                          "timeout 60 bash -c 'until [ $(ls -d /dev/hidraw* 2>/dev/null | wc -l) = '$wanted' ]; "
                           "do sleep 0.1; done; udevadm settle'")
 
     def is_blinking(self, serial):
@@ -153,6 +165,10 @@ class Visit:
         """The words that the screen shows, read as a person reads them."""
         return self._read(self._shot())
 
+    def wait_to_read(self, what, words, limit=PATIENCE_SECONDS):
+        """Waits until the screen shows the words. To read takes this machine longer than to ask the other one does."""
+        wait_for(what, lambda: words in self.read_screen(), limit, pause=1)
+
     def watch_screen(self, what, condition):
         """Waits for the condition; all that the screen has shown meanwhile."""
         shots = {}
@@ -165,21 +181,21 @@ class Visit:
         return [self._read(shot) for shot in [*shots, self._shot()]]
 
     def _shot(self):
-        shot = Path(self.machine.scratch, "screen.png")
+        shot = Path(self.machine.scratch, "screen.ppm")
         self.machine.screenshot(shot)
         return shot.read_bytes()
 
     def _read(self, shot):
         if shot not in self._words:
-            larger = subprocess.run(["convert", "-", "-colorspace", "Gray", "-resize", "250%", "pgm:-"], input=shot, check=True,
-                                    stdout=subprocess.PIPE).stdout
-            read = subprocess.run(["tesseract", "-", "-", "--psm", "6"], input=larger, check=True, stdout=subprocess.PIPE,
+            read = subprocess.run(["tesseract", "-", "-", "--psm", "6"], input=_twice_as_large(shot), check=True, stdout=subprocess.PIPE,
                                   stderr=subprocess.DEVNULL, env={**os.environ, "OMP_THREAD_LIMIT": "1"}).stdout
             self._words[shot] = " ".join(read.decode().split())
         return self._words[shot]
 
     def wait_for_words(self, words, whose, limit=PATIENCE_SECONDS):
-        self.wait_for(f"{whose} says \"{words}\"", lambda: words in self.read_screen(), limit)
+        text = f"{whose} says \"{words}\""
+        self.wait_to_read(text, words, limit)
+        self.see(True, text)
 
     def wait_for_shown(self, window_class):
         wait_for(f"a window of {window_class} is there", lambda: self.machine.run(
@@ -189,7 +205,7 @@ class Visit:
         """What somebody types into the greeter; one who was denied is still named there. Answers how often the greeter had
         been told to say or ask something until then."""
         self.wait_for_shown("lightdm-gtk-greeter")
-        wait_for("the greeter is there", lambda: "Log In" in self.read_screen())
+        self.wait_to_read("the greeter is there", "Log In")
         if user not in self.read_screen():
             before = self.greeter_prompts()
             self.machine.type(user + "\n")
