@@ -31,8 +31,8 @@ extern "C" const char* __tsan_default_suppressions()
 }
 
 // To tell whether a finding is left out, the sanitizer reads the programs' symbols while it holds a lock of the dynamic
-// linker. umockdev looks up the C library's function at the first call of each that it stands in front of, which waits for
-// another of these locks: with a dlopen() on a second thread neither would get on. So each is called once before.
+// linker. umockdev looks up the C library's function at the first call of each that it stands in front of, which waits
+// for another of these locks: with a dlopen() on a second thread neither would get on. So each is called once before.
 [[gnu::constructor]] static void lookUpWhatASymbolReaderCalls()
 {
     struct stat status = {};

@@ -78,7 +78,8 @@ Caller ask(const std::string& sender)
 {
     const Bus bus = connected();
     sd_bus_message* raw = nullptr;
-    checked(sd_bus_message_new_method_call(bus.get(), &raw, bus_daemon::name, bus_daemon::path, bus_daemon::name, "GetConnectionCredentials"));
+    checked(sd_bus_message_new_method_call(bus.get(), &raw, bus_daemon::name, bus_daemon::path, bus_daemon::name,
+                                           "GetConnectionCredentials"));
     const Message question(raw);
     checked(sd_bus_message_append(raw, "s", sender.c_str()));
     raw = nullptr;

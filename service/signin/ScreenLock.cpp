@@ -34,7 +34,8 @@ void ScreenLock::watch(const std::stop_token& stop)
         const auto seen = registry_.changes();
         const bool mayHearMore = findAgain(stop);
         lockWhereGone();
-        const Limit pause{mayHearMore ? Limit::Clock::now() + TokenAccess::silentPause : Limit::Clock::time_point::max(), stop};
+        const Limit pause{
+            mayHearMore ? Limit::Clock::now() + TokenAccess::silentPause : Limit::Clock::time_point::max(), stop};
         registry_.waitForChange(seen, pause);
     }
 }
