@@ -4,7 +4,7 @@
 #include <string_view>
 #include <system_error>
 
-#include <fcntl.h>
+#include <fcntl.h> // IWYU pragma: keep (with ThreadSanitizer)
 #include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
