@@ -5,7 +5,6 @@
 #include <fstream>
 #include <numeric>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "Cycle.h"
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 #include <system_error>
-#include <utility>
 
 #include <QStringList>
 
