@@ -102,7 +102,3 @@ def demand(visit):
     longest = _duration(visit, "about-to-demand", "alt-d", lambda files: all(ENTRY in service for service in files[2]))
     for _ in range(CUTS_OF_EACH):
         _cut(visit, "about-to-demand", "demand", "alt-d", longest, _demand_is_whole)
-
-
-
-ALL = [registration, demand]
