@@ -24,7 +24,7 @@ MASKED = ("systemd-networkd.service", "systemd-networkd.socket", "systemd-timesy
           "systemd-journal-flush.service", "apt-daily.timer", "apt-daily-upgrade.timer", "e2scrub_all.timer",
           "e2scrub_reap.service", "dpkg-db-backup.timer", "fstrim.timer", "getty@tty1.service")
 
-# What looks at each start for things that this machine has not (encrypted disks, foreign partitions, System V scripts).
+# The others look at each start for what this machine has not: encrypted disks, foreign partitions, System V scripts.
 NEEDED_GENERATORS = ("systemd-fstab-generator", "systemd-getty-generator")
 
 # Debian has both as modules.

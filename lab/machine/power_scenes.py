@@ -62,6 +62,7 @@ def _cut(visit, snapshot, what, key, longest, is_whole):
         raise NotSo(f"{what}, switched off after {instant:.2f} s: the document is not whole: {error}") from error
     text = f"{what}, switched off after {instant:.2f} s: "
     visit.see(is_whole(visit, before, after, text), text + _told(before, after))
+    # Without an entry nobody asks for a token.
     if any(ENTRY in service for service in after[2]):
         visit.lay_out_tokens()
         visit.plug(FIRST)

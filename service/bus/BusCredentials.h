@@ -10,7 +10,7 @@
 
 namespace vantro::service {
 
-/// The bus's own object, by its specification; its interface is named as the bus.
+/// The bus's own object, named as D-Bus has it everywhere; its interface has the name of the bus.
 namespace bus_daemon {
 inline constexpr const char* name = "org.freedesktop.DBus";
 inline constexpr const char* path = "/org/freedesktop/DBus";
