@@ -1,5 +1,6 @@
 """The disk of a machine of its own: Debian with a display manager, a small desktop, two accounts, and what drives it."""
 
+import hashlib
 import lzma
 import shutil
 import tarfile
@@ -24,8 +25,9 @@ MASKED = ("systemd-networkd.service", "systemd-networkd.socket", "systemd-timesy
           "systemd-journal-flush.service", "apt-daily.timer", "apt-daily-upgrade.timer", "e2scrub_all.timer",
           "e2scrub_reap.service", "dpkg-db-backup.timer", "fstrim.timer", "getty@tty1.service")
 
-# The others look at each start for what this machine has not: encrypted disks, foreign partitions, System V scripts.
-NEEDED_GENERATORS = ("systemd-fstab-generator", "systemd-getty-generator")
+# The others look at each start for what this machine has not: encrypted disks, foreign partitions, System V scripts. The
+# second one reads which units the kernel's line masks.
+NEEDED_GENERATORS = ("systemd-fstab-generator", "systemd-debug-generator", "systemd-getty-generator")
 
 # Debian has both as modules.
 MODULES_TO_FIND_DISK = ("virtio_pci", "virtio_blk", "ext4")
@@ -54,21 +56,35 @@ class Image:
 
 
 def make_image(folder, package, token_program):
-    """An image in the folder, with all that the package needs but not the package. The Debian tree is kept there."""
+    """An image in the folder, with all that the package needs but not the package. The Debian tree is kept there for the
+    next time, and so is the image while it would be the same."""
     options = [f"--dpkgopt=path-exclude={pattern}" for pattern in LEFT_OUT]
     options.append("--customize-hook=" + (HERE / "kernel-into-tree").read_text(encoding="utf-8"))
     packed = packed_tree(folder, PACKAGES + dependencies(package), *options)
+    image = Image(folder / "vmlinux", folder / "initrd", folder / "disk.raw")
+    digest = hashlib.sha256(packed.name.encode())
+    for source in (Path(__file__), token_program, *sorted(file for file in (HERE / "guest").rglob("*") if file.is_file())):
+        digest.update(f"{source} {source.stat().st_mode}\n".encode() + source.read_bytes())
+    made_from = folder / "image.made-from"
+    if made_from.exists() and made_from.read_text(encoding="ascii") == digest.hexdigest():
+        return image
+
+    made_from.unlink(missing_ok=True)
+    _make(image, packed, folder, token_program)
+    made_from.write_text(digest.hexdigest(), encoding="ascii")
+    return image
+
+
+def _make(image, packed, folder, token_program):
     root = folder / "tree"
     unpack(packed, root)
     _furnish(root)
     shutil.copy(token_program, root / "usr/local/bin/vantro-usb-tokens")
-    image = Image(folder / "vmlinux", folder / "initrd", folder / "disk.raw")
     image.kernel.write_bytes(_unpacked_kernel((root / "boot/vmlinuz").read_bytes()))
     _make_initrd(root, folder / "initrd.tree", image.initrd)
     image.disk.unlink(missing_ok=True)
     run("mke2fs", "-q", "-t", "ext4", "-m", "0", "-E", "lazy_itable_init=1", "-d", root, image.disk, DISK_SIZE)
     shutil.rmtree(root)
-    return image
 
 
 def pack_files(archive, files):

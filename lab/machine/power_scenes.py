@@ -11,10 +11,14 @@ from visiting import DOCUMENT, PAM_SERVICES, RECORDS
 from waiting import NotSo
 
 CUTS_OF_EACH = 5
-# A start without a desktop, and without a look at hardware that takes no part: half the time is enough.
-NEXT_START = ("systemd.unit=multi-user.target", *(f"systemd.mask={unit}" for unit in (
-    "systemd-udev-trigger.service", "serial-getty@ttyS0.service",
-    *(f"modprobe@{module}.service" for module in ("configfs", "dm_mod", "drm", "efi_pstore", "fuse", "loop")))))
+# A start with what signing in takes: half the time is enough without a desktop and without a look at all the hardware.
+NEXT_START = (
+    "systemd.unit=basic.target", *(f"systemd.wants={unit}" for unit in ("agent.service", "systemd-user-sessions.service")),
+    *(f"systemd.mask={unit}" for unit in (
+        "systemd-udev-trigger.service", "systemd-modules-load.service", "systemd-sysctl.service", "systemd-sysusers.service",
+        "kmod-static-nodes.service", "dev-hugepages.mount", "dev-mqueue.mount",
+        *(f"sys-{name}.mount" for name in ("kernel-debug", "kernel-tracing", "fs-fuse-connections", "kernel-config")),
+        *(f"modprobe@{module}.service" for module in ("configfs", "dm_mod", "drm", "efi_pstore", "fuse", "loop")))))
 ENTRY = "auth\trequired\tpam_vantro_standalone.so\n"
 
 
