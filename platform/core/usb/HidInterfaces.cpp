@@ -25,7 +25,8 @@ namespace {
 constexpr const char* hidrawSubsystem = "hidraw";
 /// Links to the devices of the subsystem, by their names.
 constexpr const char* hidrawClassFolder = "/sys/class/hidraw";
-constexpr std::size_t descriptorSizeLimit = 4096;
+/// No attribute is larger: the kernel hands them out by the page.
+constexpr std::size_t attributeSizeLimit = 4096;
 constexpr unsigned int usbBus = 3;
 
 template <auto release>
@@ -74,12 +75,35 @@ bool readHidId(std::string_view property, HidInterface& interface)
     return true;
 }
 
+/// What lies above an interface's syspath, DEVICE/DEVICE:1.N/BUS:VENDOR:PRODUCT.ID/hidraw/hidrawN. libudev's own search
+/// for it would open every folder on the way.
+std::string hidAbove(const std::filesystem::path& sysPath)
+{
+    return sysPath.parent_path().parent_path();
+}
+
+std::string usbDeviceAbove(const std::filesystem::path& sysPath)
+{
+    return std::filesystem::path(hidAbove(sysPath)).parent_path().parent_path();
+}
+
+/// One of a device's properties, which its file "uevent" has as lines KEY=value; empty when it is not there.
+std::string_view propertyOf(std::string_view uevent, std::string_view key)
+{
+    while (!uevent.empty()) {
+        const auto line = uevent.substr(0, uevent.find('\n'));
+        uevent.remove_prefix(std::min(line.size() + 1, uevent.size()));
+        if (line.starts_with(key) && line.substr(key.size()).starts_with('='))
+            return line.substr(key.size() + 1);
+    }
+    return {};
+}
+
 /// False when the interface has gone meanwhile.
 bool readDescriptor(const std::string& hidPath, HidInterface& interface)
 {
-    // libudev's own call for an attribute stops at the first zero byte.
     std::error_code error;
-    const auto bytes = readFile(hidPath + "/report_descriptor", descriptorSizeLimit, error);
+    const auto bytes = readFile(hidPath + "/report_descriptor", attributeSizeLimit, error);
     if (error == std::errc::no_such_file_or_directory || error == std::errc::no_such_device)
         return false;
     const auto descriptor = bytes ? parseReportDescriptor(*bytes) : std::nullopt;
@@ -94,34 +118,28 @@ bool readDescriptor(const std::string& hidPath, HidInterface& interface)
 /// Nothing for a device that is no USB HID interface or is gone already.
 std::optional<HidInterface> interfaceOf(udev_device* device)
 {
-    udev_device* const hid = udev_device_get_parent_with_subsystem_devtype(device, "hid", nullptr);
-    if (hid == nullptr || udev_device_get_devnode(device) == nullptr)
-        return std::nullopt;
     HidInterface interface;
-    if (!readHidId(textOrEmpty(udev_device_get_property_value(hid, "HID_ID")), interface))
-        return std::nullopt;
     interface.sysPath = textOrEmpty(udev_device_get_syspath(device));
     interface.deviceNode = textOrEmpty(udev_device_get_devnode(device));
-    interface.name = textOrEmpty(udev_device_get_property_value(hid, "HID_NAME"));
-    const std::string hidPath(textOrEmpty(udev_device_get_syspath(hid)));
-    if (!readDescriptor(hidPath, interface))
+    const std::string hidPath = hidAbove(interface.sysPath);
+    std::error_code ignored;
+    const std::string hid = readFile(hidPath + "/uevent", attributeSizeLimit, ignored).value_or(std::string());
+    if (interface.deviceNode.empty() || !readHidId(propertyOf(hid, "HID_ID"), interface) ||
+        !readDescriptor(hidPath, interface))
         return std::nullopt;
+    interface.name = propertyOf(hid, "HID_NAME");
     const auto initialised = textOrEmpty(udev_device_get_property_value(device, "USEC_INITIALIZED"));
     interface.initialised = std::chrono::microseconds(number<std::int64_t>(initialised, 10).value_or(0));
 
-    udev_device* const usb = udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device");
-    interface.usbDevicePath = usb != nullptr ? textOrEmpty(udev_device_get_syspath(usb)) : hidPath;
-    if (usb != nullptr) {
-        const auto deviceNumber = textOrEmpty(udev_device_get_sysattr_value(usb, "devnum"));
-        interface.usbDeviceNumber = number<unsigned int>(deviceNumber, 10).value_or(0);
-    }
+    // What is no USB device, but emulates one, has no number and none of its parts in common with others.
+    interface.usbDevicePath = usbDeviceAbove(interface.sysPath);
+    const auto digits = readFile(interface.usbDevicePath + "/devnum", attributeSizeLimit, ignored);
+    if (digits)
+        interface.usbDeviceNumber =
+            number<unsigned int>(std::string_view(*digits).substr(0, digits->find('\n')), 10).value_or(0);
+    else
+        interface.usbDevicePath = hidPath;
     return interface;
-}
-
-/// The USB device above an interface's syspath, DEVICE/DEVICE:1.N/BUS:VENDOR:PRODUCT.ID/hidraw/hidrawN.
-std::string usbDeviceAbove(const std::filesystem::path& sysPath)
-{
-    return sysPath.parent_path().parent_path().parent_path().parent_path();
 }
 
 /// What tells an interface apart from the others of its model: vendor, product, and its place in the device.
@@ -129,8 +147,7 @@ using Kind = std::tuple<std::uint16_t, std::uint16_t, std::string>;
 
 Kind kindOf(const HidInterface& interface)
 {
-    const auto hid = std::filesystem::path(interface.sysPath).parent_path().parent_path();
-    const std::string place = hid.parent_path().filename();
+    const std::string place = std::filesystem::path(hidAbove(interface.sysPath)).parent_path().filename();
     return {interface.vendorId, interface.productId, place.substr(place.find(':') + 1)};
 }
 
@@ -139,8 +156,7 @@ std::optional<HidInterface> goneInterfaceOf(udev_device* device)
 {
     HidInterface interface;
     interface.sysPath = textOrEmpty(udev_device_get_syspath(device));
-    const auto hid = std::filesystem::path(interface.sysPath).parent_path().parent_path();
-    if (!readHidId(hid.stem().string(), interface))
+    if (!readHidId(std::filesystem::path(hidAbove(interface.sysPath)).stem().string(), interface))
         return std::nullopt;
     interface.usbDevicePath = usbDeviceAbove(interface.sysPath);
     return interface;
