@@ -80,7 +80,16 @@ int chosenError(Call call, std::initializer_list<int> errors)
     if (!isIt && (plan->odds == 0 || below(plan->odds) != 0))
         return 0;
     ++plan->faults[kind];
-    return errors.begin()[below(errors.size())];
+    const int error = errors.begin()[below(errors.size())];
+    const bool isToBeRepeated = error == shortened || (error == EINTR && (call == Call::Read || call == Call::Write));
+    plan->excuses += isToBeRepeated ? 0 : 1;
+    return error;
+}
+
+/// How much is read or written of what was asked for: mostly less than most files are long.
+size_t shortenedSize(size_t size)
+{
+    return size <= 1 ? size : 1 + below(std::min<size_t>(size - 1, std::uint64_t{1} << below(16)));
 }
 
 bool fails(Call call, std::initializer_list<int> errors)
@@ -174,7 +183,7 @@ ssize_t read(int file, void* buffer, size_t size)
         errno = error;
         return -1;
     }
-    return original<&::read>("read")(file, buffer, error == shortened && size > 1 ? 1 + below(size - 1) : size);
+    return original<&::read>("read")(file, buffer, error == shortened ? shortenedSize(size) : size);
 }
 
 ssize_t write(int file, const void* data, size_t size)
@@ -192,7 +201,7 @@ ssize_t write(int file, const void* data, size_t size)
         errno = error;
         return -1;
     }
-    return originalWrite(file, data, error == shortened && size > 1 ? 1 + below(size - 1) : size);
+    return originalWrite(file, data, error == shortened ? shortenedSize(size) : size);
 }
 
 /// What could not be written to the disk may be gone from memory as well.

@@ -43,6 +43,9 @@ struct Plan
     /// At which of its calls the process is killed, counted from 1, a write in its middle; 0 for none.
     unsigned int callOfKill = 0;
     std::array<std::uint64_t, callCount> faults = {};
+    /// How many of them may have the operation fail. An interrupted read or write, or one of less than it was asked
+    /// for, only has to be repeated.
+    std::uint64_t excuses = 0;
     /// The files and folders that were changed and have not reached the disk since.
     std::array<ino_t, 256> unsynced = {};
     std::size_t unsyncedCount = 0;

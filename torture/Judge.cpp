@@ -121,7 +121,7 @@ void Cycle::judgeAnswer(const Expectation& expectation, const Victim::Result& re
     if (!result.answer)
         return;
     const auto answer = *result.answer;
-    const bool isExcused = answer == Answer::Failed && countOf(*faults_.plan) > 0;
+    const bool isExcused = answer == Answer::Failed && faults_.plan->excuses > 0;
     if (answer != expectation.answer && !isExcused)
         find(Finding::AnsweredWrongly, std::string(answerNames.at(static_cast<std::size_t>(answer))) + " where " +
                                            answerNames.at(static_cast<std::size_t>(expectation.answer)) + " was due");
