@@ -21,9 +21,9 @@ PACKAGES = [
 LEFT_OUT = ("/usr/share/man/*", "/usr/share/doc/*", "/usr/share/locale/*")
 
 # What starts work of its own soon after the machine, which nothing here needs.
-MASKED = ("systemd-networkd.service", "systemd-networkd.socket", "systemd-timesyncd.service", "systemd-random-seed.service", "systemd-update-utmp.service",
-          "systemd-journal-flush.service", "apt-daily.timer", "apt-daily-upgrade.timer", "e2scrub_all.timer",
-          "e2scrub_reap.service", "dpkg-db-backup.timer", "fstrim.timer", "getty@tty1.service")
+MASKED = ("systemd-networkd.service", "systemd-networkd.socket", "systemd-timesyncd.service", "systemd-random-seed.service",
+          "systemd-update-utmp.service", "systemd-journal-flush.service", "apt-daily.timer", "apt-daily-upgrade.timer",
+          "e2scrub_all.timer", "e2scrub_reap.service", "dpkg-db-backup.timer", "fstrim.timer", "getty@tty1.service")
 
 # The others look at each start for what this machine has not: encrypted disks, foreign partitions, System V scripts. The
 # second one reads which units the kernel's line masks.

@@ -31,7 +31,8 @@ PROCESSOR = "Nehalem"
 
 # Names of keys where a character is not its own.
 KEYS = {" ": "spc", "-": "minus", "/": "slash", "\n": "ret", ".": "dot", "|": "shift-backslash", "_": "shift-minus",
-        ";": "semicolon", "=": "equal", "'": "apostrophe", ">": "shift-dot", ":": "shift-semicolon", ",": "comma", "&": "shift-7", '"': "shift-apostrophe"}
+        ";": "semicolon", "=": "equal", "'": "apostrophe", ">": "shift-dot", ":": "shift-semicolon",
+        ",": "comma", "&": "shift-7", '"': "shift-apostrophe"}
 
 
 def _as_line(text):
@@ -95,8 +96,9 @@ class Machine:
         """Switches it on, or has it go on from a snapshot. It is up once the agent answers."""
         monitor, agent = (Path(self._sockets.name) / name for name in ("monitor", "agent"))
         command = [
-            "setpriv", "--pdeathsig", "TERM", "qemu-system-x86_64", "-machine", "pc", "-accel", "tcg,thread=multi,tb-size=512", "-cpu", PROCESSOR,
-            "-m", "1024", "-nodefaults", *self._display, "-device", "VGA,xres=1024,yres=768", "-serial", f"file:{self._console}",
+            "setpriv", "--pdeathsig", "TERM", "qemu-system-x86_64", "-machine", "pc", "-accel", "tcg,tb-size=512",
+            "-cpu", PROCESSOR, "-m", "1024", "-nodefaults", *self._display, "-device", "VGA,xres=1024,yres=768",
+            "-serial", f"file:{self._console}",
             "-drive", f"file={self._disk},if=virtio,cache=unsafe",
             "-drive", f"file={self._files},if=virtio,format=raw,readonly=on",
             "-device", "virtio-serial", "-device", "virtserialport,chardev=agent,name=agent",

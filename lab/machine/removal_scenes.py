@@ -15,9 +15,9 @@ def remove(visit):
     visit.machine.must("dpkg -P vantro-standalone")
     visit.see_same(visit.machine.run("diff -r /root/pam.d.first-day /etc/pam.d")[1], "",
                    "purged, the PAM services are byte for byte those of the first day")
-    visit.see_same(visit.machine.run("find / -xdev -path /root -prune -o -path /home -prune -o -path /proc -prune -o "
-                                     "-iname '*vantro*' -print | grep -v -e /usr/local/bin/ -e /var/lib/dpkg/ -e /var/log/")[1].strip(), "",
-                   "nothing of it is left but in users' homes")
+    left = visit.machine.run("find / -xdev -path /root -prune -o -path /home -prune -o -path /proc -prune -o -iname '*vantro*' "
+                             "-print | grep -v -e /usr/local/bin/ -e /var/lib/dpkg/ -e /var/log/")[1].strip()
+    visit.see_same(left, "", "nothing of it is left but in users' homes")
 
 
 def sign_in_as_on_first_day(visit):

@@ -139,8 +139,9 @@ class Visit:
 
     def start_call(self, *arguments):
         """The same without waiting for the answer, which answer() waits for."""
-        self.machine.must("rm -f /run/answer; systemd-run --quiet --collect sh -c '" + " ".join([*REQUEST, *map(str, arguments)]) +
-                          " >/run/answer.new 2>&1; mv /run/answer.new /run/answer'")
+        request = " ".join([*REQUEST, *map(str, arguments)])
+        self.machine.must("rm -f /run/answer; systemd-run --quiet --collect "
+                          f"sh -c '{request} >/run/answer.new 2>&1; mv /run/answer.new /run/answer'")
 
     def answer(self):
         return wait_for("the service answers", lambda: self.machine.run("cat /run/answer")[1].strip()
@@ -155,8 +156,9 @@ class Visit:
 
     def entries(self):
         """The control flag of the add-on's entry in each PAM service; none where there is none."""
+        control_flag = r"s/^auth\t\([a-z]*\)\tpam_vantro_standalone.so.*/\1/p"
         text = self.machine.must("cd /etc/pam.d; for name in " + " ".join(PAM_SERVICES) + "; do "
-                                 "sed -n 's/^auth\\t\\([a-z]*\\)\\tpam_vantro_standalone.so.*/\\1/p' $name | tr '\\n' ' '; echo; done")
+                                 f"sed -n '{control_flag}' $name | tr '\\n' ' '; echo; done")
         return [line.strip() for line in text.splitlines()]
 
     # The screen
@@ -187,8 +189,9 @@ class Visit:
 
     def _read(self, shot):
         if shot not in self._words:
-            read = subprocess.run(["tesseract", "-", "-", "--psm", "6"], input=_twice_as_large(shot), check=True, stdout=subprocess.PIPE,
-                                  stderr=subprocess.DEVNULL, env={**os.environ, "OMP_THREAD_LIMIT": "1"}).stdout
+            read = subprocess.run(["tesseract", "-", "-", "--psm", "6"], input=_twice_as_large(shot), check=True,
+                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                  env={**os.environ, "OMP_THREAD_LIMIT": "1"}).stdout
             self._words[shot] = " ".join(read.decode().split())
         return self._words[shot]
 

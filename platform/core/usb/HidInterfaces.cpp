@@ -123,7 +123,7 @@ std::optional<HidInterface> interfaceOf(udev_device* device)
     interface.deviceNode = textOrEmpty(udev_device_get_devnode(device));
     const std::string hidPath = hidAbove(interface.sysPath);
     std::error_code ignored;
-    const std::string hid = readFile(hidPath + "/uevent", attributeSizeLimit, ignored).value_or(std::string());
+    const std::string hid = readFile(hidPath + "/uevent", attributeSizeLimit, ignored).value_or("");
     if (interface.deviceNode.empty() || !readHidId(propertyOf(hid, "HID_ID"), interface) ||
         !readDescriptor(hidPath, interface))
         return std::nullopt;
@@ -131,14 +131,12 @@ std::optional<HidInterface> interfaceOf(udev_device* device)
     const auto initialised = textOrEmpty(udev_device_get_property_value(device, "USEC_INITIALIZED"));
     interface.initialised = std::chrono::microseconds(number<std::int64_t>(initialised, 10).value_or(0));
 
-    // What is no USB device, but emulates one, has no number and none of its parts in common with others.
-    interface.usbDevicePath = usbDeviceAbove(interface.sysPath);
-    const auto digits = readFile(interface.usbDevicePath + "/devnum", attributeSizeLimit, ignored);
-    if (digits)
-        interface.usbDeviceNumber =
-            number<unsigned int>(std::string_view(*digits).substr(0, digits->find('\n')), 10).value_or(0);
-    else
-        interface.usbDevicePath = hidPath;
+    // A program can play such a device as well (uhid), with no USB device above.
+    const bool isUsbInterface =
+        std::filesystem::path(hidPath).parent_path().filename().string().find(':') != std::string::npos;
+    interface.usbDevicePath = isUsbInterface ? usbDeviceAbove(interface.sysPath) : hidPath;
+    const std::string line = readFile(interface.usbDevicePath + "/devnum", attributeSizeLimit, ignored).value_or("");
+    interface.usbDeviceNumber = number<unsigned int>(std::string_view(line).substr(0, line.find('\n')), 10).value_or(0);
     return interface;
 }
 
