@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h> // IWYU pragma: keep (with ThreadSanitizer)
 #include <link.h>
@@ -69,6 +70,12 @@ std::vector<std::string> sanitizerRuntimes()
     return runtimes;
 }
 
+/// What is set while there are threads of the emulation, which read the environment with most of their calls. To change
+/// a variable leaves the environment's array where it is; to add one may free it. The values are those that count
+/// without.
+constexpr std::pair<const char*, const char*> changedLater[] = {
+    {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/run/dbus/system_bus_socket"}, {"LANGUAGE", ""}};
+
 std::string inheritedPreload()
 {
     const char* const value = std::getenv(preloadVariable);
@@ -99,6 +106,9 @@ void reexecuteUnderPreload(char** argv, const std::vector<std::string>& furtherL
         preload += (preload.empty() ? "" : ":") + library;
     }
     ::setenv(preloadVariable, preload.c_str(), 1);
+    for (const auto& [name, value] : changedLater) {
+        ::setenv(name, value, 0);
+    }
     ::execv("/proc/self/exe", argv);
     throw std::system_error(lastError(), "start over under the emulation's libraries");
 }

@@ -80,7 +80,8 @@ TEST_F(MainWindow, QuitsOnceOnTheVeryFirstStart)
 {
     // One configuration for this process and the one that the exit is watched in.
     constexpr auto variable = "VANTRO_TEST_CONFIGURATION";
-    ::setenv(variable, prefix.configHome().c_str(), 0);
+    if (*::getenv(variable) == '\0')
+        ::setenv(variable, prefix.configHome().c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", ::getenv(variable), 1);
     prefix.store({});
     EXPECT_EXIT(open(), testing::ExitedWithCode(EXIT_SUCCESS),
