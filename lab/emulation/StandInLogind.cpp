@@ -34,6 +34,7 @@ StandInLogind::StandInLogind(const std::vector<Session>& sessions, std::function
             connection_->enterEventLoop();
         } catch (const sdbus::Error&) {
             // The bus has gone, and with it whoever might ask.
+            return;
         }
     });
 }
@@ -46,6 +47,7 @@ StandInLogind::~StandInLogind()
 void StandInLogind::addManager(const std::vector<Session>& sessions)
 {
     std::vector<ListedSession> listed;
+    listed.reserve(sessions.size());
     for (const Session& session : sessions) {
         listed.emplace_back(session.id, session.userId, session.user, "seat0", pathOf(session));
     }

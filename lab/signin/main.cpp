@@ -21,7 +21,7 @@ int converse(int count, const pam_message** messages, pam_response** responses, 
         if (message.msg_style != PAM_TEXT_INFO && message.msg_style != PAM_ERROR_MSG) {
             return PAM_CONV_ERR;
         }
-        std::cout << message.msg << std::endl;
+        std::cout << message.msg << '\n' << std::flush;
         hasSpoken = true;
     }
     *responses = static_cast<pam_response*>(std::calloc(static_cast<std::size_t>(count), sizeof(pam_response)));
@@ -46,7 +46,7 @@ int main(int argc, char** argv)
         status = ::pam_authenticate(pam, 0);
     }
     if (status != PAM_SUCCESS && !hasSpoken) {
-        std::cout << ::pam_strerror(pam, status) << std::endl;
+        std::cout << ::pam_strerror(pam, status) << '\n' << std::flush;
     }
     ::pam_end(pam, status);
     return status == PAM_SUCCESS ? EXIT_SUCCESS : EXIT_FAILURE;
