@@ -2,22 +2,19 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <deque>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <string_view>
 #include <system_error>
-#include <tuple>
 #include <utility>
 #include <vector>
 
 #include <libudev.h>
 
-#include "foundation/DurableFile.h"
 #include "foundation/LastError.h"
-#include "usb/ReportDescriptor.h"
+#include "usb/HidDescription.h"
 
 namespace vantro {
 namespace {
@@ -25,9 +22,6 @@ namespace {
 constexpr const char* hidrawSubsystem = "hidraw";
 /// Links to the devices of the subsystem, by their names.
 constexpr const char* hidrawClassFolder = "/sys/class/hidraw";
-/// No attribute is larger: the kernel hands them out by the page.
-constexpr std::size_t attributeSizeLimit = 4096;
-constexpr unsigned int usbBus = 3;
 
 template <auto release>
 struct Releaser
@@ -41,133 +35,6 @@ struct Releaser
 using UdevPointer = std::unique_ptr<udev, Releaser<udev_unref>>;
 using MonitorPointer = std::unique_ptr<udev_monitor, Releaser<udev_monitor_unref>>;
 using DevicePointer = std::unique_ptr<udev_device, Releaser<udev_device_unref>>;
-
-std::string_view textOrEmpty(const char* text)
-{
-    return text != nullptr ? std::string_view(text) : std::string_view();
-}
-
-template <class Number>
-std::optional<Number> number(std::string_view digits, int base)
-{
-    Number value = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, value, base);
-    if (digits.empty() || error != std::errc() || stop != end)
-        return std::nullopt;
-    return value;
-}
-
-/// Fills in vendor and product from a HID_ID property, BUS:VENDOR:PRODUCT in hexadecimal. False for another bus.
-bool readHidId(std::string_view property, HidInterface& interface)
-{
-    const auto first = property.find(':');
-    const auto second = property.find(':', first + 1);
-    if (first == std::string_view::npos || second == std::string_view::npos)
-        return false;
-    const auto bus = number<unsigned int>(property.substr(0, first), 16);
-    const auto vendor = number<std::uint16_t>(property.substr(first + 1, second - first - 1), 16);
-    const auto product = number<std::uint16_t>(property.substr(second + 1), 16);
-    if (bus != usbBus || !vendor || !product)
-        return false;
-    interface.vendorId = *vendor;
-    interface.productId = *product;
-    return true;
-}
-
-/// What lies above an interface's syspath, DEVICE/DEVICE:1.N/BUS:VENDOR:PRODUCT.ID/hidraw/hidrawN. libudev's own search
-/// for it would open every folder on the way.
-std::string hidAbove(const std::filesystem::path& sysPath)
-{
-    return sysPath.parent_path().parent_path();
-}
-
-std::string usbDeviceAbove(const std::filesystem::path& sysPath)
-{
-    return std::filesystem::path(hidAbove(sysPath)).parent_path().parent_path();
-}
-
-/// One of a device's properties, which its file "uevent" has as lines KEY=value; empty when it is not there.
-std::string_view propertyOf(std::string_view uevent, std::string_view key)
-{
-    while (!uevent.empty()) {
-        const auto line = uevent.substr(0, uevent.find('\n'));
-        uevent.remove_prefix(std::min(line.size() + 1, uevent.size()));
-        if (line.starts_with(key) && line.substr(key.size()).starts_with('='))
-            return line.substr(key.size() + 1);
-    }
-    return {};
-}
-
-/// False when the interface has gone meanwhile.
-bool readDescriptor(const std::string& hidPath, HidInterface& interface)
-{
-    std::error_code error;
-    const auto bytes = readFile(hidPath + "/report_descriptor", attributeSizeLimit, error);
-    if (error == std::errc::no_such_file_or_directory || error == std::errc::no_such_device)
-        return false;
-    const auto descriptor = bytes ? parseReportDescriptor(*bytes) : std::nullopt;
-    if (descriptor) {
-        interface.usagePage = descriptor->usagePage;
-        interface.usage = descriptor->usage;
-        interface.maximumInputReportSize = descriptor->maximumInputReportSize;
-    }
-    return true;
-}
-
-/// Nothing for a device that is no USB HID interface or is gone already.
-std::optional<HidInterface> interfaceOf(udev_device* device)
-{
-    HidInterface interface;
-    interface.sysPath = textOrEmpty(udev_device_get_syspath(device));
-    interface.deviceNode = textOrEmpty(udev_device_get_devnode(device));
-    const std::string hidPath = hidAbove(interface.sysPath);
-    std::error_code ignored;
-    const std::string hid = readFile(hidPath + "/uevent", attributeSizeLimit, ignored).value_or("");
-    if (interface.deviceNode.empty() || !readHidId(propertyOf(hid, "HID_ID"), interface) ||
-        !readDescriptor(hidPath, interface))
-        return std::nullopt;
-    interface.name = propertyOf(hid, "HID_NAME");
-    const auto initialised = textOrEmpty(udev_device_get_property_value(device, "USEC_INITIALIZED"));
-    interface.initialised = std::chrono::microseconds(number<std::int64_t>(initialised, 10).value_or(0));
-
-    // A program can play such a device as well (uhid), with no USB device above.
-    const bool isUsbInterface =
-        std::filesystem::path(hidPath).parent_path().filename().string().find(':') != std::string::npos;
-    interface.usbDevicePath = isUsbInterface ? usbDeviceAbove(interface.sysPath) : hidPath;
-    const std::string line = readFile(interface.usbDevicePath + "/devnum", attributeSizeLimit, ignored).value_or("");
-    interface.usbDeviceNumber = number<unsigned int>(std::string_view(line).substr(0, line.find('\n')), 10).value_or(0);
-    return interface;
-}
-
-/// What tells an interface apart from the others of its model: vendor, product, and its place in the device.
-using Kind = std::tuple<std::uint16_t, std::uint16_t, std::string>;
-
-Kind kindOf(const HidInterface& interface)
-{
-    const std::string place = std::filesystem::path(hidAbove(interface.sysPath)).parent_path().filename();
-    return {interface.vendorId, interface.productId, place.substr(place.find(':') + 1)};
-}
-
-/// What the path of an interface that has gone still says about it; nothing for no USB HID interface.
-std::optional<HidInterface> goneInterfaceOf(udev_device* device)
-{
-    HidInterface interface;
-    interface.sysPath = textOrEmpty(udev_device_get_syspath(device));
-    if (!readHidId(std::filesystem::path(hidAbove(interface.sysPath)).stem().string(), interface))
-        return std::nullopt;
-    interface.usbDevicePath = usbDeviceAbove(interface.sysPath);
-    return interface;
-}
-
-/// Whether two descriptions under one syspath are of two plugs. What one of them does not know tells nothing.
-bool isAnotherPlug(const HidInterface& known, const HidInterface& found)
-{
-    const auto differ = [](auto left, auto right) { return left != 0 && right != 0 && left != right; };
-    return differ(known.usbDeviceNumber, found.usbDeviceNumber) ||
-           differ(known.initialised.count(), found.initialised.count()) || differ(known.vendorId, found.vendorId) ||
-           differ(known.productId, found.productId);
-}
 
 void sortLongestThereFirst(std::vector<HidInterface>& interfaces)
 {
@@ -332,7 +199,7 @@ class HidInterfaceWatcher::Udev
 
     void queueDescribed(HidInterface interface)
     {
-        const std::string usbDevice = usbDeviceAbove(interface.sysPath);
+        const std::string usbDevice = interface.usbDevicePath;
         queueCame(std::move(interface));
         for (auto missed = missed_.begin(); missed != missed_.end();) {
             const bool isSibling = missed->second.usbDevicePath == usbDevice;
@@ -352,7 +219,7 @@ class HidInterfaceWatcher::Udev
             interface.name = model->second.name;
         }
         const bool hasSibling = std::any_of(known_.begin(), known_.end(), [&interface](const auto& known) {
-            return usbDeviceAbove(known.first) == interface.usbDevicePath;
+            return known.second.usbDevicePath == interface.usbDevicePath;
         });
         if (hasSibling)
             queueCame(std::move(interface));
@@ -379,7 +246,7 @@ class HidInterfaceWatcher::Udev
     /// Had gone before they could be described, and nobody has heard of their devices.
     std::map<std::string, HidInterface, std::less<>> missed_;
     /// The last interface of each kind that could be described.
-    std::map<Kind, HidInterface> models_;
+    std::map<HidKind, HidInterface> models_;
     std::deque<Report> queue_;
 };
 
