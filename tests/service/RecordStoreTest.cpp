@@ -144,37 +144,41 @@ void giveAway(const fs::path& path)
 INSTANTIATE_TEST_SUITE_P(
     Files, RefusedRecordTest,
     testing::Values(
-        Refusal{"LooseFolder", [](auto folder, auto) { ::chmod(folder.c_str(), 0710); }, Kind::LooseMode, true},
-        Refusal{"LooseParent", [](auto folder, auto) { ::chmod(folder.parent_path().c_str(), 0770); }, Kind::LooseMode,
+        Refusal{"LooseFolder", [](const auto& folder, const auto&) { ::chmod(folder.c_str(), 0710); }, Kind::LooseMode,
                 true},
-        Refusal{"FolderOfSomebodyElse", [](auto folder, auto) { giveAway(folder); }, Kind::WrongOwner, true},
-        Refusal{"ParentOfSomebodyElse", [](auto folder, auto) { giveAway(folder.parent_path()); }, Kind::WrongOwner,
+        Refusal{"LooseParent", [](const auto& folder, const auto&) { ::chmod(folder.parent_path().c_str(), 0770); },
+                Kind::LooseMode, true},
+        Refusal{"FolderOfSomebodyElse", [](const auto& folder, const auto&) { giveAway(folder); }, Kind::WrongOwner,
                 true},
+        Refusal{"ParentOfSomebodyElse", [](const auto& folder, const auto&) { giveAway(folder.parent_path()); },
+                Kind::WrongOwner, true},
         Refusal{"LinkedFolder",
-                [](auto folder, auto) {
+                [](const auto& folder, const auto&) {
                     fs::rename(folder, folder.parent_path() / "elsewhere");
                     fs::create_directory_symlink("elsewhere", folder);
                 },
                 Kind::SymbolicLink, true},
-        Refusal{"MissingFolder", [](auto folder, auto) { fs::remove_all(folder); }, Kind::Missing, true},
+        Refusal{"MissingFolder", [](const auto& folder, const auto&) { fs::remove_all(folder); }, Kind::Missing, true},
         Refusal{"LinkedRecord",
-                [](auto folder, auto file) {
+                [](const auto& folder, const auto& file) {
                     fs::rename(file, folder / "elsewhere");
                     fs::create_symlink("elsewhere", file);
                 },
                 Kind::SymbolicLink, true},
         Refusal{"Pipe",
-                [](auto, auto file) {
+                [](const auto&, const auto& file) {
                     fs::remove(file);
                     ::mkfifo(file.c_str(), 0600);
                 },
                 Kind::WrongType, true},
-        Refusal{"RecordOfSomebodyElse", [](auto, auto file) { giveAway(file); }, Kind::WrongOwner, true},
-        Refusal{"LooseRecord", [](auto, auto file) { ::chmod(file.c_str(), 0640); }, Kind::LooseMode, false},
-        Refusal{"LargeRecord", [](auto, auto file) { tests::writeFile(file, std::string(5000, ' '), 0600); },
+        Refusal{"RecordOfSomebodyElse", [](const auto&, const auto& file) { giveAway(file); }, Kind::WrongOwner, true},
+        Refusal{"LooseRecord", [](const auto&, const auto& file) { ::chmod(file.c_str(), 0640); }, Kind::LooseMode,
+                false},
+        Refusal{"LargeRecord",
+                [](const auto&, const auto& file) { tests::writeFile(file, std::string(5000, ' '), 0600); },
                 Kind::TooLarge, false},
         Refusal{"RecordOfAnotherToken",
-                [](auto, auto file) {
+                [](const auto&, const auto& file) {
                     auto record = recordOf(1);
                     record.serial = 1;
                     tests::writeFile(file, record.formatted(), 0600);

@@ -290,7 +290,7 @@ TEST(CallerTest, OnlyAdministratorsGetAnAnswer)
     const lab::TokenBed bed;
     for (const auto& test : cases) {
         const ServicePrefix prefix;
-        PrivateBus bus(prefix, test.policy);
+        const PrivateBus bus(prefix, test.policy);
         EXPECT_EQ(ServiceClient().getSerial(), 0U);
         const std::string output = callAs(test.groups, bus);
         EXPECT_NE(output.find(test.answer), std::string::npos) << test.groups << output << bus.log();

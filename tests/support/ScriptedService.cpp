@@ -108,6 +108,8 @@ void ScriptedService::run()
         }
     } catch (const sdbus::Error&) {
         // The bus has gone, and nobody asks any more.
+        pending_.clear();
+        return;
     }
     pending_.clear();
 }
